@@ -1,0 +1,36 @@
+# What every target is compiled with, and what a user may choose.
+
+option(DATAMODULE_WERROR "Treat compiler warnings as errors" OFF)
+set(DATAMODULE_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize= (address,undefined or thread)")
+set(DATAMODULE_PLATFORM_DIR ${CMAKE_SOURCE_DIR}/platform/host
+    CACHE PATH "Folder whose CMakeLists.txt makes dataModule_platform, the port of the platform interfaces")
+
+find_program(DATAMODULE_CCACHE ccache)
+if(DATAMODULE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${DATAMODULE_CCACHE})
+endif()
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()
+
+add_library(dataModule_flags INTERFACE)
+target_compile_options(dataModule_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(DATAMODULE_WERROR)
+  target_compile_options(dataModule_flags INTERFACE -Werror)
+endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(dataModule_flags INTERFACE -Wthread-safety)
+endif()
+if(DATAMODULE_SANITIZE)
+  add_compile_options(-fsanitize=${DATAMODULE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${DATAMODULE_SANITIZE})
+endif()

@@ -1,0 +1,148 @@
+/// The one object through which a client process reaches the settings.
+///
+/// The sequence: instance(); on first boot loadManufactoryPath() and initCurrentFromManufactory(); init(scope);
+/// loadAllData(); then requests from any thread; at the end stop() and release(). The first instance() must come from
+/// one thread before any other thread uses the library, and release() after all others have finished with it.
+/// Requests take no lock of the manager: the registry is written only by init() and stop().
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <set>
+
+#include <dataModule/IDataSeparateManager.h>
+#include <dataModule/IDataSeparateManagerInner.h>
+#include <dataModule/IFileOperator.h>
+
+namespace td {
+
+class Thread;
+struct _ThreadStaticInfo_t;
+
+class DATAMODULE_API FileDataSeparateManager : public IDataSeparateManager, public IDataSeparateManagerInner {
+public:
+    /// The manager, made on the first call.
+    static FileDataSeparateManager* instance();
+    /// Destroys the manager, if any. Queued stores are lost; see waitStored().
+    static void release();
+
+    // IAbstractDataSeparateManager
+    const char* getCategory_Str(const _DataCategory_t& category) override;
+    bool getApplySettingFlag(const _DataCategory_t& category, const char* field) override;
+    bool restoreApplySettingFlag(const _DataCategory_t& category, const char* field) override;
+    char* getManufactoryPath() override;
+    bool setReservedFlag(bool flag) override;
+    bool setTvType(const char* type) override;
+    bool setReservedValue(int value) override;
+    FILE* getFileHandler(const _DataCategory_t& category) override;
+
+    // IDataSeparateManager
+    bool init(_DS_Scope_t scope) override;
+    bool stop() override;
+    bool initAllData() override;
+    bool loadAllData() override;
+    bool loadAllData(_DS_Type_t type) override;
+    bool initData(const _DataCategory_t& category) override;
+    bool loadData(const _DataCategory_t& category) override;
+    bool loadData(const _DataCategory_t& category, const char* path) override;
+    bool initCurrentFromManufactory() override;
+    bool removeDataFile(const _DataCategory_t& category) override;
+    bool loadData(const _DataCategory_t& category, const std::vector<int>& dims,
+                  std::vector<_Argument_t>& args) override;
+    bool storeData(const _DataCategory_t& category, const std::vector<int>& dims,
+                   const std::vector<_Argument_t>& args) override;
+    bool restoreSetting(const _DataCategory_t& category, const std::vector<int>& dims) override;
+    bool restoreSettingForAllSource(const _DataCategory_t& category, const std::vector<int>& dims) override;
+    bool restoreSettingFromCurrent(const _DataCategory_t& category, const std::vector<int>& dims) override;
+    bool refreshDataFromManufactory(const _DataCategory_t& category) override;
+    bool refreshDataFromCurrent(const _DataCategory_t& category) override;
+    bool applySettingForAllSources(const _DataCategory_t& category, const std::vector<int>& dims) override;
+    bool applySettingForAllMode(const _DataCategory_t& category, const std::vector<int>& dims) override;
+    bool setStoreFileFlag(bool allowed) override;
+    bool getStoreFileFlag() override;
+    bool loadDataForGroup(const _DataCategory_t& category, const std::vector<int>& dims, const std::vector<int>& list,
+                          GroupArray& data) override;
+    bool storeDataForGroup(const _DataCategory_t& category, const std::vector<int>& dims, const std::vector<int>& list,
+                           const std::vector<int>& list2, GroupArray& data) override;
+    bool loadDataForSelfDefinedGroup(const _DataCategory_t& category, const std::vector<int>& start,
+                                     const std::vector<int>& end, SelfDefinedGroupArray& data) override;
+    bool storeDataForSelfDefinedGroup(const _DataCategory_t& category, const std::vector<int>& start,
+                                      const std::vector<int>& end, SelfDefinedGroupArray& data) override;
+    bool releaseFileSources() override;
+    bool resumeFileSources() override;
+    bool resetForLoadAllData(_DS_Type_t type) override;
+
+    // IDataSeparateManagerInner
+    bool getReservedFlag() override;
+    const char* getTvType() override;
+    int getReservedValue() override;
+    bool backupData() override;
+    int postEvent(Event* event) override;
+
+    /// Takes the factory directory from key "Path" of "[ModuleData]" of the model index file; without it, or with a
+    /// value that is empty, leads upwards ("..") or leaves a file name no room within 256 bytes, the path stays as it
+    /// is. Call it before initCurrentFromManufactory(). Whether the path was taken.
+    bool loadManufactoryPath();
+    /// "VIDEO", "SOUND" or "UNKNOWN type".
+    const char* getType_Str(const _DS_Type_t& type);
+    /// Whether the operator's category belongs to the type; false for null.
+    bool belongTo(IFileOperator* op, const _DS_Type_t& type);
+    /// The operator of a registered category, or null with a log line. Owned by the manager.
+    IFileOperator* getFileOperator(const _DataCategory_t& category);
+
+    /// Waits, at most `milliseconds`, until every store queued so far has been handled. Whether that came true.
+    bool waitStored(int milliseconds);
+    /// What the worker has done so far.
+    void getWorkerStatistics(_ThreadStaticInfo_t& info);
+
+protected:
+    FileDataSeparateManager();
+    /// Stops. A derived class that overrides backupData() stops in its own destructor.
+    virtual ~FileDataSeparateManager();
+    FileDataSeparateManager(const FileDataSeparateManager&) = delete;
+    FileDataSeparateManager& operator=(const FileDataSeparateManager&) = delete;
+
+    /// Enters an operator in both registries and owns it. A second one for the same category is deleted.
+    void registerOperator(IFileOperator* op);
+    /// A new operator for a category, or null for a category that has none. init() asks for one category after the
+    /// other, except those already registered.
+    virtual IFileOperator* makeOperator(_DataCategory_t category);
+
+private:
+    void initForAll();
+    void initForBiz();
+    void initForDvbmain();
+    bool registerScope(_DS_Scope_t scope);
+    void registerCategories(const _DataCategory_t* categories, int count);
+    void setParents();
+    /// Deletes the operators and empties the registry by category. The worker must not run.
+    void deleteOperators();
+    /// Empties both registries, for another init().
+    void discardOperators();
+    /// Loads every registered file and sums up the bytes of the tables.
+    bool loadInParallel(int& dataSize);
+    /// Lets what was queued until now reach the files, so that no load reads older ones.
+    void settleStores();
+    bool backupIfRequested(IFileOperator& op);
+    /// Walks the set; nothing after stop().
+    template <typename Action>
+    void forEachInSet(Action action);
+
+    static constexpr int TV_TYPE_SIZE = 16;
+    static constexpr int PATH_SIZE = 256;
+
+    std::map<_DataCategory_t, IFileOperator*> m_fileOperators; ///< owns the operators
+    std::set<const IFileOperator*> m_operatorSet;              ///< the same ones; not walked after stop()
+    char m_tvType[TV_TYPE_SIZE] = {};
+    std::atomic<bool> m_reservedFlag{false};
+    std::unique_ptr<Thread> m_worker;
+    std::atomic<bool> m_inited{false};
+    std::atomic<bool> m_allLoaded{false};
+    std::atomic<bool> m_stopped{false};
+    char m_manufactoryPath[PATH_SIZE] = {};
+    std::atomic<bool> m_storeFileFlag{true};
+    std::atomic<int> m_reservedValue{0};
+};
+
+} // namespace td

@@ -1,0 +1,101 @@
+#include <dataModule/platform/ConfigReader.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include <ini.h>
+
+namespace td {
+namespace {
+
+/// Holds any value: lines that are longer than the parser's buffer are passed over.
+constexpr std::size_t VALUE_SIZE = 1024;
+
+struct Search {
+    const char* section;
+    const char* key;
+    bool found;
+    char value[VALUE_SIZE];
+};
+
+/// Called for every key; the last one of its name wins.
+int takeValue(void* user, const char* section, const char* key, const char* value) {
+    auto& search = *static_cast<Search*>(user);
+    if (std::strcmp(section, search.section) != 0 || std::strcmp(key, search.key) != 0)
+        return 1;
+    const std::size_t size = std::strlen(value) + 1;
+    search.found = size <= sizeof search.value;
+    if (search.found)
+        std::memcpy(search.value, value, size);
+    return 1;
+}
+
+void skipRestOfLine(FILE* file) {
+    int character = 0;
+    while (character != '\n' && character != EOF)
+        character = std::fgetc(file);
+}
+
+/// Reads one line for the parser. Indentation is taken off, since the parser would take an indented key for a
+/// continuation of the value above it. A line that does not fit is passed over whole: cut in two, its parts would be
+/// taken for lines of their own.
+char* readConfigLine(char* buffer, int size, void* stream) {
+    auto* const file = static_cast<FILE*>(stream);
+    if (std::fgets(buffer, size, file) == nullptr)
+        return nullptr;
+    if (std::strchr(buffer, '\n') == nullptr && std::feof(file) == 0) {
+        skipRestOfLine(file);
+        buffer[0] = '\0';
+    }
+    const std::size_t indentation = std::strspn(buffer, " \t");
+    std::memmove(buffer, buffer + indentation, std::strlen(buffer + indentation) + 1);
+    return buffer;
+}
+
+bool find(const char* path, Search& search) {
+    if (path == nullptr || search.section == nullptr || search.key == nullptr)
+        return false;
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path, "re"), &std::fclose);
+    if (!file)
+        return false;
+    // Lines in error are passed over, so its result, the number of the first of them, does not matter.
+    ini_parse_stream(&readConfigLine, file.get(), &takeValue, &search);
+    return search.found && std::ferror(file.get()) == 0;
+}
+
+/// Decimal or, with 0x, hexadecimal; a leading zero does not make a number octal.
+bool parseInt(const char* text, int& value) {
+    const char* const digits = text + (text[0] == '-' || text[0] == '+' ? 1 : 0);
+    const bool hexadecimal = digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
+    char* end = nullptr;
+    errno = 0;
+    const long number = std::strtol(text, &end, hexadecimal ? 16 : 10);
+    if (end == text || *end != '\0' || errno != 0 || number < INT_MIN || number > INT_MAX)
+        return false;
+    value = static_cast<int>(number);
+    return true;
+}
+
+} // namespace
+
+bool ConfigReader::readString(const char* path, const char* section, const char* key, char* value, int size) {
+    Search search{section, key, false, {}};
+    if (value == nullptr || size <= 0 || !find(path, search))
+        return false;
+    const std::size_t needed = std::strlen(search.value) + 1;
+    if (needed > static_cast<std::size_t>(size))
+        return false;
+    std::memcpy(value, search.value, needed);
+    return true;
+}
+
+bool ConfigReader::readInt(const char* path, const char* section, const char* key, int& value) {
+    Search search{section, key, false, {}};
+    return find(path, search) && parseInt(search.value, value);
+}
+
+} // namespace td

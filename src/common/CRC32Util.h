@@ -1,0 +1,45 @@
+/// The checksum of the settings files: CRC-32 with the reflected polynomial 0xEDB88320, initial value 0xFFFFFFFF and no
+/// final inversion (CRC-32/JAMCRC in the catalogue of parametrised CRC algorithms by G. Cook,
+/// https://reveng.sourceforge.io/crc-catalogue/).
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include <dataModule/common/Mutex.h>
+#include <dataModule/Export.h>
+
+namespace td {
+
+class DATAMODULE_API CRC32Util {
+public:
+    /// The one instance of the process. It is never destroyed, so that a thread still running at exit may use it.
+    static CRC32Util* instance();
+    virtual ~CRC32Util() = default;
+    CRC32Util(const CRC32Util&) = delete;
+    CRC32Util& operator=(const CRC32Util&) = delete;
+
+    /// Builds the tables. May be called again, from any thread.
+    void init_crc_table();
+    /// Folds `len` bytes into `crc` and returns it, without initial or final inversion. Lock-free; needs the tables.
+    unsigned int crc32(unsigned int crc, unsigned char* buf, unsigned int len) const;
+    /// Checksums a file from byte `offset` to its end. False, and `crc` untouched, before init_crc_table. Otherwise
+    /// true, also when the file cannot be opened or positioned: `crc` is then 0xFFFFFFFF, the checksum of nothing.
+    /// Files are checksummed one after another.
+    bool calc_file_crc(const char* path, int offset, unsigned int& crc) TD_EXCLUDES(m_fileMutex);
+
+    /// The value before the first byte.
+    static constexpr unsigned int INITIAL = 0xFFFFFFFFU;
+
+private:
+    CRC32Util() = default;
+
+    /// m_table[0] is the classic table of CRC-32; m_table[k] folds a byte that lies k bytes back (slicing by 8:
+    /// M. Kounavis, F. Berry, "Novel Table Lookup-Based Algorithms for High-Performance CRC Generation", 2008).
+    std::uint32_t m_table[8][256] = {};
+    std::atomic<bool> m_initialised{false};
+    Mutex m_tableMutex; ///< one builder at a time
+    Mutex m_fileMutex;  ///< one file at a time
+};
+
+} // namespace td

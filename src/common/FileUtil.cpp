@@ -1,0 +1,537 @@
+#include <dataModule/common/FileUtil.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <new>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <syslog.h>
+#include <unistd.h>
+
+namespace td {
+namespace {
+
+/// Bytes of a buffer for a path, terminator included.
+constexpr std::size_t PATH_SIZE = 256;
+constexpr std::size_t COPY_BLOCK_SIZE = 4096;
+constexpr mode_t DIRECTORY_MODE = 0777;
+constexpr mode_t FILE_MODE = 0666;
+constexpr mode_t PERMISSIONS = 07777;
+
+// A stream belongs to one thread at a time, so stdio's own lock is not needed.
+#if defined(__GLIBC__)
+char* readText(char* buffer, int size, FILE* stream) {
+    return fgets_unlocked(buffer, size, stream);
+}
+std::size_t writeBytes(const char* bytes, std::size_t count, FILE* stream) {
+    return fwrite_unlocked(bytes, 1, count, stream);
+}
+#else
+char* readText(char* buffer, int size, FILE* stream) {
+    return std::fgets(buffer, size, stream);
+}
+std::size_t writeBytes(const char* bytes, std::size_t count, FILE* stream) {
+    return std::fwrite(bytes, 1, count, stream);
+}
+#endif
+
+/// Closes what it holds at the end of the block.
+class Descriptor {
+public:
+    explicit Descriptor(int value) : m_value(value) {}
+    ~Descriptor() {
+        if (m_value >= 0)
+            close(m_value);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool isOpen() const { return m_value >= 0; }
+    int get() const { return m_value; }
+
+private:
+    const int m_value;
+};
+
+using Directory = std::unique_ptr<DIR, int (*)(DIR*)>;
+
+Directory openDirectory(const char* path) {
+    return {opendir(path), &closedir};
+}
+
+/// The next entry's name but "." and "..", or null at the end.
+const char* nextName(const Directory& directory) {
+    const dirent* entry = readdir(directory.get());
+    while (entry != nullptr && FileUtil::isSpecialDir(entry->d_name))
+        entry = readdir(directory.get());
+    return entry == nullptr ? nullptr : entry->d_name;
+}
+
+bool exists(const char* path) {
+    return access(path, F_OK) == 0;
+}
+
+bool isSameFile(const struct stat& one, const struct stat& other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+/// By name; a symbolic link at the end of `path` is not followed.
+bool isAt(const char* path, const struct stat& file) {
+    struct stat found {};
+    return lstat(path, &found) == 0 && isSameFile(found, file);
+}
+
+bool writeBlock(int target, const char* block, std::size_t size) {
+    while (size > 0) {
+        const ssize_t written = write(target, block, size);
+        if (written < 0)
+            return false;
+        block += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+void copyBytes(int source, int target) {
+    char block[COPY_BLOCK_SIZE];
+    for (;;) {
+        const ssize_t bytes = read(source, block, sizeof block);
+        if (bytes <= 0 || !writeBlock(target, block, static_cast<std::size_t>(bytes)))
+            return;
+    }
+}
+
+/// Empties an open target, unless it is the file that is to be copied. What is no regular file has nothing to empty.
+bool emptyTarget(int source, int target) {
+    struct stat sourceStatus {};
+    struct stat targetStatus {};
+    if (fstat(source, &sourceStatus) != 0 || fstat(target, &targetStatus) != 0)
+        return false;
+    if (isSameFile(sourceStatus, targetStatus))
+        return false;
+    return !S_ISREG(targetStatus.st_mode) || ftruncate(target, 0) == 0;
+}
+
+/// `path` and TEMPORARY_SUFFIX, or an empty text when that does not fit.
+void makeTemporaryName(const char* path, char (&out)[PATH_SIZE]) {
+    const std::size_t length = std::strlen(path);
+    const std::size_t suffix = std::strlen(FileUtil::TEMPORARY_SUFFIX);
+    out[0] = '\0';
+    if (length + suffix >= sizeof out)
+        return;
+    std::memcpy(out, path, length);
+    std::memcpy(out + length, FileUtil::TEMPORARY_SUFFIX, suffix + 1);
+}
+
+/// The directory that holds `path`.
+Descriptor openParent(const char* path) {
+    char parent[PATH_SIZE] = ".";
+    const char* const slash = std::strrchr(path, '/');
+    if (slash != nullptr) {
+        const std::size_t length = slash == path ? 1 : static_cast<std::size_t>(slash - path);
+        if (length >= sizeof parent)
+            return Descriptor(-1);
+        std::memcpy(parent, path, length);
+        parent[length] = '\0';
+    }
+    return Descriptor(open(parent, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+/// A file system that answers EINVAL keeps its directories without being asked.
+bool syncDirectory(const Descriptor& directory) {
+    return fsync(directory.get()) == 0 || errno == EINVAL;
+}
+
+/// The temporary file of one replacement, empty at first. An exclusive lock keeps other threads and processes off it
+/// until it is closed; a process that dies leaves a file that the next one takes over.
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const char* path) : m_path(path), m_descriptor(openLocked(path)) {}
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    bool isOpen() const { return m_descriptor.isOpen(); }
+
+    /// Copies `from` into it, complete and on disk, with the mode and owner of what is at `replaced`.
+    bool fill(const char* from, const char* replaced) const {
+        if (FileUtil::copySingleFile(from, m_path) != 0 || !isComplete(from))
+            return false;
+        return takeModeAndOwner(replaced) && fsync(m_descriptor.get()) == 0;
+    }
+
+private:
+    static constexpr int ATTEMPTS = 100;
+
+    /// A locked and empty regular file at `path`, or -1.
+    static int openLocked(const char* path) {
+        for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
+            const int descriptor = open(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, FILE_MODE);
+            if (descriptor >= 0 && isOurs(path, descriptor))
+                return descriptor;
+            if (descriptor >= 0)
+                close(descriptor);
+            else if (!removeObstacle(path))
+                return -1;
+        }
+        return -1;
+    }
+
+    /// Takes the lock. Whoever had it before may have renamed or removed the file meanwhile, and a leftover that has
+    /// further names or is no regular file is not ours to empty: then another one is made.
+    static bool isOurs(const char* path, int descriptor) {
+        struct stat status {};
+        if (!lock(descriptor) || fstat(descriptor, &status) != 0 || !isAt(path, status))
+            return false;
+        if (S_ISREG(status.st_mode) && status.st_nlink == 1)
+            return ftruncate(descriptor, 0) == 0;
+        unlink(path);
+        return false;
+    }
+
+    static bool lock(int descriptor) {
+        int result = flock(descriptor, LOCK_EX);
+        while (result != 0 && errno == EINTR)
+            result = flock(descriptor, LOCK_EX);
+        return result == 0;
+    }
+
+    /// After a failed open: a symbolic link, or a leftover that may not be written, gives way to a new file.
+    static bool removeObstacle(const char* path) {
+        const bool isObstacle = errno == ELOOP || errno == EACCES || errno == ENXIO;
+        return isObstacle && (unlink(path) == 0 || errno == ENOENT);
+    }
+
+    bool isComplete(const char* from) const {
+        struct stat source {};
+        struct stat copy {};
+        if (stat(from, &source) != 0 || !S_ISREG(source.st_mode) || fstat(m_descriptor.get(), &copy) != 0)
+            return false;
+        return source.st_size == copy.st_size && isAt(m_path, copy);
+    }
+
+    bool takeModeAndOwner(const char* replaced) const {
+        struct stat status {};
+        if (stat(replaced, &status) != 0)
+            return errno == ENOENT;
+        // Only a privileged process may give files away; for the others the file stays their own.
+        [[maybe_unused]] const int ignored = fchown(m_descriptor.get(), status.st_uid, status.st_gid);
+        return fchmod(m_descriptor.get(), status.st_mode & PERMISSIONS) == 0;
+    }
+
+    const char* const m_path;
+    const Descriptor m_descriptor;
+};
+
+bool copyDirectoryEntry(const char* from, const char* to, const char* name) {
+    char source[PATH_SIZE];
+    char target[PATH_SIZE];
+    FileUtil::getFilePath(from, name, source);
+    FileUtil::getFilePath(to, name, target);
+    return source[0] != '\0' && target[0] != '\0' && FileUtil::copySingleFile(source, target) == 0;
+}
+
+void emptyDirectory(const char* path) {
+    const Directory directory = openDirectory(path);
+    if (!directory)
+        return;
+    char entry[PATH_SIZE];
+    while (const char* const name = nextName(directory)) {
+        if (FileUtil::getFilePath(path, name, entry)[0] == '\0')
+            continue;
+        FileUtil::removeDirFile(entry);
+        if (FileUtil::isDir(entry))
+            rmdir(entry);
+    }
+}
+
+} // namespace
+
+// --- the stream ---
+
+FileUtil::~FileUtil() {
+    closeFile();
+}
+
+bool FileUtil::openStream(const char* path, const char* mode) {
+    std::unique_ptr<char[]> buffer(new (std::nothrow) char[BUFFER_SIZE]);
+    if (!buffer)
+        return false;
+    m_stream = std::fopen(path, mode);
+    if (m_stream == nullptr)
+        return false;
+    m_buffer = std::move(buffer);
+    std::setvbuf(m_stream, m_buffer.get(), _IOFBF, BUFFER_SIZE);
+    m_descriptor = fileno(m_stream);
+    fcntl(m_descriptor, F_SETFD, FD_CLOEXEC);
+    return true;
+}
+
+bool FileUtil::createFile(const char* path) {
+    if (path == nullptr)
+        return false;
+    return m_stream != nullptr || openStream(path, "w+");
+}
+
+bool FileUtil::openFile(const char* path, const char* mode) {
+    if (path == nullptr || mode == nullptr)
+        return false;
+    if (m_stream == nullptr && !openStream(path, mode))
+        return false;
+    std::memset(m_name, 0, sizeof m_name);
+    std::strncpy(m_name, path, sizeof m_name - 1);
+    return true;
+}
+
+bool FileUtil::isOpend() const {
+    return m_stream != nullptr;
+}
+
+bool FileUtil::writeFile(const char* text, bool /*ignored*/) {
+    if (m_stream == nullptr || text == nullptr)
+        return false;
+    const long length = static_cast<long>(std::strlen(text));
+    long total = 0;
+    // The count falls by all that was written so far, so a third pass is rare and a negative count must end the loop.
+    for (long remaining = length; remaining > 0; remaining -= total) {
+        const std::size_t written = writeBytes(text + total, static_cast<std::size_t>(remaining), m_stream);
+        if (written == 0)
+            break;
+        total += static_cast<long>(written);
+    }
+    if (syncWritten() && total == length)
+        return true;
+    syslog(LOG_ERR, "write file [%s] failed.\n", m_name);
+    return false;
+}
+
+bool FileUtil::readLine(char* buffer, int size) {
+    if (m_stream == nullptr || buffer == nullptr || size <= 0)
+        return false;
+    return readText(buffer, size, m_stream) != nullptr;
+}
+
+bool FileUtil::resetStartPos() {
+    return setPos(0);
+}
+
+bool FileUtil::setPos(int offset) {
+    return m_stream != nullptr && std::fseek(m_stream, offset, SEEK_SET) == 0;
+}
+
+bool FileUtil::getCurrentPos(long& position) const {
+    const long current = m_stream == nullptr ? -1 : std::ftell(m_stream);
+    if (current == -1)
+        return false;
+    position = current;
+    return true;
+}
+
+bool FileUtil::reachEnd() const {
+    return m_stream == nullptr || std::feof(m_stream) != 0;
+}
+
+bool FileUtil::closeFile() {
+    if (m_stream == nullptr)
+        return false;
+    const bool closed = std::fclose(m_stream) == 0;
+    m_stream = nullptr;
+    m_buffer.reset();
+    return closed;
+}
+
+void FileUtil::deferSync(bool deferred) {
+    m_syncDeferred = deferred;
+}
+
+bool FileUtil::syncFile() {
+    return m_stream != nullptr && std::fflush(m_stream) == 0 && fsync(m_descriptor) == 0;
+}
+
+bool FileUtil::syncWritten() {
+    return m_syncDeferred ? std::fflush(m_stream) == 0 : syncFile();
+}
+
+bool FileUtil::dropReadAhead() {
+    long position = 0;
+    if (!getCurrentPos(position))
+        return false;
+    // Flushing forgets what was read, seeking that the end was met where the file may go on by now.
+    return std::fflush(m_stream) == 0 && std::fseek(m_stream, position, SEEK_SET) == 0;
+}
+
+FILE* FileUtil::stream() const {
+    return m_stream;
+}
+
+// --- paths ---
+
+bool FileUtil::checkPath(const char* path, bool create) {
+    if (path == nullptr)
+        return false;
+    if (exists(path))
+        return true;
+    if (!create)
+        return false;
+    // Several loaders make the same directory at once; one of them does, the others find it made.
+    return mkdir(path, DIRECTORY_MODE) == 0 || (errno == EEXIST && exists(path));
+}
+
+bool FileUtil::checkFile(const char* path) {
+    return path != nullptr && exists(path);
+}
+
+int FileUtil::getFileSize(const char* path) {
+    struct stat status {};
+    if (path == nullptr || stat(path, &status) != 0 || status.st_size > INT_MAX)
+        return -1;
+    return static_cast<int>(status.st_size);
+}
+
+bool FileUtil::isFile(const char* path) {
+    struct stat status {};
+    return path != nullptr && lstat(path, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool FileUtil::isDir(const char* path) {
+    struct stat status {};
+    return path != nullptr && lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool FileUtil::isSpecialDir(const char* name) {
+    return name != nullptr && (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0);
+}
+
+char* FileUtil::getFilePath(const char* dir, const char* name, char* out) {
+    if (out == nullptr)
+        return out;
+    out[0] = '\0';
+    if (dir == nullptr || name == nullptr)
+        return out;
+    const std::size_t dirLength = std::strlen(dir);
+    const std::size_t nameLength = std::strlen(name);
+    const std::size_t slash = dirLength > 0 && dir[dirLength - 1] == '/' ? 0 : 1;
+    if (dirLength + slash + nameLength >= PATH_SIZE)
+        return out;
+    std::memcpy(out, dir, dirLength);
+    if (slash == 1)
+        out[dirLength] = '/';
+    std::memcpy(out + dirLength + slash, name, nameLength + 1);
+    return out;
+}
+
+int FileUtil::copySingleFile(const char* from, const char* to) {
+    if (from == nullptr || to == nullptr)
+        return -1;
+    // The target is emptied only when the source is open and another file.
+    const Descriptor source(open(from, O_RDONLY | O_CLOEXEC));
+    if (!source.isOpen())
+        return -1;
+    const Descriptor target(open(to, O_WRONLY | O_CREAT | O_CLOEXEC, FILE_MODE));
+    if (!target.isOpen() || !emptyTarget(source.get(), target.get()))
+        return -1;
+    copyBytes(source.get(), target.get());
+    return 0;
+}
+
+bool FileUtil::copyDirFile(const char* from, const char* to) {
+    if (!checkPath(from, false) || !checkPath(to, true))
+        return false;
+    const Directory directory = openDirectory(from);
+    if (!directory)
+        return false;
+    while (const char* const name = nextName(directory))
+        copyDirectoryEntry(from, to, name);
+    return true;
+}
+
+int FileUtil::removeDirFile(const char* path) {
+    if (path == nullptr)
+        return -1;
+    if (isFile(path))
+        return unlink(path);
+    if (!isDir(path))
+        return 0;
+    emptyDirectory(path);
+    rmdir(path);
+    return 0;
+}
+
+int FileUtil::removeSingleFile(const char* path) {
+    if (path == nullptr)
+        return -1;
+    if (access(path, R_OK) != 0)
+        return -2;
+    return std::remove(path) == 0 ? 0 : -1;
+}
+
+bool FileUtil::backup(const char* from, const char* to) {
+    if (!checkFile(from) || to == nullptr)
+        return false;
+    return exists(to) || std::rename(from, to) == 0;
+}
+
+bool FileUtil::recover(const char* from, const char* to) {
+    if (!checkFile(from) || to == nullptr)
+        return false;
+    if (exists(to))
+        removeDirFile(to);
+    return std::rename(from, to) == 0;
+}
+
+char* FileUtil::trim(char* text) {
+    if (text == nullptr)
+        return text;
+    const char* const first = text + std::strspn(text, " ");
+    std::size_t length = std::strlen(first);
+    while (length > 0 && std::strchr(" \r\n", first[length - 1]) != nullptr)
+        --length;
+    std::memmove(text, first, length);
+    text[length] = '\0';
+    return text;
+}
+
+char* FileUtil::getCurrentTime() {
+    const std::time_t now = std::time(nullptr);
+    return std::ctime(&now);
+}
+
+// --- replacing ---
+
+bool FileUtil::replaceFile(const char* from, const char* to) {
+    if (!checkFile(from) || to == nullptr)
+        return false;
+    char temporary[PATH_SIZE];
+    makeTemporaryName(to, temporary);
+    struct stat source {};
+    if (temporary[0] == '\0' || stat(from, &source) != 0 || isAt(temporary, source))
+        return false;
+    const TemporaryFile file(temporary);
+    if (!file.isOpen())
+        return false;
+    if (!file.fill(from, to)) {
+        unlink(temporary);
+        return false;
+    }
+    return commitTemporary(temporary, to);
+}
+
+bool FileUtil::commitTemporary(const char* temporary, const char* to) {
+    if (temporary == nullptr || to == nullptr)
+        return false;
+    // The directory is opened first, so that of the steps after the renaming only the sync itself can fail.
+    const Descriptor directory = openParent(to);
+    if (!directory.isOpen() || std::rename(temporary, to) != 0) {
+        unlink(temporary);
+        return false;
+    }
+    return syncDirectory(directory);
+}
+
+} // namespace td

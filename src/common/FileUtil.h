@@ -1,0 +1,119 @@
+/// One open text stream per object, read and written line by line, and stateless helpers for files and directories.
+///
+/// An object belongs to one thread at a time; an operator's is guarded by its critical section. Null paths are answered
+/// with the failure value. Only writeFile reports a failure in words, to the system log.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+
+#include <dataModule/Export.h>
+
+namespace td {
+
+class DATAMODULE_API FileUtil {
+public:
+    FileUtil() = default;
+    virtual ~FileUtil();
+    FileUtil(const FileUtil&) = delete;
+    FileUtil& operator=(const FileUtil&) = delete;
+
+    // --- the stream; each returns false when none is open ---
+
+    /// Opens `path` for reading and writing, empty. Does nothing, and succeeds, when a stream is already open.
+    bool createFile(const char* path);
+    /// Opens `path` with fopen's `mode` and keeps the name (at most 255 characters). When a stream is already open it
+    /// stays as it is and only the name is taken.
+    bool openFile(const char* path, const char* mode);
+    /// Whether a stream is open.
+    bool isOpend() const;
+    /// Writes the whole text at the current position, flushes and syncs. The flag is ignored. False, with a line in the
+    /// system log, when any of the three fails: the file then holds a part of the text or nothing of it, and nothing of
+    /// it is written later.
+    bool writeFile(const char* text, bool ignored);
+    /// Reads one line as fgets does: at most `size` - 1 characters, newline kept. False at the end of the file.
+    bool readLine(char* buffer, int size);
+    /// To offset 0.
+    bool resetStartPos();
+    /// To `offset` bytes from the start.
+    bool setPos(int offset);
+    /// The current offset.
+    bool getCurrentPos(long& position) const;
+    /// True when no stream is open or a read has met the end of the file.
+    bool reachEnd() const;
+    /// Closes the stream, if any.
+    bool closeFile();
+
+    /// While deferred, writeFile flushes but leaves the sync to syncFile, so that many writes cost one sync.
+    void deferSync(bool deferred);
+    /// Flushes and syncs what was written.
+    bool syncFile();
+    /// Forgets what was read ahead, so that the next read sees the file as it is now.
+    bool dropReadAhead();
+    /// The stream, or null.
+    FILE* stream() const;
+
+    // --- paths; no stream needed ---
+
+    /// Whether `path` exists; with `create` makes the one directory (mode 0777) if not. Parents are not made.
+    static bool checkPath(const char* path, bool create);
+    /// Whether `path` exists.
+    static bool checkFile(const char* path);
+    /// Bytes of the file, or -1.
+    static int getFileSize(const char* path);
+    /// A regular file, or a directory; a symbolic link is neither.
+    static bool isFile(const char* path);
+    static bool isDir(const char* path);
+    /// Exactly "." or "..".
+    static bool isSpecialDir(const char* name);
+    /// Writes `dir`, a '/' if it does not end in one, and `name` into `out` (at least 256 bytes) and returns `out`.
+    /// What does not fit in 256 bytes leaves `out` an empty text.
+    static char* getFilePath(const char* dir, const char* name, char* out);
+    /// Copies the bytes of `from` over `to` (made with mode 0666). 0 when both could be opened, -1 otherwise; read or
+    /// write errors after that are not reported. Copying a file onto itself is refused. No sync.
+    static int copySingleFile(const char* from, const char* to);
+    /// Copies every entry of the directory `from` into `to`, which is made if missing (one level). Not recursive; the
+    /// results of the single copies are ignored.
+    static bool copyDirFile(const char* from, const char* to);
+    /// Removes a file (0 or -1), or a directory with all that is in it (0). Anything else is left alone (0).
+    static int removeDirFile(const char* path);
+    /// 0: removed; -1: null or not removable; -2: not readable.
+    static int removeSingleFile(const char* path);
+    /// Renames `from` to `to` unless `to` exists, which counts as success.
+    static bool backup(const char* from, const char* to);
+    /// Renames `from` to `to`, removing what is at `to` first.
+    static bool recover(const char* from, const char* to);
+    /// Strips leading spaces and trailing spaces, carriage returns and line feeds in place. Returns `text`.
+    static char* trim(char* text);
+    /// The local time as ctime writes it. A static text, shared by all threads.
+    static char* getCurrentTime();
+
+    /// Replaces `to` by a copy of `from` so that at every instant, and after a cut of power at any instant, one whole
+    /// file is at `to`: copies to `to` + TEMPORARY_SUFFIX, compares the sizes, gives it the mode and owner of the file
+    /// it replaces, syncs it, renames it over and syncs the directory. On failure the temporary file is removed and
+    /// `to` stays as it was; only when the very last step fails `to` is new already, but may be old again after a cut
+    /// of power. Calls for one target wait for each other, in all processes.
+    static bool replaceFile(const char* from, const char* to);
+    /// The last two steps of replaceFile for a temporary file that is complete and synced; the same on failure.
+    static bool commitTemporary(const char* temporary, const char* to);
+    /// Ends the name of every unfinished file.
+    static constexpr const char* TEMPORARY_SUFFIX = ".tmp";
+
+private:
+    static constexpr std::size_t NAME_SIZE = 256;
+    /// Measured: four times the usual size makes reading by lines a quarter faster; a larger one makes every seek, and
+    /// with it every write of a section, slower.
+    static constexpr std::size_t BUFFER_SIZE = 16384;
+
+    bool openStream(const char* path, const char* mode);
+    bool syncWritten();
+
+    char m_name[NAME_SIZE] = {};
+    FILE* m_stream = nullptr;
+    int m_descriptor = -1; ///< the last stream's; stays after closing
+    bool m_syncDeferred = false;
+    std::unique_ptr<char[]> m_buffer; ///< the stream's
+};
+
+} // namespace td

@@ -1,0 +1,26 @@
+/// How the library writes log lines: DM_ERROR, DM_WARNING, DM_INFO and DM_DEBUG take a printf format and its values.
+/// A line is "file:line:function(): [dataModule] " and the text, made only when the platform's level check passes.
+/// Failures are Warning or Error, progress is Info, dumps of values are Debug.
+#pragma once
+
+#include <dataModule/Export.h>
+#include <dataModule/platform/DebugOutput.h>
+
+namespace td::log {
+
+/// Formats and outputs one line. `file` is shortened to its base name.
+DATAMODULE_API void print(DebugOutput::Level level, const char* file, int line, const char* function,
+                          const char* format, ...) __attribute__((format(printf, 5, 6)));
+
+} // namespace td::log
+
+#define TD_LOG(level, ...)                                                      \
+    do {                                                                        \
+        if (::td::DebugOutput::isEnabled(level))                                \
+            ::td::log::print(level, __FILE__, __LINE__, __func__, __VA_ARGS__); \
+    } while (false)
+
+#define DM_ERROR(...) TD_LOG(::td::DebugOutput::Level::Error, __VA_ARGS__)
+#define DM_WARNING(...) TD_LOG(::td::DebugOutput::Level::Warning, __VA_ARGS__)
+#define DM_INFO(...) TD_LOG(::td::DebugOutput::Level::Info, __VA_ARGS__)
+#define DM_DEBUG(...) TD_LOG(::td::DebugOutput::Level::Debug, __VA_ARGS__)

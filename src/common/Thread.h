@@ -1,0 +1,97 @@
+/// The worker: handles posted events one by one, in the order of posting, on one thread, and asks its owner for backups
+/// whenever the queue has stayed empty for 10 s.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+
+#include <dataModule/common/Mutex.h>
+#include <dataModule/Export.h>
+#include <dataModule/platform/OsalThreads.h>
+
+namespace td {
+
+class Event;
+class IDataSeparateManagerInner;
+
+/// What the worker has done so far.
+struct _ThreadStaticInfo_t {
+    std::uint32_t handled;   ///< events handled
+    std::uint32_t succeeded; ///< of these, handled with success
+    std::uint32_t failed;    ///< of these, failed
+    std::uint32_t queued;    ///< events still queued at the last dequeue; 0 after an idle wake-up
+};
+
+class DATAMODULE_API Thread {
+public:
+    /// Seconds without events after which the owner is asked for backups.
+    static constexpr int IDLE_SECONDS = 10;
+
+    /// Nothing runs yet. At most 31 characters of the name are kept.
+    explicit Thread(const char* name, int idleSeconds = IDLE_SECONDS);
+    /// Stops. A derived class that overrides run() stops in its own destructor.
+    virtual ~Thread();
+    /// Starts the thread; true without effect when it runs. False after stop() or when the platform has no thread to
+    /// give.
+    virtual bool start();
+    /// Ends the thread after the event in hand and deletes the queued ones unhandled; no backup begins from then on.
+    /// Works also when start() failed or never ran, and twice. From any thread but the worker itself, and without an
+    /// operator's critical section, which the event in hand may need.
+    virtual bool stop();
+    /// Queues an event and owns it from then on. False after stop(): the caller still owns the event.
+    virtual bool post(Event* event);
+    /// The loop; runs on the thread.
+    virtual void run();
+
+    Thread(const Thread&) = delete;
+    Thread& operator=(const Thread&) = delete;
+
+    /// Whether stop() was called.
+    bool isExit() const TD_EXCLUDES(m_exitMutex);
+    /// Copies the counters; waits for the event in hand.
+    void getStaticsInfo(_ThreadStaticInfo_t& info) TD_EXCLUDES(m_statisticsMutex);
+    /// Who is asked for backups; set before start().
+    void setOwner(IDataSeparateManagerInner* owner);
+    /// Waits, at most `milliseconds`, until every event queued on entry has been handled or dropped; false when the
+    /// time ran out. True at once when no thread runs and on the worker's own thread. Hold no operator's critical
+    /// section.
+    bool waitHandled(int milliseconds) TD_EXCLUDES(m_queueMutex);
+
+private:
+    static void* mainProc(void* self);
+    /// Waits for the next event, which may be null. False when the thread is to end.
+    bool takeNext(Event*& event) TD_EXCLUDES(m_queueMutex);
+    void askForBackup() TD_REQUIRES(m_queueMutex);
+    void handleEvent(Event& event) TD_EXCLUDES(m_statisticsMutex);
+    void noteHandled() TD_EXCLUDES(m_queueMutex);
+    void dropQueue() TD_EXCLUDES(m_queueMutex);
+
+    static constexpr int NAME_SIZE = 32;
+
+    char m_name[NAME_SIZE] = {};
+    const int m_idleSeconds;
+
+    Mutex m_lifeMutex; ///< one start or stop at a time, joining included; the worker never takes it
+    OsalThreads::Handle m_handle TD_GUARDED_BY(m_lifeMutex) = OsalThreads::INVALID_HANDLE;
+    std::atomic<bool> m_running{false}; ///< from start() until the thread is joined
+
+    std::atomic<bool> m_exit{false}; ///< written under queue and exit mutex, read freely
+    mutable Mutex m_exitMutex;
+
+    Mutex m_queueMutex; ///< queue, its conditions and the two counters
+    Condition m_queueCondition;
+    Condition m_handledCondition;
+    std::deque<Event*> m_queue TD_GUARDED_BY(m_queueMutex);
+    std::uint64_t m_postedCount TD_GUARDED_BY(m_queueMutex) = 0; ///< events ever queued
+    std::uint64_t m_doneCount TD_GUARDED_BY(m_queueMutex) = 0;   ///< events ever handled or dropped
+
+    Mutex m_statisticsMutex; ///< handled, succeeded and failed; held while an event is handled
+    _ThreadStaticInfo_t m_statistics TD_GUARDED_BY(m_statisticsMutex) = {};
+    /// _ThreadStaticInfo_t::queued; it changes under the queue mutex, which comes after the statistics mutex.
+    std::atomic<std::uint32_t> m_queuedCount{0};
+
+    IDataSeparateManagerInner* m_owner = nullptr; ///< set before start(); not owned
+};
+
+} // namespace td

@@ -1,0 +1,813 @@
+#include <dataModule/FileDataSeparateManager.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#ifdef __SANITIZE_THREAD__
+#define BOOST_ASIO_DISABLE_FENCED_BLOCK // g++'s thread sanitizer refuses fences; the pool's mutex orders the same
+#endif
+#include <boost/asio/post.hpp>
+#include <boost/asio/thread_pool.hpp>
+
+#include <dataModule/common/CRC32Util.h>
+#include <dataModule/common/FileUtil.h>
+#include <dataModule/common/Log.h>
+#include <dataModule/common/SystemPaths.h>
+#include <dataModule/common/Thread.h>
+#include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/platform/ConfigReader.h>
+#include <dataModule/platform/OsalThreads.h>
+#include <dataModule/platform/RootPrefix.h>
+
+namespace td {
+
+namespace {
+
+FileDataSeparateManager* s_instance = nullptr;
+
+constexpr const char* WORKER_NAME = "FileManagerSyncFileThread";
+constexpr std::size_t LOADING_THREADS = 8;
+/// How long a reload waits for the stores queued before it.
+constexpr int SETTLE_MILLISECONDS = 5000;
+/// Room that the factory directory leaves for a file name within the longest path.
+constexpr std::size_t FILE_NAME_ROOM = 64;
+
+// The orders in which the operators are made.
+constexpr _DataCategory_t ALL_CATEGORIES[] = {PICTURE_MODE,
+                                              PICTURE_MODE_EX,
+                                              PICTURE_MODE_SELF,
+                                              PICTURE_FACTORY_WB,
+                                              PICTURE_GLOBAL,
+                                              PICTURE_FACTORY_CURVE,
+                                              PICTURE_WB_2_POINT,
+                                              PICTURE_COLOR_TUNER,
+                                              PICTURE_XVYCC,
+                                              PICTURE_SOURCE_ONLY,
+                                              PICTURE_WB_10_POINT_IDX,
+                                              PICTURE_WB_10_POINT,
+                                              PICTURE_YRANGE,
+                                              SOUND_CURVE,
+                                              SOUND_DELAY,
+                                              SOUND_EQ_WALLMOUNT,
+                                              SOUND_MODE,
+                                              SOUND_AMP,
+                                              SOUND_PEQ,
+                                              SOUND_EQ,
+                                              SOUND_DBX,
+                                              SOUND_DTS,
+                                              SOUND_AVC,
+                                              SOUND_GLOBAL,
+                                              PICTURE_FACTORY_OVERSCAN,
+                                              PICTURE_FACTORY_ASPECT,
+                                              PICTURE_FACTORY_SCALING,
+                                              PICTURE_FACTORY_SCALING_PIP,
+                                              PICTURE_FACTORY_SCALING_PIP_POS,
+                                              PICTURE_WB_20_POINT,
+                                              PICTURE_WB_20_POINT_IDX,
+                                              PICTURE_WB_20_GAIN,
+                                              PICTURE_WB_20_GAIN_IDX,
+                                              PICTURE_LOW_BLUE_LIGHT,
+                                              PICTURE_FACTORY_BACKLIGHT_CURVE,
+                                              SOUND_GLOBAL_FACTORY,
+                                              PICTURE_CONTENT_DETECT,
+                                              PICTURE_ENHANCED_VIEWING_ANGLE,
+                                              PICTURE_FACTORY_COLOR_TUNER,
+                                              PICTURE_FACTORY_WB_SHIFT,
+                                              PICTURE_FACTORY_WB_20_GAIN,
+                                              PICTURE_FACTORY_WB_20_GAIN_IDX,
+                                              PICTURE_FACTORY_WB_20_POINT,
+                                              PICTURE_FACTORY_WB_20_POINT_IDX,
+                                              PICTURE_USER_DOLBY_IQ_MODE,
+                                              PICTURE_USER_DOLBY_IQ_INTENTED_WHITE_POINT,
+                                              PICTURE_USER_LIGHT_SENSOR_LEVEL,
+                                              PICTURE_USER_LIGHT_SENSOR_WB_20_GAIN,
+                                              PICTURE_USER_LIGHT_SENSOR_PLC_POINT,
+                                              PICTURE_USER_BACKLIGHT_WB,
+                                              PICTURE_USER_CCT_WB,
+                                              PICTURE_GAMMA_CALIBRATION_DARK_DETAIL};
+constexpr _DataCategory_t BIZ_CATEGORIES[] = {PICTURE_MODE,
+                                              PICTURE_MODE_EX,
+                                              PICTURE_MODE_SELF,
+                                              PICTURE_FACTORY_WB,
+                                              PICTURE_GLOBAL,
+                                              PICTURE_FACTORY_CURVE,
+                                              PICTURE_FACTORY_BACKLIGHT_CURVE,
+                                              PICTURE_WB_2_POINT,
+                                              PICTURE_COLOR_TUNER,
+                                              PICTURE_SOURCE_ONLY,
+                                              PICTURE_WB_10_POINT_IDX,
+                                              PICTURE_WB_10_POINT,
+                                              PICTURE_YRANGE,
+                                              PICTURE_WB_20_POINT,
+                                              PICTURE_WB_20_POINT_IDX,
+                                              PICTURE_WB_20_GAIN,
+                                              PICTURE_WB_20_GAIN_IDX,
+                                              SOUND_CURVE,
+                                              SOUND_DELAY,
+                                              SOUND_EQ_WALLMOUNT,
+                                              SOUND_MODE,
+                                              SOUND_AMP,
+                                              SOUND_PEQ,
+                                              SOUND_EQ,
+                                              SOUND_DBX,
+                                              SOUND_DTS,
+                                              SOUND_AVC,
+                                              SOUND_GLOBAL,
+                                              SOUND_GLOBAL_FACTORY,
+                                              PICTURE_CONTENT_DETECT,
+                                              PICTURE_ENHANCED_VIEWING_ANGLE,
+                                              PICTURE_FACTORY_COLOR_TUNER,
+                                              PICTURE_FACTORY_WB_SHIFT,
+                                              PICTURE_FACTORY_WB_20_GAIN,
+                                              PICTURE_FACTORY_WB_20_GAIN_IDX,
+                                              PICTURE_FACTORY_WB_20_POINT,
+                                              PICTURE_FACTORY_WB_20_POINT_IDX,
+                                              PICTURE_USER_DOLBY_IQ_MODE,
+                                              PICTURE_USER_DOLBY_IQ_INTENTED_WHITE_POINT,
+                                              PICTURE_USER_LIGHT_SENSOR_LEVEL,
+                                              PICTURE_USER_LIGHT_SENSOR_WB_20_GAIN,
+                                              PICTURE_USER_LIGHT_SENSOR_PLC_POINT,
+                                              PICTURE_USER_BACKLIGHT_WB,
+                                              PICTURE_USER_CCT_WB};
+constexpr _DataCategory_t DVBMAIN_CATEGORIES[] = {PICTURE_FACTORY_OVERSCAN, PICTURE_FACTORY_ASPECT,
+                                                  PICTURE_FACTORY_SCALING, PICTURE_FACTORY_SCALING_PIP,
+                                                  PICTURE_FACTORY_SCALING_PIP_POS};
+static_assert(std::size(ALL_CATEGORIES) == CATEGORY_COUNT, "every category is in the full scope");
+
+constexpr const char* CATEGORY_NAMES[] = {
+#define DATAMODULE_NAME(value, name, operatorClass) #name,
+    DATAMODULE_CATEGORY_LIST(DATAMODULE_NAME)
+#undef DATAMODULE_NAME
+};
+static_assert(std::size(CATEGORY_NAMES) == CATEGORY_COUNT, "the list of categories has no gap");
+
+const char* categoryName(_DataCategory_t category) {
+    const int value = category;
+    return value >= 0 && value < CATEGORY_COUNT ? CATEGORY_NAMES[value] : "UNKNOWN_CATAGORY";
+}
+
+// Typed operations go by these ranges and pass over the categories from 48 on.
+bool isVideo(int value) {
+    return (value >= 0 && value <= 15) || (value >= 27 && value <= 33) || (value >= 35 && value <= 47);
+}
+
+bool isSound(int value) {
+    return (value >= 16 && value <= 26) || value == 34;
+}
+
+/// Runs `action` and returns its result; what it throws ends here, is logged under the caller's name and counts as a
+/// failure.
+template <typename Action>
+bool attempt(Action action, const char* function = __builtin_FUNCTION(), int line = __builtin_LINE()) {
+    try {
+        return action();
+    } catch (const std::exception& error) {
+        log::print(DebugOutput::Level::Error, __FILE__, line, function, "unexpected exception: %s\n", error.what());
+    } catch (...) {
+        log::print(DebugOutput::Level::Error, __FILE__, line, function, "unexpected exception\n");
+    }
+    return false;
+}
+
+/// Hands a request to the operator of its category. Without one the failure is logged under the name of the calling
+/// request, in addition to the line of getFileOperator.
+template <typename Request>
+bool route(FileDataSeparateManager& manager, const _DataCategory_t& category, Request request,
+           const char* function = __builtin_FUNCTION(), int line = __builtin_LINE()) {
+    IFileOperator* const op = manager.getFileOperator(category);
+    if (op == nullptr) {
+        log::print(DebugOutput::Level::Warning, __FILE__, line, function, "find file operator failed for [%s]. \n",
+                   categoryName(category));
+        return false;
+    }
+    return attempt([&] { return request(*op); }, function, line);
+}
+
+/// Gives a critical section back at the end of a block.
+class EnteredSection {
+public:
+    explicit EnteredSection(IFileOperator& op) : m_operator(op) {}
+    ~EnteredSection() { m_operator.leaveCriticalSection(); }
+    EnteredSection(const EnteredSection&) = delete;
+    EnteredSection& operator=(const EnteredSection&) = delete;
+
+private:
+    IFileOperator& m_operator;
+};
+
+/// The file name at the end of the operator's path. The caller has the critical section.
+const char* baseName(IFileOperator& op) {
+    const char* const path = op.getFileFullPath();
+    if (path == nullptr)
+        return "";
+    const char* const slash = std::strrchr(path, '/');
+    return slash == nullptr ? path : slash + 1;
+}
+
+/// A copy of the file name, for log lines outside the critical section.
+struct FileName {
+    explicit FileName(IFileOperator& op) {
+        op.enterCriticalSection();
+        const EnteredSection section(op);
+        std::snprintf(text, sizeof text, "%s", baseName(op));
+    }
+    char text[paths::PATH_SIZE] = {};
+};
+
+/// Whether a path of the value leads to another level than its text says.
+bool leadsUpwards(std::string_view value) {
+    while (true) {
+        const std::size_t end = value.find('/');
+        if (value.substr(0, end) == "..")
+            return true;
+        if (end == std::string_view::npos)
+            return false;
+        value.remove_prefix(end + 1);
+    }
+}
+
+/// The factory directory that the model index file names, with the name; false when there is none to use.
+bool readFactoryDirectory(char (&model)[paths::PATH_SIZE], std::string& directory) {
+    if (!ConfigReader::readString(underRootPrefix(paths::MODEL_INDEX_FILE).c_str(), "ModuleData", "Path", model,
+                                  paths::PATH_SIZE))
+        return false;
+    if (model[0] == '\0' || leadsUpwards(model))
+        return false;
+    const int length = std::snprintf(nullptr, 0, paths::FACTORY_DIRECTORY_FORMAT, model);
+    if (length < 0)
+        return false;
+    std::string path(static_cast<std::size_t>(length) + 1, '\0');
+    std::snprintf(path.data(), path.size(), paths::FACTORY_DIRECTORY_FORMAT, model);
+    directory = underRootPrefix(path.c_str());
+    return directory.size() + FILE_NAME_ROOM <= static_cast<std::size_t>(paths::PATH_SIZE);
+}
+
+/// Nothing is removed when there is nothing to put in its place.
+bool replaceByFactoryFiles(const char* factory) {
+    std::error_code error;
+    const std::filesystem::directory_iterator listing(factory, error);
+    if (error)
+        return false;
+    const std::string current = paths::currentDirectory();
+    const std::string backup = paths::backupDirectory();
+    FileUtil::removeDirFile(current.c_str());
+    FileUtil::removeDirFile(backup.c_str());
+    return FileUtil::copyDirFile(factory, current.c_str()) && FileUtil::copyDirFile(factory, backup.c_str());
+}
+
+bool loadReported(IFileOperator& op, const FileName& name) {
+    const bool loaded = attempt([&] { return op.loadFile(); });
+    if (!loaded)
+        DM_WARNING(" load file [%s] failed.\n", name.text);
+    return loaded;
+}
+
+/// Loads one file with its time in the log. Returns the bytes of its table.
+int loadTimed(IFileOperator& op) {
+    const double start = OsalThreads::uptime();
+    // Read before: after a load a merge in the background may hold the critical section for long.
+    const FileName name(op);
+    static_cast<void>(loadReported(op, name));
+    DM_INFO(" load file [%s] and consume time %f.\n", name.text, OsalThreads::uptime() - start);
+    return op.getDataSize();
+}
+
+} // namespace
+
+FileDataSeparateManager* FileDataSeparateManager::instance() {
+    if (s_instance == nullptr) {
+        holdRootPrefix(true);
+        s_instance = new FileDataSeparateManager();
+    }
+    return s_instance;
+}
+
+void FileDataSeparateManager::release() {
+    if (s_instance == nullptr)
+        return;
+    delete s_instance;
+    s_instance = nullptr;
+    holdRootPrefix(false);
+}
+
+FileDataSeparateManager::FileDataSeparateManager() : m_worker(std::make_unique<Thread>(WORKER_NAME)) {
+    static_assert(PATH_SIZE == paths::PATH_SIZE && TV_TYPE_SIZE == 16, "buffers of the interface");
+    std::snprintf(m_manufactoryPath, sizeof m_manufactoryPath, "%s", paths::defaultFactoryDirectory().c_str());
+}
+
+FileDataSeparateManager::~FileDataSeparateManager() {
+    FileDataSeparateManager::stop();
+    m_operatorSet.clear();
+}
+
+// --- accessors ---
+
+const char* FileDataSeparateManager::getCategory_Str(const _DataCategory_t& category) {
+    return categoryName(category);
+}
+
+const char* FileDataSeparateManager::getType_Str(const _DS_Type_t& type) {
+    if (type == VIDEO)
+        return "VIDEO";
+    return type == SOUND ? "SOUND" : "UNKNOWN type";
+}
+
+bool FileDataSeparateManager::belongTo(IFileOperator* op, const _DS_Type_t& type) {
+    if (op == nullptr)
+        return false;
+    const int value = op->getDataCategory();
+    return (type == VIDEO && isVideo(value)) || (type == SOUND && isSound(value));
+}
+
+char* FileDataSeparateManager::getManufactoryPath() {
+    return m_manufactoryPath;
+}
+
+bool FileDataSeparateManager::setReservedFlag(bool flag) {
+    m_reservedFlag = flag;
+    return true;
+}
+
+bool FileDataSeparateManager::getReservedFlag() {
+    return m_reservedFlag;
+}
+
+bool FileDataSeparateManager::setReservedValue(int value) {
+    m_reservedValue = value;
+    return true;
+}
+
+int FileDataSeparateManager::getReservedValue() {
+    return m_reservedValue;
+}
+
+bool FileDataSeparateManager::setTvType(const char* type) {
+    if (type == nullptr)
+        return false;
+    std::snprintf(m_tvType, sizeof m_tvType, "%s", type);
+    return true;
+}
+
+const char* FileDataSeparateManager::getTvType() {
+    return m_tvType;
+}
+
+bool FileDataSeparateManager::setStoreFileFlag(bool allowed) {
+    m_storeFileFlag = allowed;
+    return true;
+}
+
+bool FileDataSeparateManager::getStoreFileFlag() {
+    return m_storeFileFlag;
+}
+
+int FileDataSeparateManager::postEvent(Event* event) {
+    return attempt([&] { return m_worker->post(event); }) ? 1 : 0;
+}
+
+bool FileDataSeparateManager::waitStored(int milliseconds) {
+    return m_worker->waitHandled(milliseconds);
+}
+
+void FileDataSeparateManager::getWorkerStatistics(_ThreadStaticInfo_t& info) {
+    m_worker->getStaticsInfo(info);
+}
+
+// --- routing ---
+
+IFileOperator* FileDataSeparateManager::getFileOperator(const _DataCategory_t& category) {
+    const auto entry = m_fileOperators.find(category);
+    if (entry != m_fileOperators.end() && entry->second != nullptr)
+        return entry->second;
+    DM_WARNING("find file operator failed for [%s]. \n", categoryName(category));
+    return nullptr;
+}
+
+FILE* FileDataSeparateManager::getFileHandler(const _DataCategory_t& category) {
+    IFileOperator* const op = getFileOperator(category);
+    return op == nullptr ? nullptr : op->getFileHandler();
+}
+
+bool FileDataSeparateManager::loadData(const _DataCategory_t& category, const std::vector<int>& dims,
+                                       std::vector<_Argument_t>& args) {
+    return route(*this, category, [&](IFileOperator& op) { return op.loadData(dims, args); });
+}
+
+bool FileDataSeparateManager::storeData(const _DataCategory_t& category, const std::vector<int>& dims,
+                                        const std::vector<_Argument_t>& args) {
+    return route(*this, category, [&](IFileOperator& op) { return op.storeData(dims, args); });
+}
+
+bool FileDataSeparateManager::initData(const _DataCategory_t& category) {
+    return route(*this, category, [](IFileOperator& op) { return op.initFile(true); });
+}
+
+bool FileDataSeparateManager::loadData(const _DataCategory_t& category) {
+    std::optional<FileName> name;
+    const bool loaded = route(*this, category, [&](IFileOperator& op) {
+        settleStores();
+        name.emplace(op);
+        static_cast<void>(op.releaseFile());
+        return op.loadFile();
+    });
+    if (!loaded && name)
+        DM_WARNING(" DataModule load data file [%s] failed.\n", name->text);
+    return loaded;
+}
+
+bool FileDataSeparateManager::loadData(const _DataCategory_t& category, const char* path) {
+    std::optional<FileName> name;
+    const bool loaded = route(*this, category, [&](IFileOperator& op) {
+        name.emplace(op);
+        return op.loadFile(path);
+    });
+    if (!name)
+        return false;
+    if (loaded)
+        DM_INFO(" @@@@@@ load data file [%s] successfully.\n", name->text);
+    else
+        DM_WARNING(" ###### load data file [%s] failed.\n", name->text);
+    return loaded;
+}
+
+bool FileDataSeparateManager::removeDataFile(const _DataCategory_t& category) {
+    return route(*this, category, [](IFileOperator& op) { return op.removeFile(); });
+}
+
+bool FileDataSeparateManager::restoreSetting(const _DataCategory_t& category, const std::vector<int>& dims) {
+    return route(*this, category, [&](IFileOperator& op) { return op.restoreSetting(dims); });
+}
+
+bool FileDataSeparateManager::restoreSettingForAllSource(const _DataCategory_t& category,
+                                                         const std::vector<int>& dims) {
+    return route(*this, category, [&](IFileOperator& op) { return op.restoreSettingForAllSource(dims); });
+}
+
+bool FileDataSeparateManager::restoreSettingFromCurrent(const _DataCategory_t& category, const std::vector<int>& dims) {
+    return route(*this, category, [&](IFileOperator& op) { return op.restoreSettingFromCurrent(dims); });
+}
+
+bool FileDataSeparateManager::refreshDataFromManufactory(const _DataCategory_t& category) {
+    return route(*this, category, [](IFileOperator& op) {
+        static_cast<void>(op.refreshDataFromManufactory());
+        return op.resetCurrentFileFromManufactoryFile();
+    });
+}
+
+bool FileDataSeparateManager::refreshDataFromCurrent(const _DataCategory_t& category) {
+    return route(*this, category, [](IFileOperator& op) { return op.refreshDataFromCurrent(); });
+}
+
+bool FileDataSeparateManager::applySettingForAllSources(const _DataCategory_t& category, const std::vector<int>& dims) {
+    return route(*this, category, [&](IFileOperator& op) { return op.applySettingForAllSources(dims); });
+}
+
+bool FileDataSeparateManager::applySettingForAllMode(const _DataCategory_t& category, const std::vector<int>& dims) {
+    return route(*this, category, [&](IFileOperator& op) { return op.applySettingForAllMode(dims); });
+}
+
+bool FileDataSeparateManager::loadDataForGroup(const _DataCategory_t& category, const std::vector<int>& dims,
+                                               const std::vector<int>& list, GroupArray& data) {
+    return route(*this, category, [&](IFileOperator& op) { return op.loadDataForGroup(dims, list, data); });
+}
+
+bool FileDataSeparateManager::storeDataForGroup(const _DataCategory_t& category, const std::vector<int>& dims,
+                                                const std::vector<int>& list, const std::vector<int>& list2,
+                                                GroupArray& data) {
+    return route(*this, category, [&](IFileOperator& op) { return op.storeDataForGroup(dims, list, list2, data); });
+}
+
+bool FileDataSeparateManager::loadDataForSelfDefinedGroup(const _DataCategory_t& category,
+                                                          const std::vector<int>& start, const std::vector<int>& end,
+                                                          SelfDefinedGroupArray& data) {
+    return route(*this, category, [&](IFileOperator& op) { return op.loadDataForSelfDefinedGroup(start, end, data); });
+}
+
+bool FileDataSeparateManager::storeDataForSelfDefinedGroup(const _DataCategory_t& category,
+                                                           const std::vector<int>& start, const std::vector<int>& end,
+                                                           SelfDefinedGroupArray& data) {
+    return route(*this, category, [&](IFileOperator& op) { return op.storeDataForSelfDefinedGroup(start, end, data); });
+}
+
+bool FileDataSeparateManager::getApplySettingFlag(const _DataCategory_t& category, const char* field) {
+    std::vector<_Argument_t> args;
+    const bool loaded = attempt([&] {
+        args.push_back({field, 0});
+        return loadData(category, {}, args);
+    });
+    if (!loaded || args.empty()) {
+        DM_WARNING("Load apply setting for all Sources/Mode failed.\n");
+        return false;
+    }
+    DM_INFO("Apply Setting Flag value is [%d] \n", args.front().value);
+    return args.front().value == 1;
+}
+
+bool FileDataSeparateManager::restoreApplySettingFlag(const _DataCategory_t& category, const char* field) {
+    if (!getApplySettingFlag(category, field))
+        return false;
+    if (!attempt([&] { return storeData(category, {}, {{field, 0}}); })) {
+        DM_WARNING("Store Apply Setting flag For All Sources/Mode failed.\n");
+        return false;
+    }
+    DM_INFO("Restore Apply Setting Flag value [%s] successfully \n", field == nullptr ? "" : field);
+    return true;
+}
+
+// --- start and end ---
+
+bool FileDataSeparateManager::init(_DS_Scope_t scope) {
+    DM_INFO(" @@@@@ Init File Data Separate Manager ... @@@@@ \n");
+    if (m_inited) {
+        DM_INFO(" FileDataSeparateManager has already inited !\n");
+        return true;
+    }
+    if (!attempt([&] { return registerScope(scope); })) {
+        discardOperators();
+        return false;
+    }
+    setParents();
+    CRC32Util::instance()->init_crc_table();
+
+    DM_INFO(" FileDataSeparateManager create work thread ... \n");
+    m_worker->setOwner(this);
+    if (!m_worker->start()) {
+        DM_ERROR(" FileDataSeparateManager start work thread failed.\n");
+        discardOperators();
+        return false;
+    }
+    m_inited = true;
+
+    DM_INFO(" @@@@@ Init File Data Separate Manager sucessfully. @@@@@ \n");
+    return true;
+}
+
+bool FileDataSeparateManager::registerScope(_DS_Scope_t scope) {
+    if (scope == DS_SCOPE_BIZ)
+        initForBiz();
+    else if (scope == DS_SCOPE_DVBMAIN)
+        initForDvbmain();
+    else
+        initForAll();
+    return true;
+}
+
+void FileDataSeparateManager::initForAll() {
+    registerCategories(ALL_CATEGORIES, static_cast<int>(std::size(ALL_CATEGORIES)));
+}
+
+void FileDataSeparateManager::initForBiz() {
+    registerCategories(BIZ_CATEGORIES, static_cast<int>(std::size(BIZ_CATEGORIES)));
+}
+
+void FileDataSeparateManager::initForDvbmain() {
+    registerCategories(DVBMAIN_CATEGORIES, static_cast<int>(std::size(DVBMAIN_CATEGORIES)));
+}
+
+void FileDataSeparateManager::registerCategories(const _DataCategory_t* categories, int count) {
+    for (int i = 0; i < count; ++i) {
+        if (m_fileOperators.count(categories[i]) == 0)
+            registerOperator(makeOperator(categories[i]));
+    }
+}
+
+IFileOperator* FileDataSeparateManager::makeOperator(_DataCategory_t category) {
+    return createOperator(category);
+}
+
+void FileDataSeparateManager::registerOperator(IFileOperator* op) {
+    if (op == nullptr)
+        return;
+    std::unique_ptr<IFileOperator> owned(op);
+    const auto [entry, inserted] = m_fileOperators.emplace(op->getDataCategory(), op);
+    if (!inserted && entry->second != op)
+        return;
+    static_cast<void>(owned.release());
+    m_operatorSet.insert(op);
+}
+
+void FileDataSeparateManager::setParents() {
+    for (const auto& [category, op] : m_fileOperators) {
+        if (auto* const child = dynamic_cast<AbstractFileOperator*>(op))
+            child->setParent(this);
+    }
+}
+
+bool FileDataSeparateManager::stop() {
+    if (m_stopped.exchange(true))
+        return true;
+    m_worker->stop();
+    deleteOperators();
+    return true;
+}
+
+void FileDataSeparateManager::deleteOperators() {
+    // A merge asks its own operator and, through the manager, others: none may go while one runs.
+    for (const auto& [category, op] : m_fileOperators) {
+        if (auto* const merging = dynamic_cast<AbstractFileOperator*>(op))
+            merging->waitForMerge();
+    }
+    for (auto& [category, op] : m_fileOperators) {
+        delete op;
+        op = nullptr;
+    }
+    m_fileOperators.clear();
+}
+
+void FileDataSeparateManager::discardOperators() {
+    deleteOperators();
+    m_operatorSet.clear();
+}
+
+// --- the factory files ---
+
+bool FileDataSeparateManager::loadManufactoryPath() {
+    char model[paths::PATH_SIZE] = {};
+    std::string directory;
+    if (!attempt([&] { return readFactoryDirectory(model, directory); })) {
+        DM_WARNING(" load manufactory path from entry index file failed , use the default path:[%s]. \n",
+                   m_manufactoryPath);
+        return false;
+    }
+    std::snprintf(m_manufactoryPath, sizeof m_manufactoryPath, "%s", directory.c_str());
+    DM_INFO(" load configuration manufactory path [%s] from entry index file successfully ,"
+            "and the full path is:[%s].\n",
+            model, m_manufactoryPath);
+    return true;
+}
+
+bool FileDataSeparateManager::initCurrentFromManufactory() {
+    DM_INFO(" init 'current' data files from 'manufactory' -- [%s] ...\n", m_manufactoryPath);
+    if (!attempt([this] { return replaceByFactoryFiles(m_manufactoryPath); })) {
+        DM_ERROR(" init current dataModule files from manufactory path [%s] failed.\n", m_manufactoryPath);
+        return false;
+    }
+    DM_INFO(" init 'current' dataModule files from manufactory path [%s] successfully.\n", m_manufactoryPath);
+    return true;
+}
+
+// --- all files ---
+
+bool FileDataSeparateManager::initAllData() {
+    bool result = false;
+    for (const auto& [category, op] : m_fileOperators) {
+        result = attempt([file = op] { return file->initFile(true); });
+        if (!result)
+            DM_WARNING(" init file [%s] failed.\n", FileName(*op).text);
+    }
+    return result;
+}
+
+bool FileDataSeparateManager::loadAllData() {
+    DM_INFO(" @@@@@ File Data Separate Manager start to load data file ... @@@@@ \n");
+    const bool loadedBefore = m_allLoaded;
+    if (loadedBefore) {
+        DM_INFO(" FileDataSeparateManager has already load all data. !\n");
+        return true;
+    }
+    settleStores();
+    int dataSize = 0;
+    static_cast<void>(attempt([&] { return loadInParallel(dataSize); }));
+    DM_INFO(" @@@@@ File Data Separate Manager start to load data file successfully, cache data size = %d.@@@@@\n",
+            dataSize);
+
+    DM_INFO(" @@@@@ File Data Separate send backup request to work thread ... @@@@@ \n");
+    forEachInSet([](IFileOperator& op) { op.setBackupReq(true); });
+    m_allLoaded = true;
+    return loadedBefore;
+}
+
+bool FileDataSeparateManager::loadInParallel(int& dataSize) {
+    std::vector<IFileOperator*> operators;
+    operators.reserve(m_fileOperators.size());
+    for (const auto& [category, op] : m_fileOperators)
+        operators.push_back(op);
+
+    std::atomic<std::size_t> next{0};
+    std::atomic<int> size{0};
+    const auto loadNext = [&] {
+        const std::size_t index = next++;
+        if (index >= operators.size())
+            return false;
+        size += loadTimed(*operators[index]);
+        return true;
+    };
+    const bool pooled = attempt([&] {
+        boost::asio::thread_pool pool(LOADING_THREADS);
+        for (std::size_t i = 0; i < operators.size(); ++i)
+            boost::asio::post(pool, loadNext);
+        pool.join();
+        return true;
+    });
+    // Without a pool the calling thread loads what is left.
+    while (!pooled && loadNext())
+        continue;
+    dataSize = size;
+    return true;
+}
+
+bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
+    DM_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s]... @@@@@ \n", getType_Str(type));
+    if (m_allLoaded) {
+        DM_INFO(" FileDataSeparateManager has already load all data. !\n");
+        return true;
+    }
+    settleStores();
+    int loaded = 0;
+    int failed = 0;
+    for (const auto& [category, op] : m_fileOperators) {
+        if (belongTo(op, type))
+            ++(loadReported(*op, FileName(*op)) ? loaded : failed);
+    }
+    DM_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s] successfully.@@@@@\n",
+            getType_Str(type));
+
+    DM_INFO(" @@@@@ File Data Separate send backup request to work thread ... @@@@@ \n");
+    forEachInSet([&](IFileOperator& op) {
+        if (belongTo(&op, type))
+            op.setBackupReq(true);
+    });
+    DM_INFO(" @@@@@ File Data Separate send backup request to work thread successfully. @@@@@ \n");
+    return loaded > 0 && failed == 0;
+}
+
+bool FileDataSeparateManager::resetForLoadAllData(_DS_Type_t type) {
+    DM_INFO(" Reset the flag for FileDataSeparateManager reload all data. \n");
+    m_allLoaded = false;
+    settleStores();
+    for (const auto& [category, op] : m_fileOperators) {
+        if (belongTo(op, type))
+            static_cast<void>(attempt([file = op] { return file->resetForLoadFile(); }));
+    }
+    return true;
+}
+
+bool FileDataSeparateManager::releaseFileSources() {
+    settleStores();
+    bool result = false;
+    for (const auto& [category, op] : m_fileOperators) {
+        result = attempt([file = op] { return file->releaseFile(); });
+        if (!result)
+            DM_WARNING(" release file [%s] failed.\n", FileName(*op).text);
+    }
+    DM_INFO("release all opend data files successfully when before making STD image. \n");
+    return result;
+}
+
+bool FileDataSeparateManager::resumeFileSources() {
+    bool result = false;
+    for (const auto& [category, op] : m_fileOperators) {
+        result = attempt([file = op] { return file->reloadFile(); });
+        if (!result)
+            DM_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
+    }
+    DM_INFO("resume all data files successfully when before making STD image. \n");
+    return result;
+}
+
+void FileDataSeparateManager::settleStores() {
+    if (!m_worker->waitHandled(SETTLE_MILLISECONDS))
+        DM_WARNING("stores are still queued after %d ms, going on without them\n", SETTLE_MILLISECONDS);
+}
+
+// --- backups, on the worker ---
+
+bool FileDataSeparateManager::backupData() {
+    if (m_stopped)
+        return false;
+    forEachInSet([this](IFileOperator& op) { static_cast<void>(attempt([&] { return backupIfRequested(op); })); });
+    return true;
+}
+
+// The worker holds its queue mutex here, so an operator is never waited for: a busy one keeps its request.
+bool FileDataSeparateManager::backupIfRequested(IFileOperator& op) {
+    if (!op.getBackupReq() || !op.tryEnterCriticalSection())
+        return false;
+    const EnteredSection section(op);
+    DM_INFO("[%s]:Handle one backup request for file [%s] ... \n", categoryName(op.getDataCategory()), baseName(op));
+    const bool result = op.backupFile(false);
+    op.setBackupReq(false);
+    return result;
+}
+
+template <typename Action>
+void FileDataSeparateManager::forEachInSet(Action action) {
+    if (m_stopped)
+        return;
+    // The set is an index over operators that the manager owns and may change.
+    for (const IFileOperator* op : m_operatorSet)
+        action(const_cast<IFileOperator&>(*op));
+}
+
+} // namespace td

@@ -1,0 +1,1082 @@
+#include <dataModule/fileOperator/AbstractFileOperator.h>
+
+#include <cstring>
+#include <utility>
+
+#include <sys/stat.h>
+
+#include <dataModule/common/CRC32Util.h>
+#include <dataModule/common/EventIdGenerator.h>
+#include <dataModule/common/Log.h>
+#include <dataModule/common/TimeUtil.h>
+
+namespace td {
+
+namespace {
+
+std::atomic<int> g_debugLog{0};
+
+const char* textOrEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+void copyBounded(const char* from, char* to, std::size_t size) {
+    std::snprintf(to, size, "%s", textOrEmpty(from));
+}
+
+int elapsedMilliseconds() {
+    TimeUtil::instance()->end();
+    return TimeUtil::instance()->getElapsed();
+}
+
+/// The checksum of `path` from `offset`. A value left at its start over a range that is not empty means that the file
+/// could not be read.
+bool checksumOf(const char* path, int offset, unsigned int& crc) {
+    unsigned int computed = 0;
+    if (!CRC32Util::instance()->calc_file_crc(path, offset, computed))
+        return false;
+    if (computed == CRC32Util::INITIAL && FileUtil::getFileSize(path) != offset)
+        return false;
+    crc = computed;
+    return true;
+}
+
+} // namespace
+
+// --- construction, names and flags ---
+
+AbstractFileOperator::AbstractFileOperator(const char* fileName, const char* version) {
+    copyBounded(fileName, m_fileName, sizeof m_fileName);
+    copyBounded(version, m_version, sizeof m_version);
+    MutexLock lock(m_criticalSection);
+    setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
+}
+
+AbstractFileOperator::~AbstractFileOperator() {
+    waitForMerge();
+}
+
+void AbstractFileOperator::setParent(IDataSeparateManagerInner* parent) {
+    m_parent = parent;
+}
+
+void AbstractFileOperator::setFileName(const char* name) {
+    copyBounded(name, m_fileName, sizeof m_fileName);
+}
+
+const char* AbstractFileOperator::getFileFullPath() {
+    return m_path;
+}
+
+_DataCategory_t AbstractFileOperator::getDataCategory() {
+    return m_category;
+}
+
+int AbstractFileOperator::getDataSize() {
+    return m_dataSize;
+}
+
+FILE* AbstractFileOperator::getFileHandler() TD_NO_THREAD_SAFETY_ANALYSIS {
+    return m_file.stream();
+}
+
+void AbstractFileOperator::setBackupReq(bool requested) {
+    MutexLock lock(m_backupRequestMutex);
+    m_backupRequest = requested;
+}
+
+bool AbstractFileOperator::getBackupReq() {
+    MutexLock lock(m_backupRequestMutex);
+    return m_backupRequest;
+}
+
+void AbstractFileOperator::enterCriticalSection() {
+    m_criticalSection.lock();
+}
+
+void AbstractFileOperator::leaveCriticalSection() {
+    m_criticalSection.unlock();
+}
+
+bool AbstractFileOperator::tryEnterCriticalSection() {
+    if (!m_criticalSection.tryLock())
+        return false;
+    if (!m_otaLoading)
+        return true;
+    m_criticalSection.unlock();
+    return false;
+}
+
+bool AbstractFileOperator::getStoreFileFlag() {
+    return m_parent == nullptr || m_parent->getStoreFileFlag();
+}
+
+bool AbstractFileOperator::getApplySettingFlag(const _DataCategory_t& category, const char* field) {
+    return m_parent != nullptr && m_parent->getApplySettingFlag(category, field);
+}
+
+bool AbstractFileOperator::restoreApplySettingFlag(const _DataCategory_t& category, const char* field) {
+    if (m_parent == nullptr || !m_parent->restoreApplySettingFlag(category, field))
+        return false;
+    DM_INFO("restore apply setting flag [%s] successfully.\n", textOrEmpty(field));
+    return true;
+}
+
+int AbstractFileOperator::enableDebugLog() {
+    return g_debugLog;
+}
+
+void AbstractFileOperator::setDebugLog(int on) {
+    g_debugLog = on;
+}
+
+const char* AbstractFileOperator::categoryName() const {
+    return m_parent != nullptr ? m_parent->getCategory_Str(m_category) : "";
+}
+
+void AbstractFileOperator::logWhere() const {
+    DM_WARNING("[%s]: in file [%s].\n", categoryName(), m_path.load());
+}
+
+std::string AbstractFileOperator::getWorkPath(_LOAD_FILE_MODE mode) const {
+    if (mode == BACKUP_LOAD)
+        return paths::backupDirectory();
+    if (mode == MANUFACTORY_LOAD)
+        return m_parent != nullptr ? m_parent->getManufactoryPath() : paths::defaultFactoryDirectory();
+    return paths::currentDirectory();
+}
+
+const char* AbstractFileOperator::getLoadMode(_LOAD_FILE_MODE mode) {
+    switch (mode) {
+    case NORMAL_LOAD:
+        return "NORMAL_LOAD";
+    case BACKUP_LOAD:
+        return "BACKUP_LOAD";
+    case MANUFACTORY_LOAD:
+        return "MANUFACTORY_LOAD";
+    case INVALID_LOAD:
+        break;
+    }
+    return "INVALID_LOAD";
+}
+
+std::string AbstractFileOperator::factoryFileName() {
+    return m_fileName;
+}
+
+std::string AbstractFileOperator::factoryPath() {
+    return getWorkPath(MANUFACTORY_LOAD) + factoryFileName();
+}
+
+// --- what a category answers that does not do it otherwise ---
+
+bool AbstractFileOperator::loadData(const std::vector<int>&, std::vector<_Argument_t>&) {
+    if (m_loaded)
+        return true;
+    DM_WARNING("couldn't load data , for loading data from file [%s] not completed or failed.\n", m_path.load());
+    return false;
+}
+
+bool AbstractFileOperator::restoreSetting(const std::vector<int>&) {
+    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    return true;
+}
+
+bool AbstractFileOperator::restoreSettingForAllSource(const std::vector<int>&) {
+    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    return true;
+}
+
+bool AbstractFileOperator::restoreSettingFromCurrent(const std::vector<int>&) {
+    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    return true;
+}
+
+bool AbstractFileOperator::applySettingForAllSources(const std::vector<int>&) {
+    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    return true;
+}
+
+bool AbstractFileOperator::applySettingForAllMode(const std::vector<int>&) {
+    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    return true;
+}
+
+// --- the open file ---
+
+void AbstractFileOperator::setPath(const std::string& path) {
+    if (path != m_path.load())
+        m_path = m_paths.insert(path).first->c_str();
+}
+
+bool AbstractFileOperator::openFile(const std::string& path, const char* mode) {
+    closeFile();
+    if (path.size() >= static_cast<std::size_t>(paths::PATH_SIZE) || !m_file.openFile(path.c_str(), mode))
+        return false;
+    struct stat status = {};
+    if (fstat(fileno(m_file.stream()), &status) != 0) {
+        closeFile();
+        return false;
+    }
+    m_open = {path, status.st_dev, status.st_ino, mode[1] == '+', false};
+    return true;
+}
+
+void AbstractFileOperator::closeFile() {
+    m_file.closeFile();
+    m_open = OpenFile();
+}
+
+bool AbstractFileOperator::isOpenFileAt(const std::string& path) const {
+    struct stat status = {};
+    return m_file.isOpend() && stat(path.c_str(), &status) == 0 && status.st_dev == m_open.device &&
+           status.st_ino == m_open.inode;
+}
+
+void AbstractFileOperator::forgetLengths() {
+    m_commentText.clear();
+    m_summaryLength = 0;
+    m_crcPosition = 0;
+    m_crcLineLength = 0;
+    m_open.lengthsRead = false;
+}
+
+void AbstractFileOperator::adoptSummary(const Summary& summary, SummaryState state) {
+    m_commentText = summary.comment;
+    m_summaryLength = summary.length;
+    m_crcPosition = summary.crcPosition;
+    m_crcLineLength = summary.crcLineLength;
+    m_open.lengthsRead = state == SummaryState::Complete && std::strcmp(summary.version, m_version) == 0;
+    if (summary.hasTvType)
+        copyBounded(summary.tvType, m_fileType, sizeof m_fileType);
+}
+
+bool AbstractFileOperator::openCurrent() {
+    if (m_otaLoading)
+        return false;
+    const std::string path = getWorkPath(NORMAL_LOAD) + m_fileName;
+    m_loadMode = NORMAL_LOAD;
+    setPath(path);
+    if (m_open.writable && m_open.lengthsRead && isOpenFileAt(path))
+        return m_file.dropReadAhead();
+    if (!openFile(path, "r+"))
+        return false;
+    Summary summary;
+    const SummaryState state = readSummary(m_file, summary);
+    adoptSummary(summary, state);
+    if (m_open.lengthsRead)
+        return true;
+    closeFile();
+    return false;
+}
+
+// --- reading and verifying a summary ---
+
+bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
+    if (m_parent == nullptr)
+        return false;
+    const std::string path = mode == MANUFACTORY_LOAD ? factoryPath() : getWorkPath(mode) + m_fileName;
+    closeFile();
+    setPath(path);
+    DM_INFO("current load mode is: [%s] and ready to load data file is: [%s] ...\n", getLoadMode(mode), path.c_str());
+    return openForSummary(mode) && verifySummary(&mode, fatal);
+}
+
+bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
+    const std::string path = m_path.load();
+    if (!FileUtil::checkFile(path.c_str())) {
+        DM_WARNING("load file failed -- file [%s] isn't exist.\n", path.c_str());
+        return false;
+    }
+    if (mode != MANUFACTORY_LOAD) {
+        m_fileSize = FileUtil::getFileSize(path.c_str());
+        if (m_fileSize > text::MAX_FILE_SIZE) {
+            DM_WARNING("the file [%s] size is [%d] and exception, so will RECOVER it from manufactory.\n", path.c_str(),
+                       m_fileSize);
+            return false;
+        }
+    }
+    if (openFile(path, mode == MANUFACTORY_LOAD ? "r" : "r+"))
+        return true;
+    DM_WARNING("open file [%s] failed.\n", path.c_str());
+    return false;
+}
+
+bool AbstractFileOperator::loadSummary(const char* path) {
+    closeFile();
+    if (path == nullptr || std::strlen(path) >= static_cast<std::size_t>(paths::PATH_SIZE))
+        return false;
+    setPath(path);
+    if (!FileUtil::checkFile(path)) {
+        DM_WARNING("load file failed -- file [%s] isn't exist.\n", path);
+        return false;
+    }
+    if (!openFile(path, "r")) {
+        DM_WARNING("open file [%s] failed.\n", path);
+        return false;
+    }
+    bool fatal = false;
+    return verifySummary(nullptr, fatal);
+}
+
+bool AbstractFileOperator::verifySummary(const _LOAD_FILE_MODE* mode, bool& fatal) {
+    forgetLengths();
+    Summary summary;
+    const SummaryState state = readSummary(m_file, summary);
+    adoptSummary(summary, state);
+    if (!checkSummaryLines(summary, state, mode, fatal)) {
+        logWhere();
+        closeFile();
+        return false;
+    }
+    if (state == SummaryState::Complete)
+        DM_INFO("SummaryInfo -- SN:[%s] VER:[%s] SIZE:[%d].\n", m_fileType, m_version, m_fileSize);
+    return true;
+}
+
+bool AbstractFileOperator::checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode,
+                                             bool& fatal) {
+    if (summary.hasTvType && m_parent != nullptr && std::strcmp(summary.tvType, m_parent->getTvType()) != 0)
+        DM_WARNING("The Tv type [%s] of data file [%s] is not matched as defined [%s] .\n", summary.tvType,
+                   m_path.load(), m_parent->getTvType());
+    if (summary.hasVersion && mode != nullptr && !versionMatches(summary, *mode, fatal))
+        return false;
+    switch (state) {
+    case SummaryState::NotReadable:
+        DM_WARNING("reset file position of [%s] failed.\n", m_path.load());
+        return false;
+    case SummaryState::BadHeader:
+        DM_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::BadTvType:
+        DM_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::BadVersion:
+        DM_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::BadCrc:
+        DM_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::EndOfFile:
+        return true;
+    case SummaryState::Complete:
+        break;
+    }
+    return checksumMatches(summary, mode, fatal);
+}
+
+bool AbstractFileOperator::versionMatches(const Summary& summary, _LOAD_FILE_MODE mode, bool& fatal) {
+    if (!m_versionCheck || m_parent == nullptr || std::strcmp(summary.version, m_version) == 0)
+        return true;
+    DM_WARNING("The Tv Version [%s] of data file [%s] is not matched defined of SW [%s] in [%s].\n", summary.version,
+               m_path.load(), m_version, getLoadMode(mode));
+    if (mode == MANUFACTORY_LOAD) {
+        fatal = true;
+        DM_ERROR("dataModule will terminal loading-data Flow because of  version not matched from manufactory data "
+                 "files.\n");
+    } else {
+        m_otaLoading = true;
+        DM_INFO("dataModule will load data as OTA Flow in [%s].\n", getLoadMode(mode));
+    }
+    return false;
+}
+
+bool AbstractFileOperator::checksumMatches(const Summary& summary, const _LOAD_FILE_MODE* mode, bool& fatal) {
+    unsigned int computed = 0;
+    if (!contentChecksum(computed)) {
+        DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", m_path.load());
+        return false;
+    }
+    if (computed == summary.crc) {
+        m_crc = computed;
+        return true;
+    }
+    DM_WARNING("The CRC [0x%08x] of data file [%s] is not matched actually [0x%08x] ...\n", summary.crc, m_path.load(),
+               computed);
+    if (mode == nullptr)
+        return false;
+    if (*mode == MANUFACTORY_LOAD) {
+        fatal = true;
+        DM_ERROR("dataModule will terminal loading-data Flow because of  CRC checking not passed from manufactory data "
+                 "files.\n");
+    } else {
+        DM_WARNING("dataModule will load data as RECOVER flow in [%s].\n", getLoadMode(*mode));
+    }
+    return false;
+}
+
+bool AbstractFileOperator::contentChecksum(unsigned int& crc) {
+    return checksumOf(m_open.path.c_str(), contentPosition(), crc);
+}
+
+unsigned int AbstractFileOperator::getCrcCode(const char* path) {
+    unsigned int crc = 0;
+    return readStoredChecksum(path, crc) ? crc : 0;
+}
+
+/// A missing or closed file is no failure here, it only means that a copy has to be made: the lines are progress.
+bool AbstractFileOperator::readStoredChecksum(const char* path, unsigned int& crc) {
+    if (!FileUtil::checkFile(path)) {
+        DM_INFO("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
+        return false;
+    }
+    FileUtil asked;
+    if (!asked.openFile(path, "r")) {
+        DM_INFO("open file [%s] failed.\n", path);
+        return false;
+    }
+    Summary summary;
+    switch (readSummary(m_file, summary)) {
+    case SummaryState::NotReadable:
+        DM_INFO("reset file position of [%s] failed.\n", path);
+        return false;
+    case SummaryState::BadHeader:
+        DM_INFO("Summary section subject (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::BadTvType:
+        DM_INFO("Summary section SN Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::BadVersion:
+        DM_INFO("Summary section VER Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::BadCrc:
+        DM_INFO("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::EndOfFile:
+        return false;
+    case SummaryState::Complete:
+        break;
+    }
+    DM_INFO("read CRC Field [0x%08x] from data file '%s' successfully.\n", summary.crc, path);
+    crc = summary.crc;
+    return true;
+}
+
+// --- loading ---
+
+bool AbstractFileOperator::checkReloadFile() const {
+    return m_category != PICTURE_SOURCE_ONLY && m_category != PICTURE_FACTORY_WB &&
+           m_category != PICTURE_FACTORY_OVERSCAN;
+}
+
+_LOAD_FILE_MODE AbstractFileOperator::stateChanged(_LOAD_FILE_MODE mode) const {
+    _LOAD_FILE_MODE next = INVALID_LOAD;
+    switch (mode) {
+    case NORMAL_LOAD:
+        next = m_otaLoading ? MANUFACTORY_LOAD : BACKUP_LOAD;
+        break;
+    case BACKUP_LOAD:
+        next = MANUFACTORY_LOAD;
+        break;
+    case MANUFACTORY_LOAD:
+        DM_ERROR("The state changed is invalid, for the 'MANUFACTORY_LOAD' is only as end state.!\n");
+        DM_ERROR("The manufactory data file version is NOT matched with SW version. SO NEED SW engineer ( reponsible "
+                 "for audio or video ) to confirm this fatal problem !!!! \n");
+        return INVALID_LOAD;
+    case INVALID_LOAD:
+    default:
+        DM_ERROR("The state is wrong to go here.\n");
+        return INVALID_LOAD;
+    }
+    DM_INFO("@@@@@ The state is changed from [%s] to [%s] @@@@@ .\n", getLoadMode(mode), getLoadMode(next));
+    return next;
+}
+
+bool AbstractFileOperator::loadFile() {
+    MutexLock lock(m_criticalSection);
+    DM_INFO("======================= start to load file =====================\n");
+    TimeUtil::instance()->start();
+    if (checkReloadFile() && m_loaded) {
+        DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
+        return true;
+    }
+    if (m_otaLoading) {
+        DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
+        return false;
+    }
+    if (!loadFirstGoodCopy()) {
+        m_otaLoading = false;
+        return false;
+    }
+    m_loaded = true;
+    if (m_otaLoading)
+        startMergeThread();
+    return true;
+}
+
+bool AbstractFileOperator::loadFirstGoodCopy() {
+    _LOAD_FILE_MODE mode = NORMAL_LOAD;
+    for (;;) {
+        bool fatal = false;
+        Reading reading = Reading::TryNext;
+        if (loadSummary(mode, fatal)) {
+            m_loadMode = mode;
+            DM_INFO("Ready to load contents in [%s] ...\n", getLoadMode(mode));
+            reading = readCopy(mode);
+        }
+        if (reading == Reading::Done)
+            break;
+        if (fatal || reading == Reading::Failed)
+            return false;
+        mode = stateChanged(mode);
+        if (mode == INVALID_LOAD) {
+            DM_ERROR("load file [%s] failed.\n", m_path.load());
+            return false;
+        }
+    }
+    DM_INFO("load file [%s] completely, cache data size = %d, elpased time = %d (ms).\n", m_path.load(), m_dataSize,
+            elapsedMilliseconds());
+    if (m_loadMode == NORMAL_LOAD)
+        return true;
+    DM_INFO("it is necessary to switch to NORMAL_LOAD.\n");
+    if (switchToNormal())
+        return true;
+    DM_WARNING("switch to normal load failed.\n");
+    return false;
+}
+
+AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mode) {
+    if (mode == MANUFACTORY_LOAD && m_otaLoading)
+        return readForMerge();
+    if (!loadContents()) {
+        DM_WARNING("load contents from file [%s] failed.\n", m_path.load());
+        logWhere();
+        return mode == MANUFACTORY_LOAD ? Reading::Failed : Reading::TryNext;
+    }
+    if (mode == NORMAL_LOAD)
+        return Reading::Done;
+    if (mode == MANUFACTORY_LOAD)
+        DM_INFO("load file [%s] completely.\n", m_path.load());
+    closeFile();
+    if (recoverFile())
+        return Reading::Done;
+    if (mode == MANUFACTORY_LOAD)
+        DM_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_path.load());
+    return Reading::Failed;
+}
+
+// --- merging a copy of another version ---
+
+AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
+    DM_INFO("#################### load OTA data flow begin. ###################.\n");
+    DM_INFO("1. load contents from file [%s] ...\n", m_path.load());
+    if (!loadContents()) {
+        DM_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        return Reading::Failed;
+    }
+    closeFile();
+    DM_INFO("load contents from file [%s] completely elpased time = %d (ms).\n", m_path.load(), elapsedMilliseconds());
+    DM_INFO("load manufactory data file completely.\n");
+
+    DM_INFO("2. load current data file in OTA mode ... \n");
+    if (loadCurrentFile()) {
+        DM_INFO("load current data file in OTA mode completely \n");
+    } else {
+        DM_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
+        if (!mergeBackup() && !readFactoryTable())
+            return Reading::Failed;
+    }
+    closeFile();
+    m_loadMode = NORMAL_LOAD;
+    setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
+    return Reading::Done;
+}
+
+bool AbstractFileOperator::loadCurrentFile() {
+    DM_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n", m_path.load());
+    m_versionCheck = false;
+    if (!switchToNormal()) {
+        DM_WARNING("switch to normal failed when load OTA data.\n");
+        return false;
+    }
+    // A copy that ends before its checksum has not been verified and has nothing to merge.
+    if (m_crcLineLength == 0 || !loadContents_OTA()) {
+        DM_WARNING("load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        closeFile();
+        return false;
+    }
+    closeFile();
+    DM_INFO("loading current file [%s] completely when load OTA data.  \n", m_path.load());
+    return true;
+}
+
+/// The current copy could not be merged, perhaps not to its end: the table starts from the factory values again.
+bool AbstractFileOperator::mergeBackup() {
+    const std::string backup = getWorkPath(BACKUP_LOAD) + m_fileName;
+    if (!readFactoryTable() || !FileUtil::checkFile(backup.c_str()) || !loadSummary(backup.c_str()))
+        return false;
+    if (m_crcLineLength == 0 || !loadContents_OTA())
+        return false;
+    DM_INFO("load backup data file [%s] in OTA mode completely \n", backup.c_str());
+    return true;
+}
+
+bool AbstractFileOperator::readFactoryTable() {
+    return switchToManufactory() && loadContents();
+}
+
+/// Called last by the load, which still holds the critical section: the thread starts writing when that is given back.
+void AbstractFileOperator::startMergeThread() {
+    TimeUtil::instance()->start();
+    OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
+    if (OsalThreads::create("DataModuleMerge", mergeProc, this, handle)) {
+        m_mergeThread = handle;
+    } else {
+        DM_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
+        createFileProc(this);
+    }
+    DM_INFO("#################### load OTA data flow end. ###################.\n");
+}
+
+void* AbstractFileOperator::mergeProc(void* self) {
+    auto* op = static_cast<AbstractFileOperator*>(self);
+    MutexLock lock(op->m_criticalSection);
+    return createFileProc(op);
+}
+
+void* AbstractFileOperator::createFileProc(void* self) TD_NO_THREAD_SAFETY_ANALYSIS {
+    auto* op = static_cast<AbstractFileOperator*>(self);
+    if (op == nullptr || op->m_parent == nullptr)
+        return nullptr;
+    DM_INFO("################### start to create new current file in OTA mode ... ###################.\n");
+    DM_INFO("@@@@@ start background thread to create NEW current file (%s) when load OTA data.\n", op->m_path.load());
+    op->createFile();
+    op->m_otaLoading = false;
+    DM_INFO("@@@@@ background thread terminal to create NEW current file (%s) when load OTA data.\n",
+            op->m_path.load());
+    return nullptr;
+}
+
+bool AbstractFileOperator::createFile() {
+    DM_INFO("start to create NEW current file (%s) when load OTA data.\n", m_path.load());
+    m_mergeUnwritten = !writeNewFile(false);
+    if (m_mergeUnwritten) {
+        DM_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
+        return false;
+    }
+    DM_INFO("#################### load OTA data flow end. ###################.\n");
+    return true;
+}
+
+void AbstractFileOperator::waitForMerge() {
+    OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
+    {
+        MutexLock lock(m_criticalSection);
+        std::swap(handle, m_mergeThread);
+    }
+    if (handle != OsalThreads::INVALID_HANDLE)
+        OsalThreads::join(handle);
+}
+
+// --- switching copies ---
+
+bool AbstractFileOperator::switchToNormal() {
+    closeFile();
+    m_loadMode = NORMAL_LOAD;
+    const bool merging = m_otaLoading;
+    bool fatal = false;
+    const bool loaded = loadSummary(NORMAL_LOAD, fatal);
+    // Only a load may begin a merge: nobody would write the file here and end it.
+    m_otaLoading = merging;
+    if (!loaded)
+        DM_WARNING("Load summary from current file [%s] failed.\n", m_path.load());
+    return loaded;
+}
+
+bool AbstractFileOperator::switchToManufactory() {
+    closeFile();
+    m_loadMode = MANUFACTORY_LOAD;
+    bool fatal = false;
+    const bool loaded = loadSummary(MANUFACTORY_LOAD, fatal);
+    if (!loaded)
+        DM_WARNING("Load summary from manufactory file [%s] failed.\n", m_path.load());
+    return loaded;
+}
+
+bool AbstractFileOperator::loadFile(const char* path) {
+    MutexLock lock(m_criticalSection);
+    const std::string before = m_path.load();
+    bool loaded = loadSummary(path);
+    if (!loaded) {
+        DM_WARNING("load summary failed from file [%s].\n", textOrEmpty(path));
+    } else {
+        loaded = loadContents();
+        if (!loaded)
+            DM_WARNING("load contents failed from file [%s].\n", path);
+    }
+    closeFile();
+    setPath(before);
+    return loaded;
+}
+
+bool AbstractFileOperator::refreshDataFromManufactory() {
+    MutexLock lock(m_criticalSection);
+    DM_INFO("Load file from manufactory.\n");
+    const bool loaded = switchToManufactory() && m_file.setPos(contentPosition()) && loadContents();
+    if (loaded) {
+        DM_INFO("Load file from manufactory successfully.\n");
+        m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+        tableRefreshed();
+    } else {
+        DM_WARNING("Load file from manufactory failed.\n");
+    }
+    switchToNormal();
+    return loaded;
+}
+
+bool AbstractFileOperator::refreshDataFromCurrent() {
+    MutexLock lock(m_criticalSection);
+    DM_INFO("Load file from manufactory.\n");
+    const bool loaded = openCurrent() && m_file.setPos(contentPosition()) && loadContents();
+    if (loaded)
+        DM_INFO("Load file from manufactory successfully.\n");
+    else
+        DM_WARNING("Load file from manufactory failed.\n");
+    return loaded;
+}
+
+bool AbstractFileOperator::releaseFile() {
+    MutexLock lock(m_criticalSection);
+    closeFile();
+    m_loaded = false;
+    return true;
+}
+
+bool AbstractFileOperator::reloadFile() {
+    return true;
+}
+
+bool AbstractFileOperator::resetForLoadFile() {
+    MutexLock lock(m_criticalSection);
+    m_loaded = false;
+    closeFile();
+    DM_INFO("@@@@@@@@@@ close file [%s] when reset \n", m_path.load());
+    return true;
+}
+
+// --- making, copying and removing copies ---
+
+bool AbstractFileOperator::initFile(bool defaults) {
+    MutexLock lock(m_criticalSection);
+    return writeNewFile(defaults);
+}
+
+bool AbstractFileOperator::writeNewFile(bool defaults) {
+    closeFile();
+    m_loadMode = NORMAL_LOAD;
+    const std::string directory = getWorkPath(NORMAL_LOAD);
+    const std::string path = directory + m_fileName;
+    setPath(path);
+    DM_INFO("======================= start to init file =====================\n");
+    DM_INFO("init file [%s] ...\n", path.c_str());
+    if (!FileUtil::checkPath(directory.c_str(), true)) {
+        DM_WARNING("init failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        return false;
+    }
+    if (defaults && FileUtil::checkFile(path.c_str())) {
+        DM_WARNING("init failed -- file [%s] exist.\n", path.c_str());
+        return false;
+    }
+    const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
+    FileUtil::removeSingleFile(temporary.c_str());
+    if (!openFile(temporary, "w+x")) {
+        DM_WARNING("create file [%s] failed.\n", path.c_str());
+        return false;
+    }
+    TimeUtil::instance()->start();
+    m_creating = true;
+    m_file.deferSync(true);
+    bool written = writeWholeText(defaults);
+    m_file.deferSync(false);
+    written = written && m_file.syncFile();
+    m_creating = false;
+    closeFile();
+    written = written && FileUtil::commitTemporary(temporary.c_str(), path.c_str());
+    DM_INFO("init file [%s] completely, elpased time = %d (ms).\n", path.c_str(), elapsedMilliseconds());
+    if (!written) {
+        FileUtil::removeSingleFile(temporary.c_str());
+        return false;
+    }
+    if (!backupFile(defaults))
+        setBackupReq(true);
+    return true;
+}
+
+bool AbstractFileOperator::writeWholeText(bool defaults) {
+    if (!m_file.resetStartPos()) {
+        DM_WARNING("reset file position of [%s] failed.\n", m_path.load());
+        return false;
+    }
+    forgetLengths();
+    if (!buildComments()) {
+        DM_WARNING("write file comments to file [%s] failed.\n", m_path.load());
+        return false;
+    }
+    if (!buildSummary(true)) {
+        DM_WARNING("write file summary to file [%s] failed.\n", m_path.load());
+        return false;
+    }
+    if (!buildContents(defaults)) {
+        DM_WARNING("write file contents to file [%s] failed.\n", m_path.load());
+        return false;
+    }
+    return updateSummary();
+}
+
+bool AbstractFileOperator::recoverFile() {
+    if (m_loadMode == NORMAL_LOAD) {
+        DM_INFO("current load mode [%s] is 'NORMAL_LOAD' and needn't recover file.\n", getLoadMode(m_loadMode));
+        return true;
+    }
+    if (m_loadMode != BACKUP_LOAD && m_loadMode != MANUFACTORY_LOAD) {
+        DM_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(m_loadMode));
+        return false;
+    }
+    DM_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(m_loadMode));
+    const std::string directory = getWorkPath(NORMAL_LOAD);
+    if (!FileUtil::checkPath(directory.c_str(), true)) {
+        DM_WARNING("recover failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        return false;
+    }
+    const std::string target = directory + m_fileName;
+    if (FileUtil::replaceFile(m_path, target.c_str())) {
+        DM_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
+        return true;
+    }
+    DM_WARNING("recover file [%s] from file [%s] failed.\n", target.c_str(), m_path.load());
+    return false;
+}
+
+bool AbstractFileOperator::backupFile(bool alsoFactory) {
+    if (m_loadMode != NORMAL_LOAD) {
+        DM_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(m_loadMode));
+        return false;
+    }
+    const std::string directory = getWorkPath(BACKUP_LOAD);
+    if (!FileUtil::checkPath(directory.c_str(), true)) {
+        DM_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        return false;
+    }
+    const std::string backup = directory + m_fileName;
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    unsigned int stored = 0;
+    if (readStoredChecksum(backup.c_str(), stored) && stored == m_crc) {
+        DM_INFO("Backup file crc code [%s] is the same as current file and NEEDN'T generate backup file.\n",
+                backup.c_str());
+        return true;
+    }
+    // Invariant 1: only a current copy that verifies goes over the backup.
+    if (!fileVerifies(current.c_str(), nullptr) || !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
+        DM_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
+        return true;
+    }
+    if (enableDebugLog() != 0)
+        DM_INFO("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
+    if (!alsoFactory)
+        return true;
+    const std::string factory = factoryPath();
+    if (FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
+        FileUtil::replaceFile(current.c_str(), factory.c_str()))
+        DM_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
+    else
+        DM_WARNING("create file [%s] from file [%s] failed.\n", factory.c_str(), current.c_str());
+    return true;
+}
+
+bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
+    MutexLock lock(m_criticalSection);
+    const std::string factory = factoryPath();
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    closeFile();
+    setPath(current);
+    // Invariant 1.
+    if (fileVerifies(factory.c_str(), m_version) && FileUtil::replaceFile(factory.c_str(), current.c_str())) {
+        m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+        setBackupReq(true);
+        postChangesSinceRefresh();
+    }
+    DM_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
+    return true;
+}
+
+bool AbstractFileOperator::removeFile() {
+    MutexLock lock(m_criticalSection);
+    closeFile();
+    removeCopy(paths::defaultFactoryDirectory() + m_fileName);
+    removeCopy(getWorkPath(BACKUP_LOAD) + m_fileName);
+    return removeCopy(getWorkPath(NORMAL_LOAD) + m_fileName);
+}
+
+bool AbstractFileOperator::removeCurrentFile() {
+    MutexLock lock(m_criticalSection);
+    closeFile();
+    return removeCopy(getWorkPath(NORMAL_LOAD) + m_fileName);
+}
+
+bool AbstractFileOperator::removeCopy(const std::string& path) {
+    setPath(path);
+    if (FileUtil::removeSingleFile(path.c_str()) == 0)
+        return true;
+    DM_WARNING("remove file [%s] failed.\n", path.c_str());
+    return false;
+}
+
+// --- summary and checksum ---
+
+bool AbstractFileOperator::buildSummary(bool withHeader) {
+    const char* tvType = m_parent != nullptr ? m_parent->getTvType() : "";
+    const std::string lines = text::summary(tvType, m_version, m_crc, withHeader);
+    if (withHeader) {
+        m_summaryLength = static_cast<int>(lines.size());
+        m_crcPosition = static_cast<int>(m_commentText.size()) + m_summaryLength - text::CRC_LINE_LENGTH;
+        m_crcLineLength = text::CRC_LINE_LENGTH;
+    }
+    return m_file.writeFile(lines.c_str(), true);
+}
+
+AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
+    if (id == nullptr || !m_file.isOpend() || !m_file.resetStartPos()) {
+        DM_WARNING("reset file [%s] pointer to start pos failed when searchSection(%s).\n", m_path.load(),
+                   textOrEmpty(id));
+        return Found::Failed;
+    }
+    m_commentText.clear();
+    bool inComment = true;
+    char line[text::LINE_BUFFER];
+    while (m_file.readLine(line, sizeof line)) {
+        inComment = inComment && text::isComment(line);
+        if (inComment) {
+            m_commentText += line;
+            continue;
+        }
+        if (std::strcmp(line, id) == 0)
+            return Found::Yes;
+        if (enableDebugLog() != 0)
+            DM_DEBUG("[READ LINE]: %s", line);
+    }
+    return m_file.reachEnd() ? Found::EndOfFile : Found::Failed;
+}
+
+bool AbstractFileOperator::searchSectionId(const char* id) {
+    return scanFor(id) != Found::Failed;
+}
+
+bool AbstractFileOperator::updateSummary() {
+    DM_INFO("update summary info for file [%s] ...\n", m_path.load());
+    // The lines are rewritten in place, so the ones that stand there must have the written widths (invariant 3).
+    if ((!m_creating && !openCurrent()) || scanFor(text::SUMMARY_HEADER) != Found::Yes ||
+        m_summaryLength != text::SUMMARY_LENGTH) {
+        DM_WARNING("Update summay info for file [%s] failed because of finding section ID [%s] failed.\n",
+                   m_path.load(), text::SUMMARY_HEADER);
+        return false;
+    }
+    unsigned int crc = 0;
+    if (!contentChecksum(crc)) {
+        DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        return false;
+    }
+    m_crc = crc;
+    const int linesPosition = static_cast<int>(m_commentText.size() + std::strlen(text::SUMMARY_HEADER));
+    const bool written = m_file.setPos(linesPosition) && buildSummary(false);
+    if (!written)
+        DM_WARNING("Update summay info for file [%s] failed because writting.\n", m_path.load());
+    if (!m_creating)
+        closeFile();
+    return written;
+}
+
+bool AbstractFileOperator::updateCrcCode() {
+    if (std::exchange(m_sectionSkipped, false) || m_otaLoading)
+        return true;
+    const bool opened = openCurrent();
+    if (!opened)
+        DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+    const bool updated = opened && rewriteChecksumLine();
+    // With the file closed the next idle backup cannot mistake the new checksum for the backup's.
+    closeFile();
+    return updated;
+}
+
+bool AbstractFileOperator::rewriteChecksumLine() {
+    unsigned int crc = 0;
+    if (!contentChecksum(crc)) {
+        DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        return false;
+    }
+    if (m_crcLineLength != text::CRC_LINE_LENGTH || !m_file.setPos(m_crcPosition)) {
+        DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+        return false;
+    }
+    if (!m_file.writeFile(text::crcLine(crc).c_str(), true))
+        return false;
+    m_crc = crc;
+    return true;
+}
+
+namespace {
+
+/// Reads one summary line of a file that is being repaired.
+bool readRepairLine(FileUtil& file, char* line, const char* word, const char* subject, const char* field) {
+    if (!file.readLine(line, text::LINE_BUFFER)) {
+        DM_WARNING("read line failed for tv %s.\n", subject);
+        return false;
+    }
+    if (std::strstr(line, word) != nullptr)
+        return true;
+    DM_WARNING("Summary section %s Field (%s) is invalid.\n", field, line);
+    return false;
+}
+
+bool rewriteCrcOf(FileUtil& file, const char* path) {
+    char line[text::LINE_BUFFER] = {};
+    bool read = file.readLine(line, sizeof line);
+    while (read && text::isComment(line))
+        read = file.readLine(line, sizeof line);
+    if (!read || std::strcmp(line, text::SUMMARY_HEADER) != 0) {
+        DM_WARNING("Summary section subject (%s) is invalid.\n", read ? line : "");
+        return false;
+    }
+    if (!readRepairLine(file, line, "SN", "type", "SN") || !readRepairLine(file, line, "Version", "version", "VER"))
+        return false;
+    long crcPosition = 0;
+    long contentPosition = 0;
+    if (!file.getCurrentPos(crcPosition) || !readRepairLine(file, line, "CRC", "crc", "CRC"))
+        return false;
+    // The new line takes the place of the old one, which must have its length (invariant 3).
+    if (std::strlen(line) != static_cast<std::size_t>(text::CRC_LINE_LENGTH)) {
+        DM_WARNING("Summary section CRC Field (%s) is invalid.\n", line);
+        return false;
+    }
+    unsigned int crc = 0;
+    CRC32Util::instance()->init_crc_table();
+    if (!file.getCurrentPos(contentPosition) || !checksumOf(path, static_cast<int>(contentPosition), crc)) {
+        DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
+        return false;
+    }
+    if (!file.setPos(static_cast<int>(crcPosition))) {
+        DM_WARNING("Failed to set pos when write CRC code of data file [%s].\n", path);
+        return false;
+    }
+    if (!file.writeFile(text::crcLine(crc).c_str(), true)) {
+        DM_WARNING("Failed to write CRC code of data file [%s].\n", path);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool AbstractFileOperator::generateCRC32(const char* path) {
+    if (path == nullptr || !FileUtil::checkFile(path)) {
+        DM_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
+        return false;
+    }
+    FileUtil file;
+    if (!file.openFile(path, "r+")) {
+        DM_WARNING("open file [%s] failed.\n", path);
+        return false;
+    }
+    return rewriteCrcOf(file, path);
+}
+
+} // namespace td

@@ -1,0 +1,226 @@
+/// The life of one settings file, whatever its records: which copy is read, how a damaged or outdated copy is replaced,
+/// summary and checksum, backups, removal, and the operator's locks. A category derives from TableOperator, which adds
+/// the table.
+///
+/// What must always be true; code and tests refer to these by number:
+///   1. A copy that verifies is never overwritten by one that was not verified.
+///   2. At every instant, and after a cut of power at any instant, one of the three copies of a category loads.
+///   3. A section write touches the bytes of that section and of the checksum line, in the current copy, and nothing
+///      else.
+///   4. What a later write put in a section is never replaced by an earlier snapshot.
+///   5. No lock is waited for while holding one that comes after it in the lock order (common/Mutex.h).
+///   6. Nothing outside the record table, the caller's arrays and the stated buffers is ever touched, whatever a file
+///      or a caller says.
+///
+/// Threads: operations that say "the caller holds the critical section" are steps of others; all the rest take it
+/// themselves, at their outermost entry only, and may be called from any thread. It guards table and file.
+/// Ownership: the manager owns the operator and is its parent. Whoever deletes an operator calls waitForMerge() first.
+#pragma once
+
+#include <atomic>
+#include <set>
+#include <string>
+
+#include <sys/types.h>
+
+#include <dataModule/common/FileUtil.h>
+#include <dataModule/common/Mutex.h>
+#include <dataModule/common/SystemPaths.h>
+#include <dataModule/fileOperator/SnapshotFloor.h>
+#include <dataModule/fileOperator/SummaryReader.h>
+#include <dataModule/IDataSeparateManagerInner.h>
+#include <dataModule/IFileOperator.h>
+#include <dataModule/platform/OsalThreads.h>
+
+namespace td {
+
+class DATAMODULE_API AbstractFileOperator : public IFileOperator {
+public:
+    /// At most 255 characters of the name and 7 of the version are kept.
+    AbstractFileOperator(const char* fileName, const char* version);
+    ~AbstractFileOperator() override;
+    AbstractFileOperator(const AbstractFileOperator&) = delete;
+    AbstractFileOperator& operator=(const AbstractFileOperator&) = delete;
+
+    // IFileOperator
+    bool loadData(const std::vector<int>& dims, std::vector<_Argument_t>& args) override;
+    bool restoreSetting(const std::vector<int>& dims) override;
+    bool restoreSettingForAllSource(const std::vector<int>& dims) override;
+    bool restoreSettingFromCurrent(const std::vector<int>& dims) override;
+    bool refreshDataFromManufactory() override TD_EXCLUDES(m_criticalSection);
+    bool refreshDataFromCurrent() override TD_EXCLUDES(m_criticalSection);
+    bool applySettingForAllSources(const std::vector<int>& dims) override;
+    bool applySettingForAllMode(const std::vector<int>& dims) override;
+    bool initFile(bool defaults) override TD_EXCLUDES(m_criticalSection);
+    bool loadFile() override TD_EXCLUDES(m_criticalSection);
+    bool removeFile() override TD_EXCLUDES(m_criticalSection);
+    bool backupFile(bool alsoFactory) override TD_REQUIRES(m_criticalSection);
+    bool updateSummary() override TD_REQUIRES(m_criticalSection);
+    bool updateCrcCode() override TD_REQUIRES(m_criticalSection);
+    void setFileName(const char* name) override;
+    const char* getFileFullPath() override;
+    _DataCategory_t getDataCategory() override;
+    void setBackupReq(bool requested) override TD_EXCLUDES(m_backupRequestMutex);
+    bool getBackupReq() override TD_EXCLUDES(m_backupRequestMutex);
+    void enterCriticalSection() override TD_ACQUIRE(m_criticalSection);
+    void leaveCriticalSection() override TD_RELEASE(m_criticalSection);
+    bool getStoreFileFlag() override;
+    bool resetCurrentFileFromManufactoryFile() override TD_EXCLUDES(m_criticalSection);
+    FILE* getFileHandler() override;
+    bool releaseFile() override TD_EXCLUDES(m_criticalSection);
+    bool reloadFile() override;
+    bool resetForLoadFile() override TD_EXCLUDES(m_criticalSection);
+    bool loadFile(const char* path) override TD_EXCLUDES(m_criticalSection);
+    bool recoverFile() override TD_REQUIRES(m_criticalSection);
+    bool getApplySettingFlag(const _DataCategory_t& category, const char* field) override;
+    bool restoreApplySettingFlag(const _DataCategory_t& category, const char* field) override;
+    int getDataSize() override;
+    bool buildSummary(bool withHeader) override TD_REQUIRES(m_criticalSection);
+    bool loadSummary(_LOAD_FILE_MODE mode, bool& fatal) override TD_REQUIRES(m_criticalSection);
+    bool loadSummary(const char* path) override TD_REQUIRES(m_criticalSection);
+    bool searchSectionId(const char* id) override TD_REQUIRES(m_criticalSection);
+    int enableDebugLog() override;
+    bool removeCurrentFile() override TD_EXCLUDES(m_criticalSection);
+    /// Also false while a merged file waits to be written.
+    bool tryEnterCriticalSection() override TD_TRY_ACQUIRE(true, m_criticalSection);
+
+    /// The parent answers for names, directories and flags, and takes events; not owned. Set it before loading.
+    void setParent(IDataSeparateManagerInner* parent);
+    /// The directory of a copy, ending in '/'.
+    std::string getWorkPath(_LOAD_FILE_MODE mode) const;
+    /// The mode's name in log lines.
+    static const char* getLoadMode(_LOAD_FILE_MODE mode);
+    /// The copy to try after `mode`, or INVALID_LOAD.
+    _LOAD_FILE_MODE stateChanged(_LOAD_FILE_MODE mode) const;
+    /// Closes the file and opens and verifies the current copy. The caller holds the critical section.
+    bool switchToNormal() TD_REQUIRES(m_criticalSection);
+    /// The same for the factory copy.
+    virtual bool switchToManufactory() TD_REQUIRES(m_criticalSection);
+    /// Merges the current copy, of whatever version, by key into the table. The caller holds the critical section.
+    bool loadCurrentFile() TD_REQUIRES(m_criticalSection);
+    /// Writes the merged table as the new current copy. The caller holds the critical section.
+    bool createFile() TD_REQUIRES(m_criticalSection);
+    /// Entry of the thread that writes the merged file; takes no lock itself, its caller holds the critical section.
+    static void* createFileProc(void* self);
+    /// Whether a loaded category may be left as it is by loadFile().
+    bool checkReloadFile() const;
+    /// The checksum stated by a summary, unverified: `path` must exist, but the lines are read through the operator's
+    /// own open file, whichever that is. 0 when there is none to read. The caller holds the critical section.
+    unsigned int getCrcCode(const char* path) TD_REQUIRES(m_criticalSection);
+    /// Recomputes and rewrites the checksum line of the file at `path`. Needs no operator.
+    static bool generateCRC32(const char* path);
+
+    /// Waits until a merged file, if any, has been written. Hold no critical section.
+    void waitForMerge() TD_EXCLUDES(m_criticalSection);
+    /// Sets the process-wide detail-log switch.
+    static void setDebugLog(int on);
+
+protected:
+    /// Makes sure that the open file is the current copy, open for writing and with lengths read from it. Fails when
+    /// that copy is of another version or cannot be written to now, and while a merged file waits to be written.
+    bool openCurrent() TD_REQUIRES(m_criticalSection);
+    /// The name of the factory copy; differs from the file name where the factory has variants.
+    virtual std::string factoryFileName();
+    /// Posts again what was stored since the table was refreshed from the factory copy.
+    virtual void postChangesSinceRefresh() TD_REQUIRES(m_criticalSection) {}
+    /// The table was refreshed from the factory copy.
+    virtual void tableRefreshed() TD_REQUIRES(m_criticalSection) {}
+
+    /// The category's name, for log lines.
+    const char* categoryName() const;
+    IDataSeparateManagerInner* parent() const { return m_parent; }
+    bool isLoaded() const { return m_loaded; }
+    /// Offset of the first section of the open file.
+    int contentPosition() const TD_REQUIRES(m_criticalSection) {
+        return static_cast<int>(m_commentText.size()) + m_summaryLength;
+    }
+    /// An event could be handled without touching the file; the checksum update that follows has nothing to do.
+    void noteSectionSkipped() TD_REQUIRES(m_criticalSection) { m_sectionSkipped = true; }
+    /// Whether a merged table is still to be written as a file.
+    bool mergePending() const { return m_otaLoading; }
+    /// Whether that failed once; the next store tries again.
+    bool mergeUnwritten() const TD_REQUIRES(m_criticalSection) { return m_mergeUnwritten; }
+    /// One line with category and path after a message that names neither.
+    void logWhere() const;
+
+    mutable Mutex m_criticalSection;                  ///< table and file
+    FileUtil m_file TD_GUARDED_BY(m_criticalSection); ///< the one open file
+    SnapshotFloor m_snapshotFloor TD_GUARDED_BY(m_criticalSection);
+    /// The comment block as last read or written.
+    std::string m_commentText TD_GUARDED_BY(m_criticalSection);
+    _DataCategory_t m_category = PICTURE_GLOBAL;
+    int m_dataSize = 0;                       ///< bytes of the table
+    char m_version[text::VERSION_WIDTH] = {}; ///< the operator's format version
+    char m_fileName[paths::PATH_SIZE] = {};
+
+private:
+    /// The file that is open, so that a write never goes to another one.
+    struct OpenFile {
+        std::string path;
+        dev_t device = 0;
+        ino_t inode = 0;
+        bool writable = false;
+        bool lengthsRead = false; ///< the lengths were read from this file
+    };
+    enum class Found { Yes, EndOfFile, Failed };
+
+    void setPath(const std::string& path) TD_REQUIRES(m_criticalSection);
+    bool openFile(const std::string& path, const char* mode) TD_REQUIRES(m_criticalSection);
+    void closeFile() TD_REQUIRES(m_criticalSection);
+    /// Whether the open file is still the one at `path`.
+    bool isOpenFileAt(const std::string& path) const TD_REQUIRES(m_criticalSection);
+    void adoptSummary(const Summary& summary, SummaryState state) TD_REQUIRES(m_criticalSection);
+    void forgetLengths() TD_REQUIRES(m_criticalSection);
+
+    bool loadFirstGoodCopy() TD_REQUIRES(m_criticalSection);
+    enum class Reading { Done, TryNext, Failed };
+    Reading readCopy(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
+    Reading readForMerge() TD_REQUIRES(m_criticalSection);
+    bool mergeBackup() TD_REQUIRES(m_criticalSection);
+    bool readFactoryTable() TD_REQUIRES(m_criticalSection);
+    void startMergeThread() TD_REQUIRES(m_criticalSection);
+    static void* mergeProc(void* self);
+
+    bool openForSummary(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
+    bool verifySummary(const _LOAD_FILE_MODE* mode, bool& fatal) TD_REQUIRES(m_criticalSection);
+    bool checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode, bool& fatal)
+        TD_REQUIRES(m_criticalSection);
+    bool versionMatches(const Summary& summary, _LOAD_FILE_MODE mode, bool& fatal) TD_REQUIRES(m_criticalSection);
+    bool checksumMatches(const Summary& summary, const _LOAD_FILE_MODE* mode, bool& fatal)
+        TD_REQUIRES(m_criticalSection);
+    /// The checksum of the open file's contents; false when it cannot be computed.
+    bool contentChecksum(unsigned int& crc) TD_REQUIRES(m_criticalSection);
+    Found scanFor(const char* id) TD_REQUIRES(m_criticalSection);
+
+    bool writeNewFile(bool defaults) TD_REQUIRES(m_criticalSection);
+    bool writeWholeText(bool defaults) TD_REQUIRES(m_criticalSection);
+    bool rewriteChecksumLine() TD_REQUIRES(m_criticalSection);
+    bool readStoredChecksum(const char* path, unsigned int& crc) TD_REQUIRES(m_criticalSection);
+    bool removeCopy(const std::string& path) TD_REQUIRES(m_criticalSection);
+    std::string factoryPath();
+
+    /// The copy being read or written. Points into m_paths, so that it may be read at any time.
+    std::atomic<const char*> m_path{""};
+    std::set<std::string> m_paths TD_GUARDED_BY(m_criticalSection); ///< every path ever set; small
+    std::atomic<bool> m_loaded{false};
+    char m_fileType[text::TV_TYPE_WIDTH + 1] TD_GUARDED_BY(m_criticalSection) = {}; ///< SN of the last summary
+    int m_summaryLength TD_GUARDED_BY(m_criticalSection) = 0;
+    int m_crcPosition TD_GUARDED_BY(m_criticalSection) = 0;
+    int m_crcLineLength TD_GUARDED_BY(m_criticalSection) = 0;
+    int m_fileSize TD_GUARDED_BY(m_criticalSection) = 0;
+    unsigned int m_crc TD_GUARDED_BY(m_criticalSection) = 0; ///< as last loaded or updated
+    _LOAD_FILE_MODE m_loadMode TD_GUARDED_BY(m_criticalSection) = NORMAL_LOAD;
+    std::atomic<bool> m_otaLoading{false};  ///< a file of another version is being merged
+    std::atomic<bool> m_versionCheck{true}; ///< cleared for good once a merge has started
+    mutable Mutex m_backupRequestMutex;
+    bool m_backupRequest TD_GUARDED_BY(m_backupRequestMutex) = false;
+    IDataSeparateManagerInner* m_parent = nullptr; ///< set before use
+
+    OpenFile m_open TD_GUARDED_BY(m_criticalSection);
+    bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made
+    bool m_sectionSkipped TD_GUARDED_BY(m_criticalSection) = false;
+    bool m_mergeUnwritten TD_GUARDED_BY(m_criticalSection) = false;
+    OsalThreads::Handle m_mergeThread TD_GUARDED_BY(m_criticalSection) = OsalThreads::INVALID_HANDLE;
+};
+
+} // namespace td

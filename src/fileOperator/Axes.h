@@ -1,0 +1,21 @@
+/// Dimensions that several categories share. Each takes the comment line that heads its value list, which differs from
+/// file to file and need not agree with the range.
+#pragma once
+
+#include <dataModule/fileOperator/CategoryLayout.h>
+
+namespace td::axis {
+
+/// 16 sources.
+DATAMODULE_API Dimension source(const char* heading);
+/// 12 picture modes.
+DATAMODULE_API Dimension pictureMode(const char* heading);
+/// The user's 8 dynamic ranges with resolution.
+DATAMODULE_API Dimension userDynamicRange(const char* heading);
+
+/// 7 tuned colours.
+DATAMODULE_API Dimension tunedColour(const char* heading);
+/// Calibration points, at most 20, named LEVEL0 and on; written as one character each.
+DATAMODULE_API Dimension level(int count, const char* heading);
+
+} // namespace td::axis

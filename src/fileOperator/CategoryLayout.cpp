@@ -1,0 +1,83 @@
+#include <dataModule/fileOperator/CategoryLayout.h>
+
+#include <cstring>
+
+#include <dataModule/fileOperator/TextLayout.h>
+
+namespace td {
+
+int CategoryLayout::recordCount() const {
+    int count = 1;
+    for (const Dimension& dimension : dimensions)
+        count *= dimension.count;
+    return count;
+}
+
+bool CategoryLayout::accepts(const int* indices) const {
+    for (const Dimension& dimension : dimensions) {
+        const int index = *indices++;
+        if (index < 0 || index >= dimension.count)
+            return false;
+    }
+    return true;
+}
+
+int CategoryLayout::recordIndex(const int* indices) const {
+    int record = 0;
+    for (const Dimension& dimension : dimensions)
+        record = record * dimension.count + *indices++;
+    return record;
+}
+
+void CategoryLayout::indicesOf(int record, int* indices) const {
+    for (int d = dimensionCount() - 1; d >= 0; --d) {
+        const int count = dimensions[static_cast<std::size_t>(d)].count;
+        indices[d] = record % count;
+        record /= count;
+    }
+}
+
+const Field* CategoryLayout::fieldByArgument(const char* name) const {
+    if (name == nullptr)
+        return nullptr;
+    for (const Field& field : fields) {
+        if (std::strcmp(field.argumentName(), name) == 0)
+            return &field;
+    }
+    return nullptr;
+}
+
+const Field* CategoryLayout::fieldByKey(const char* key) const {
+    for (const Field& field : fields) {
+        if (std::strcmp(field.key, key) == 0)
+            return &field;
+    }
+    return nullptr;
+}
+
+int CategoryLayout::headerLength() const {
+    const int id = dimensions.empty() ? static_cast<int>(std::strlen(GLOBAL_SECTION)) : dimensionCount();
+    return id + static_cast<int>(std::strlen("[]\n"));
+}
+
+int CategoryLayout::lineLength() const {
+    return text::keyLineLength(keyLine);
+}
+
+AxisSweep::AxisSweep(const CategoryLayout& layout, const int* given, unsigned axes) : m_layout(layout), m_axes(axes) {
+    for (int d = 0; d < layout.dimensionCount(); ++d)
+        m_indices[d] = sweeps(d) ? 0 : given[d];
+}
+
+void AxisSweep::next() {
+    for (int d = m_layout.dimensionCount() - 1; d >= 0; --d) {
+        if (!sweeps(d))
+            continue;
+        if (++m_indices[d] < m_layout.dimensions[static_cast<std::size_t>(d)].count)
+            return;
+        m_indices[d] = 0;
+    }
+    m_done = true;
+}
+
+} // namespace td

@@ -1,0 +1,18 @@
+/// The categories that this library serves: their layouts, and the making of their operators. Any thread.
+#pragma once
+
+#include <vector>
+
+#include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/CategoryLayout.h>
+
+namespace td {
+
+/// A new operator for the category, owned by the caller, or null when none serves it.
+DATAMODULE_API AbstractFileOperator* createOperator(_DataCategory_t category);
+/// The layout of a category, or null when no operator serves it.
+DATAMODULE_API const CategoryLayout* layoutOf(_DataCategory_t category);
+/// The layouts of all categories served, in ascending category order.
+DATAMODULE_API std::vector<const CategoryLayout*> allLayouts();
+
+} // namespace td

@@ -1,0 +1,44 @@
+/// Remembers which queued snapshots are out of date: after a section was read or written past the queue, older events
+/// must not write it any more. Not locked; guarded by the operator's critical section.
+#pragma once
+
+#include <map>
+
+namespace td {
+
+class SnapshotFloor {
+public:
+    /// From now on only events from `id` on may write `section`.
+    void raise(int section, int id) { m_sections[section] = id; }
+    /// The same for every section.
+    void raiseAll(int id) {
+        m_sections.clear();
+        m_all = id;
+        m_hasAll = true;
+    }
+    /// Whether event `id` is too old to write `section`. Events of an operator arrive in the order of their ids, so a
+    /// section's entry has done its work as soon as a younger event comes by.
+    bool isStale(int section, int id) {
+        if (m_hasAll && before(id, m_all))
+            return true;
+        const auto entry = m_sections.find(section);
+        if (entry == m_sections.end())
+            return false;
+        if (before(id, entry->second))
+            return true;
+        m_sections.erase(entry);
+        return false;
+    }
+
+private:
+    /// Ids wrap around.
+    static bool before(int id, int other) {
+        return static_cast<int>(static_cast<unsigned int>(id) - static_cast<unsigned int>(other)) < 0;
+    }
+
+    std::map<int, int> m_sections;
+    int m_all = 0;
+    bool m_hasAll = false;
+};
+
+} // namespace td

@@ -1,0 +1,86 @@
+#include <dataModule/fileOperator/SummaryReader.h>
+
+#include <cstring>
+
+#include <dataModule/common/CRC32Util.h>
+
+namespace td {
+
+namespace {
+
+/// Reads the next summary line. Complete when it is whole and contains `word`.
+SummaryState readLineWith(FileUtil& file, const char* word, SummaryState bad, Summary& summary, char* line) {
+    if (!file.readLine(line, text::LINE_BUFFER))
+        return file.reachEnd() ? SummaryState::EndOfFile : SummaryState::NotReadable;
+    const std::size_t length = std::strlen(line);
+    if (length == 0 || line[length - 1] != '\n' || std::strstr(line, word) == nullptr) {
+        std::memcpy(summary.badLine, line, length + 1);
+        return bad;
+    }
+    summary.length += static_cast<int>(length);
+    return SummaryState::Complete;
+}
+
+SummaryState readHeader(FileUtil& file, Summary& summary, char* line) {
+    while (file.readLine(line, text::LINE_BUFFER)) {
+        if (text::isComment(line)) {
+            summary.comment += line;
+            continue;
+        }
+        if (std::strcmp(line, text::SUMMARY_HEADER) == 0) {
+            summary.length = static_cast<int>(std::strlen(line));
+            return SummaryState::Complete;
+        }
+        std::memcpy(summary.badLine, line, std::strlen(line) + 1);
+        return SummaryState::BadHeader;
+    }
+    return file.reachEnd() ? SummaryState::BadHeader : SummaryState::NotReadable;
+}
+
+} // namespace
+
+SummaryState readSummary(FileUtil& file, Summary& summary) {
+    summary = Summary();
+    if (!file.isOpend() || !file.resetStartPos())
+        return SummaryState::NotReadable;
+    char line[text::LINE_BUFFER];
+    SummaryState state = readHeader(file, summary, line);
+    if (state != SummaryState::Complete)
+        return state;
+
+    state = readLineWith(file, "SN", SummaryState::BadTvType, summary, line);
+    if (state != SummaryState::Complete)
+        return state;
+    text::parseSummaryText(line, text::TV_TYPE_WIDTH, summary.tvType);
+    summary.hasTvType = true;
+
+    state = readLineWith(file, "Version", SummaryState::BadVersion, summary, line);
+    if (state != SummaryState::Complete)
+        return state;
+    text::parseSummaryText(line, text::VERSION_WIDTH, summary.version);
+    summary.hasVersion = true;
+
+    summary.crcPosition = summary.contentPosition();
+    state = readLineWith(file, "CRC", SummaryState::BadCrc, summary, line);
+    if (state != SummaryState::Complete)
+        return state;
+    summary.crcLineLength = summary.contentPosition() - summary.crcPosition;
+    if (!text::parseCrc(line, summary.crc)) {
+        std::memcpy(summary.badLine, line, std::strlen(line) + 1);
+        return SummaryState::BadCrc;
+    }
+    return SummaryState::Complete;
+}
+
+bool fileVerifies(const char* path, const char* version) {
+    FileUtil file;
+    Summary summary;
+    if (!file.openFile(path, "r") || readSummary(file, summary) != SummaryState::Complete)
+        return false;
+    if (version != nullptr && std::strcmp(summary.version, version) != 0)
+        return false;
+    unsigned int crc = 0;
+    return CRC32Util::instance()->calc_file_crc(path, summary.contentPosition(), crc) && crc == summary.crc;
+}
+
+} // namespace td

@@ -1,0 +1,45 @@
+/// Reads the comment block and the summary of an open settings file. Says nothing and verifies nothing.
+#pragma once
+
+#include <string>
+
+#include <dataModule/common/FileUtil.h>
+#include <dataModule/fileOperator/TextLayout.h>
+
+namespace td {
+
+/// How far a summary could be read.
+enum class SummaryState {
+    NotReadable, ///< the file is not open or cannot be rewound
+    BadHeader,   ///< the first line without '#' is not the header, or there is none
+    BadTvType,   ///< the line where SN belongs is something else
+    BadVersion,  ///< the same for Version
+    BadCrc,      ///< the same for CRC
+    EndOfFile,   ///< the file ends after the header, the SN or the Version line
+    Complete,
+};
+
+struct Summary {
+    std::string comment;     ///< the comment block as it stands
+    bool hasTvType = false;  ///< the SN line was read
+    bool hasVersion = false; ///< the Version line was read
+    char tvType[text::TV_TYPE_WIDTH + 1] = {};
+    char version[text::VERSION_WIDTH + 1] = {};
+    unsigned int crc = 0;                 ///< as the CRC line states it
+    int length = 0;                       ///< bytes of the summary lines read
+    int crcPosition = 0;                  ///< offset of the CRC line
+    int crcLineLength = 0;                ///< its bytes, newline included
+    char badLine[text::LINE_BUFFER] = {}; ///< the line that was something else
+
+    /// Offset of the first section.
+    int contentPosition() const { return static_cast<int>(comment.size()) + length; }
+};
+
+/// Rewinds and reads `file`, which is left just after the last line read. A line without newline is no line: the file
+/// was cut within it.
+SummaryState readSummary(FileUtil& file, Summary& summary);
+
+/// Whether the file at `path` has a whole summary of `version` (null: any) whose checksum is that of its contents.
+bool fileVerifies(const char* path, const char* version);
+
+} // namespace td

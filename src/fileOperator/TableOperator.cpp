@@ -1,0 +1,614 @@
+#include <dataModule/fileOperator/TableOperator.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include <dataModule/common/Event.h>
+#include <dataModule/common/EventIdGenerator.h>
+#include <dataModule/common/Log.h>
+#include <dataModule/common/TimeUtil.h>
+#include <dataModule/fileOperator/TextLayout.h>
+
+namespace td {
+
+namespace {
+
+/// Contents are written in pieces of about this many bytes.
+constexpr std::size_t WRITE_PIECE = 65536;
+
+const char* textOrNull(const char* text) {
+    return text != nullptr ? text : "(null)";
+}
+
+int elapsedMilliseconds() {
+    TimeUtil::instance()->end();
+    return TimeUtil::instance()->getElapsed();
+}
+
+std::vector<int> toVector(const CategoryLayout& layout, const int* indices) {
+    return {indices, indices + layout.dimensionCount()};
+}
+
+} // namespace
+
+TableOperator::TableOperator(const CategoryLayout& layout)
+    : AbstractFileOperator(layout.file, layout.version), m_layout(layout),
+      m_table(static_cast<std::size_t>(layout.recordCount()) * static_cast<std::size_t>(layout.fieldCount())) {
+    m_category = layout.category;
+    m_dataSize = static_cast<int>(m_table.size() * sizeof(int));
+}
+
+std::string TableOperator::idText(const int* indices) const {
+    return text::sectionId(m_layout, indices);
+}
+
+// --- requests ---
+
+bool TableOperator::checkRequest(const std::vector<int>& dims) const {
+    const int expected = m_layout.dimensionCount();
+    if (static_cast<int>(dims.size()) != expected) {
+        DM_WARNING("The dimensions size [%d] is invalid ,expected size is: %d.\n", static_cast<int>(dims.size()),
+                   expected);
+        return false;
+    }
+    if (!m_layout.accepts(dims.data())) {
+        DM_WARNING("The dimension value is invalid.\n");
+        return false;
+    }
+    return true;
+}
+
+bool TableOperator::loadData(const std::vector<int>& dims, std::vector<_Argument_t>& args) {
+    if (!AbstractFileOperator::loadData(dims, args))
+        return false;
+    TimeUtil::instance()->start();
+    if (!checkRequest(dims))
+        return false;
+    {
+        MutexLock lock(m_criticalSection);
+        dumpRecord(dims.data());
+        const int* record = recordAt(m_layout.recordIndex(dims.data()));
+        if (args.empty())
+            listFields(record, args);
+        else
+            getFields(record, args);
+    }
+    TimeUtil::instance()->end();
+    return true;
+}
+
+bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_Argument_t>& args) {
+    if (!getStoreFileFlag()) {
+        DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+        return true;
+    }
+    TimeUtil::instance()->start();
+    if (!checkRequest(dims))
+        return false;
+    {
+        MutexLock lock(m_criticalSection);
+        bool changed = false;
+        putFields(args, recordAt(m_layout.recordIndex(dims.data())), changed);
+        if (changed)
+            postRecord(dims.data());
+        else
+            DM_INFO("No field value is changed,so NEEDN'T store.\n");
+        dumpRecord(dims.data());
+    }
+    TimeUtil::instance()->end();
+    if (m_layout.applyFlag != nullptr && getApplySettingFlag(PICTURE_GLOBAL, m_layout.applyFlag))
+        applySettingForAllSources(dims);
+    return true;
+}
+
+void TableOperator::listFields(const int* record, std::vector<_Argument_t>& args) const {
+    const std::size_t first = args.size();
+    args.resize(first + m_layout.fields.size());
+    // A whole record is answered in record order, which is not always the order of the key lines.
+    std::vector<const Field*> inOrder(m_layout.fields.size());
+    for (const Field& field : m_layout.fields)
+        inOrder[static_cast<std::size_t>(field.position)] = &field;
+    std::size_t next = first;
+    for (const Field* field : inOrder) {
+        if (field->listing == Listing::Hidden)
+            continue;
+        const char* name = field->listing == Listing::Named ? field->argumentName() : nullptr;
+        args[next++] = {name, record[field->position]};
+    }
+    args.resize(next);
+}
+
+void TableOperator::getFields(const int* record, std::vector<_Argument_t>& args) const {
+    for (_Argument_t& argument : args) {
+        const Field* field = m_layout.fieldByArgument(argument.name);
+        if (field != nullptr)
+            argument.value = record[field->position];
+        else
+            DM_WARNING("The field [%s] is invalid.\n", textOrNull(argument.name));
+    }
+}
+
+void TableOperator::putFields(const std::vector<_Argument_t>& args, int* record, bool& changed) const {
+    for (const _Argument_t& argument : args) {
+        const Field* field = m_layout.fieldByArgument(argument.name);
+        if (field == nullptr) {
+            DM_WARNING("The field [%s] is invalid.\n", textOrNull(argument.name));
+            continue;
+        }
+        if (record[field->position] == argument.value)
+            continue;
+        record[field->position] = argument.value;
+        changed = true;
+    }
+}
+
+void TableOperator::putField(const char* key, int value, int* record) const {
+    const bool byKey = m_layout.mergeNames == MergeNames::Keys;
+    const Field* field = byKey ? m_layout.fieldByKey(key) : m_layout.fieldByArgument(key);
+    if (field != nullptr)
+        record[field->position] = value;
+    else if (!byKey)
+        DM_WARNING("The field [%s] is invalid for this version.\n", key);
+}
+
+void TableOperator::dumpRecord(const int* indices) {
+    if (enableDebugLog() == 0)
+        return;
+    const int* record = recordAt(m_layout.recordIndex(indices));
+    std::string line = m_layout.dumpPrefix + idText(indices) + ": ";
+    const char* separator = "";
+    for (const Field& field : m_layout.fields) {
+        line += separator;
+        line += field.dumpLabel();
+        line += " = " + std::to_string(record[field.position]);
+        separator = ", ";
+    }
+    DM_DEBUG("%s%s", line.c_str(), m_layout.dumpEnd);
+}
+
+void TableOperator::postRecord(const int* indices) {
+    const int record = m_layout.recordIndex(indices);
+    Event::postOrDelete(parent(), makeEvent(toVector(m_layout, indices), recordAt(record)));
+    noteChange(record);
+}
+
+// --- one record from the factory or current copy ---
+
+bool TableOperator::restoreSetting(const std::vector<int>& dims) {
+    if (!checkRequest(dims))
+        return false;
+    MutexLock lock(m_criticalSection);
+    return restoreOne(dims);
+}
+
+bool TableOperator::restoreOne(const std::vector<int>& dims) {
+    const bool restored = loadDataFromManufactoryFile(dims);
+    switchToNormal();
+    if (restored)
+        postRecord(dims.data());
+    return restored;
+}
+
+bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
+    if (!m_layout.restoresFromCurrent)
+        return AbstractFileOperator::restoreSettingFromCurrent(dims);
+    if (!checkRequest(dims))
+        return false;
+    MutexLock lock(m_criticalSection);
+    if (!loadDataFromCurrentFile(dims)) {
+        DM_WARNING("Load data from file [%s] failed when restore setting from current.\n", getFileFullPath());
+        return false;
+    }
+    // What is still queued for this section was just discarded (invariant 4).
+    m_snapshotFloor.raise(m_layout.recordIndex(dims.data()), EventIdGenerator::instance()->peekNextEventId());
+    return true;
+}
+
+bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
+    if (!switchToManufactory())
+        return false;
+    DM_INFO("Load data from file [%s] when restore setting\n", getFileFullPath());
+    return readSectionAt(dims);
+}
+
+bool TableOperator::loadDataFromCurrentFile(const std::vector<int>& dims) {
+    const bool opened = openCurrent();
+    DM_INFO("Load data from file [%s] when restore setting from current.\n", getFileFullPath());
+    return opened && readSectionAt(dims);
+}
+
+bool TableOperator::readSectionAt(const std::vector<int>& dims) {
+    if (!searchSectionId(dims))
+        return false;
+    if (!sectionIsInFile() || !keysMatch() || !readRecord(recordAt(m_layout.recordIndex(dims.data())))) {
+        DM_WARNING("dimension info [%s] is not matched , maybe the file content is not completed !!!\n",
+                   idText(dims.data()).c_str());
+        return false;
+    }
+    return true;
+}
+
+/// The one section of a category without dimensions has no id to tell it, so its keys are compared.
+bool TableOperator::keysMatch() {
+    if (!m_layout.dimensions.empty())
+        return true;
+    long position = 0;
+    if (!m_file.getCurrentPos(position))
+        return false;
+    char line[text::LINE_BUFFER];
+    for (const Field& field : m_layout.fields) {
+        char key[text::KEY_WIDTH + 1] = {};
+        int value = 0;
+        if (!m_file.readLine(line, sizeof line) || !text::parseKeyLine(m_layout.keyLine, line, key, value) ||
+            std::strcmp(key, field.key) != 0)
+            return false;
+    }
+    return m_file.setPos(static_cast<int>(position));
+}
+
+// --- one record for many ---
+
+bool TableOperator::restoreSettingForAllSource(const std::vector<int>& dims) {
+    switch (m_layout.restoreForAllSources.kind) {
+    case BulkRestore::Kind::NotOffered:
+        return AbstractFileOperator::restoreSettingForAllSource(dims);
+    case BulkRestore::Kind::SilentlyTrue:
+        return true;
+    case BulkRestore::Kind::PostChanged:
+    case BulkRestore::Kind::PostEach:
+        break;
+    }
+    if (!checkRequest(dims))
+        return false;
+    MutexLock lock(m_criticalSection);
+    return m_layout.restoreForAllSources.kind == BulkRestore::Kind::PostEach ? restoreEach(dims) : restoreChanged(dims);
+}
+
+bool TableOperator::restoreEach(const std::vector<int>& dims) {
+    for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
+        if (!restoreOne(toVector(m_layout, sweep.indices())))
+            return false;
+    }
+    return true;
+}
+
+bool TableOperator::restoreChanged(const std::vector<int>& dims) {
+    const int given = m_layout.recordIndex(dims.data());
+    for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
+        if (!loadDataFromManufactoryFile(toVector(m_layout, sweep.indices()))) {
+            DM_WARNING("Load data from file [%s] failed when restore setting\n", m_layout.file);
+            return false;
+        }
+        switchToNormal();
+        if (!sameValues(recordAt(m_layout.recordIndex(sweep.indices())), recordAt(given)))
+            postRecord(sweep.indices());
+    }
+    return true;
+}
+
+bool TableOperator::applySettingForAllSources(const std::vector<int>& dims) {
+    if (m_layout.applyToAllSources.axes == 0)
+        return AbstractFileOperator::applySettingForAllSources(dims);
+    return copyToOthers(m_layout.applyToAllSources, dims);
+}
+
+bool TableOperator::applySettingForAllMode(const std::vector<int>& dims) {
+    if (m_layout.applyToAllModes.axes == 0)
+        return AbstractFileOperator::applySettingForAllMode(dims);
+    return copyToOthers(m_layout.applyToAllModes, dims);
+}
+
+bool TableOperator::sameValues(const int* one, const int* other) const {
+    return std::equal(one, one + m_layout.fieldCount(), other);
+}
+
+bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& dims) {
+    if (!checkRequest(dims))
+        return false;
+    if (copy.writesAtOnce) {
+        std::vector<_Argument_t> none;
+        if (!AbstractFileOperator::loadData(dims, none))
+            return false;
+        if (!getStoreFileFlag()) {
+            DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+            return true;
+        }
+    }
+    if (copy.startMessage != nullptr)
+        DM_INFO("%s", copy.startMessage);
+    TimeUtil::instance()->start();
+    {
+        MutexLock lock(m_criticalSection);
+        dumpRecord(dims.data());
+        const bool written = copyRecord(copy, dims.data());
+        if (written) {
+            updateCrcCode();
+            setBackupReq(true);
+        }
+    }
+    DM_INFO(copy.endMessage, elapsedMilliseconds());
+    return true;
+}
+
+bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
+    const int* given = recordAt(m_layout.recordIndex(indices));
+    bool written = false;
+    m_file.deferSync(copy.writesAtOnce);
+    for (AxisSweep sweep(m_layout, indices, copy.axes); !sweep.done(); sweep.next()) {
+        int* other = recordAt(m_layout.recordIndex(sweep.indices()));
+        if (other == given || (copy.equal != nullptr ? copy.equal(other, given) : sameValues(other, given)))
+            continue;
+        std::copy_n(given, m_layout.fieldCount(), other);
+        if (copy.writesAtOnce)
+            written = writeAtOnce(sweep.indices()) || written;
+        else
+            postRecord(sweep.indices());
+    }
+    m_file.deferSync(false);
+    // The sections reach the disk before the checksum that covers them.
+    if (written)
+        m_file.syncFile();
+    return written;
+}
+
+/// Writes past the queue, so what is queued for the section is out of date afterwards (invariant 4).
+bool TableOperator::writeAtOnce(const int* indices) {
+    const int record = m_layout.recordIndex(indices);
+    const std::unique_ptr<Event> event(makeEvent(toVector(m_layout, indices), recordAt(record)));
+    const bool written = syncSectionToFile(event.get());
+    m_snapshotFloor.raise(record, EventIdGenerator::instance()->peekNextEventId());
+    noteChange(record);
+    return written;
+}
+
+// --- between a refresh from the factory copy and the reset of the current one ---
+
+void TableOperator::tableRefreshed() {
+    m_changedSinceRefresh.clear();
+    m_refreshed = true;
+}
+
+void TableOperator::noteChange(int record) {
+    if (m_refreshed)
+        m_changedSinceRefresh.insert(record);
+}
+
+void TableOperator::postChangesSinceRefresh() {
+    m_refreshed = false;
+    for (const int record : m_changedSinceRefresh) {
+        int indices[MAX_DIMENSIONS] = {};
+        m_layout.indicesOf(record, indices);
+        postRecord(indices);
+    }
+    m_changedSinceRefresh.clear();
+}
+
+// --- groups: categories that have none do nothing ---
+
+bool TableOperator::loadDataForGroup(const std::vector<int>&, const std::vector<int>&, GroupArray&) {
+    return true;
+}
+
+bool TableOperator::storeDataForGroup(const std::vector<int>&, const std::vector<int>&, const std::vector<int>&,
+                                      GroupArray&) {
+    return true;
+}
+
+bool TableOperator::loadDataForSelfDefinedGroup(const std::vector<int>&, const std::vector<int>&,
+                                                SelfDefinedGroupArray&) {
+    return true;
+}
+
+bool TableOperator::storeDataForSelfDefinedGroup(const std::vector<int>&, const std::vector<int>&,
+                                                 SelfDefinedGroupArray&) {
+    return true;
+}
+
+// --- writing ---
+
+bool TableOperator::syncSectionToFile(Event* event) {
+    const int* record = event != nullptr ? recordOf(*event) : nullptr;
+    if (record == nullptr || !checkRequest(event->dimensions()))
+        return false;
+    const std::vector<int>& dims = event->dimensions();
+    // The value is in the table that is about to be written as a whole.
+    if (mergePending() || m_snapshotFloor.isStale(m_layout.recordIndex(dims.data()), event->id())) {
+        noteSectionSkipped();
+        return true;
+    }
+    if (mergeUnwritten()) {
+        noteSectionSkipped();
+        return createFile();
+    }
+    if (!openCurrent()) {
+        DM_WARNING("open file [%s] failed for storing data.\n", getFileFullPath());
+        return false;
+    }
+    if (!searchSectionId(dims) || !sectionIsInFile()) {
+        DM_WARNING("search dimension failed , maybe the file content is not completed !!!\n");
+        return false;
+    }
+    if (!writeRecord(dims.data(), record, false)) {
+        DM_WARNING("write section %s for file [%s] failed!\n", idText(dims.data()).c_str(), getFileFullPath());
+        return false;
+    }
+    return true;
+}
+
+bool TableOperator::sectionIsInFile() {
+    long position = 0;
+    if (!m_file.getCurrentPos(position))
+        return false;
+    const long lines = m_layout.sectionLength() - m_layout.headerLength();
+    return position + lines <= FileUtil::getFileSize(getFileFullPath());
+}
+
+int TableOperator::formatId(const int* indices, char* out, int size) {
+    const int length = text::formatSectionId(m_layout, indices, out, size);
+    if (enableDebugLog() != 0)
+        DM_DEBUG("Section ID is: %s", out);
+    return length;
+}
+
+int TableOperator::formatContent(const int* record, char* out, int size) {
+    const int length = text::formatSection(m_layout, record, out, size);
+    if (enableDebugLog() != 0)
+        DM_DEBUG("section content:\n%s", out);
+    return length;
+}
+
+bool TableOperator::writeRecord(const int* indices, const int* record, bool withHeader) {
+    char text[text::SECTION_BUFFER];
+    constexpr int SIZE = text::SECTION_BUFFER;
+    const int header = withHeader ? formatId(indices, text, SIZE) : 0;
+    const int length = formatContent(record, text + header, SIZE - header);
+    // A widened line would run into the next section (invariant 3).
+    if (length != m_layout.sectionLength() - m_layout.headerLength() || header + length >= SIZE)
+        return false;
+    return m_file.writeFile(text, true);
+}
+
+bool TableOperator::buildComments() {
+    m_commentText = text::commentBlock(m_layout);
+    return m_file.writeFile(m_commentText.c_str(), true);
+}
+
+bool TableOperator::buildContents(bool defaults) {
+    const int records = m_layout.recordCount();
+    std::string piece;
+    piece.reserve(WRITE_PIECE + text::SECTION_BUFFER);
+    for (int i = 0; i < records; ++i) {
+        if (defaults) {
+            for (const Field& field : m_layout.fields)
+                recordAt(i)[field.position] = field.defaultValue;
+        }
+        appendSection(piece, i);
+        if (piece.size() < WRITE_PIECE && i + 1 < records)
+            continue;
+        if (!m_file.writeFile(piece.c_str(), true))
+            return false;
+        piece.clear();
+    }
+    return true;
+}
+
+void TableOperator::appendSection(std::string& text, int record) {
+    int indices[MAX_DIMENSIONS] = {};
+    m_layout.indicesOf(record, indices);
+    char line[text::LINE_BUFFER];
+    text::formatSectionId(m_layout, indices, line, sizeof line);
+    text += line;
+    bool fits = true;
+    for (const Field& field : m_layout.fields) {
+        int value = recordAt(record)[field.position];
+        if (!text::fitsColumns(m_layout.keyLine, value)) {
+            fits = false;
+            value = field.defaultValue;
+        }
+        text::formatKeyLine(m_layout.keyLine, field.key, value, line, sizeof line);
+        text += line;
+    }
+    if (!fits)
+        DM_WARNING("write section %s for file [%s] failed!\n", idText(indices).c_str(), getFileFullPath());
+}
+
+// --- reading ---
+
+bool TableOperator::searchSectionId(const std::vector<int>& dims) {
+    if (!checkRequest(dims))
+        return false;
+    if (!isLoaded()) {
+        DM_WARNING("search file [%s] failed when searchSection%s because of loading file not finished.\n",
+                   getFileFullPath(), idText(dims.data()).c_str());
+        return false;
+    }
+    const int position =
+        contentPosition() + m_layout.headerLength() + m_layout.sectionLength() * m_layout.recordIndex(dims.data());
+    if (m_file.setPos(position))
+        return true;
+    DM_WARNING("set file [%s] to position [%d] bytes failed when searchSection%s.\n", getFileFullPath(), position,
+               idText(dims.data()).c_str());
+    return false;
+}
+
+bool TableOperator::readRecord(int* record) {
+    std::vector<int> values(m_layout.fields.size());
+    char line[text::LINE_BUFFER];
+    for (const Field& field : m_layout.fields) {
+        if (!m_file.readLine(line, sizeof line))
+            return false;
+        values[static_cast<std::size_t>(field.position)] = text::valueByColumns(m_layout.keyLine, line);
+    }
+    std::copy(values.begin(), values.end(), record);
+    return true;
+}
+
+bool TableOperator::loadContents() {
+    int indices[MAX_DIMENSIONS] = {};
+    char line[text::LINE_BUFFER];
+    while (m_file.isOpend() && m_file.readLine(line, sizeof line)) {
+        if (std::strchr(line, '[') == nullptr) {
+            DM_WARNING("read section [%s] from file [%s] failed, Maybe the file format is wrong !!!\n", line,
+                       getFileFullPath());
+            return false;
+        }
+        if (!text::parseSectionId(m_layout, line, indices)) {
+            DM_WARNING("parse section [%s] for file [%s] failed.\n", line, getFileFullPath());
+            return false;
+        }
+        if (!m_layout.accepts(indices)) {
+            DM_WARNING("The dimension value is invalid when load content.\n");
+            return false;
+        }
+        if (!readRecord(recordAt(m_layout.recordIndex(indices)))) {
+            DM_WARNING("read section [%s] from file [%s] failed, Maybe the file format is wrong !!!\n", line,
+                       getFileFullPath());
+            return false;
+        }
+        dumpRecord(indices);
+    }
+    return m_file.isOpend() && m_file.reachEnd();
+}
+
+bool TableOperator::loadContents_OTA() {
+    int indices[MAX_DIMENSIONS] = {};
+    std::vector<int> dropped(m_layout.fields.size());
+    char line[text::LINE_BUFFER];
+    bool endOfFile = false;
+    bool atHeader = false;
+    while (!endOfFile) {
+        if (!atHeader && !m_file.readLine(line, sizeof line))
+            break;
+        atHeader = std::strchr(line, '[') != nullptr;
+        if (!atHeader)
+            continue;
+        if (!text::parseSectionId(m_layout, line, indices)) {
+            DM_WARNING("parse section [%s] for file [%s] failed.\n", line, getFileFullPath());
+            return false;
+        }
+        // A section outside the ranges of this version is read and dropped (invariant 6).
+        const bool known = m_layout.accepts(indices);
+        int* record = known ? recordAt(m_layout.recordIndex(indices)) : dropped.data();
+        if (!readRecordByKey(line, record, endOfFile))
+            return false;
+        if (known)
+            dumpRecord(indices);
+    }
+    return m_file.isOpend() && m_file.reachEnd();
+}
+
+bool TableOperator::readRecordByKey(char* line, int* record, bool& endOfFile) {
+    while (m_file.readLine(line, text::LINE_BUFFER)) {
+        if (std::strchr(line, '[') != nullptr)
+            return true;
+        char key[text::KEY_WIDTH + 1];
+        int value = 0;
+        if (text::parseKeyLine(m_layout.keyLine, line, key, value))
+            putField(key, value, record);
+    }
+    endOfFile = true;
+    return m_file.isOpend() && m_file.reachEnd();
+}
+
+} // namespace td

@@ -1,0 +1,120 @@
+/// A category's table and everything that is done with it, driven by the category's layout. Records are rows of plain
+/// integers here; CategoryOperator puts the record type back on top.
+///
+/// Threads: data operations may be called from any thread; they take the critical section themselves. Steps marked as
+/// requiring it are called with it held. Reads are answered from the table alone; stores change the table and post an
+/// event; the worker writes the event's copy of the record.
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/CategoryLayout.h>
+
+namespace td {
+
+class Event;
+
+class DATAMODULE_API TableOperator : public AbstractFileOperator {
+public:
+    // IFileOperator
+    bool loadData(const std::vector<int>& dims, std::vector<_Argument_t>& args) override TD_EXCLUDES(m_criticalSection);
+    bool storeData(const std::vector<int>& dims, const std::vector<_Argument_t>& args) override
+        TD_EXCLUDES(m_criticalSection);
+    bool restoreSetting(const std::vector<int>& dims) override TD_EXCLUDES(m_criticalSection);
+    bool restoreSettingForAllSource(const std::vector<int>& dims) override TD_EXCLUDES(m_criticalSection);
+    bool restoreSettingFromCurrent(const std::vector<int>& dims) override TD_EXCLUDES(m_criticalSection);
+    bool applySettingForAllSources(const std::vector<int>& dims) override TD_EXCLUDES(m_criticalSection);
+    bool applySettingForAllMode(const std::vector<int>& dims) override TD_EXCLUDES(m_criticalSection);
+    bool syncSectionToFile(Event* event) override TD_REQUIRES(m_criticalSection);
+    bool loadDataForGroup(const std::vector<int>& dims, const std::vector<int>& list, GroupArray& data) override;
+    bool storeDataForGroup(const std::vector<int>& dims, const std::vector<int>& list, const std::vector<int>& list2,
+                           GroupArray& data) override;
+    bool loadDataForSelfDefinedGroup(const std::vector<int>& start, const std::vector<int>& end,
+                                     SelfDefinedGroupArray& data) override;
+    bool storeDataForSelfDefinedGroup(const std::vector<int>& start, const std::vector<int>& end,
+                                      SelfDefinedGroupArray& data) override;
+    bool buildComments() override TD_REQUIRES(m_criticalSection);
+    bool buildContents(bool defaults) override TD_REQUIRES(m_criticalSection);
+    bool loadContents() override TD_REQUIRES(m_criticalSection);
+    bool loadContents_OTA() override TD_REQUIRES(m_criticalSection);
+    using AbstractFileOperator::searchSectionId;
+    bool searchSectionId(const std::vector<int>& dims) override TD_REQUIRES(m_criticalSection);
+
+    /// Reads one record from the factory copy into the table; that copy stays open. The caller holds the critical
+    /// section.
+    bool loadDataFromManufactoryFile(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    /// Reads one record from the current copy into the table. The caller holds the critical section.
+    bool loadDataFromCurrentFile(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+
+    const CategoryLayout& layoutOf() const { return m_layout; }
+
+protected:
+    /// The layout outlives the operator.
+    explicit TableOperator(const CategoryLayout& layout);
+
+    /// The category's event with a copy of `record`; the caller owns it.
+    virtual Event* makeEvent(const std::vector<int>& dims, const int* record) = 0;
+    /// The record that an event of this category carries; null for any other event.
+    virtual const int* recordOf(const Event& event) const = 0;
+
+    void postChangesSinceRefresh() override TD_REQUIRES(m_criticalSection);
+    void tableRefreshed() override TD_REQUIRES(m_criticalSection);
+
+    // --- the steps behind the typed members of CategoryOperator ---
+
+    bool acceptsIndices(const int* indices) const { return m_layout.accepts(indices); }
+    int formatId(const int* indices, char* out, int size);
+    int formatContent(const int* record, char* out, int size);
+    bool writeRecord(const int* indices, const int* record, bool withHeader) TD_REQUIRES(m_criticalSection);
+    /// Reads the key lines of one section by position; `record` is untouched on failure.
+    bool readRecord(int* record) TD_REQUIRES(m_criticalSection);
+    /// Reads the key lines of one section by key, up to the next header line, which is left in `line` (LINE_BUFFER
+    /// bytes), or the end of the file.
+    bool readRecordByKey(char* line, int* record, bool& endOfFile) TD_REQUIRES(m_criticalSection);
+    void listFields(const int* record, std::vector<_Argument_t>& args) const;
+    void getFields(const int* record, std::vector<_Argument_t>& args) const;
+    void putFields(const std::vector<_Argument_t>& args, int* record, bool& changed) const;
+    void putField(const char* key, int value, int* record) const;
+    /// Logs one record of the table, if the detail log is on.
+    void dumpRecord(const int* indices) TD_REQUIRES(m_criticalSection);
+
+    /// The record in the table; its indices have been checked.
+    int* recordAt(int record) TD_REQUIRES(m_criticalSection) {
+        return m_table.data() + static_cast<std::size_t>(record) * static_cast<std::size_t>(m_layout.fieldCount());
+    }
+    /// Checks number and range of a request's indices, with a log line when they are wrong.
+    bool checkRequest(const std::vector<int>& dims) const;
+    /// Posts a snapshot of the record.
+    void postRecord(const int* indices) TD_REQUIRES(m_criticalSection);
+    /// What logs call the section: its id with brackets.
+    std::string idText(const int* indices) const;
+
+private:
+    bool sameValues(const int* one, const int* other) const;
+    bool copyToOthers(const BulkCopy& copy, const std::vector<int>& dims) TD_EXCLUDES(m_criticalSection);
+    /// Copies the record to the others that the copy visits. Whether sections were written at once.
+    bool copyRecord(const BulkCopy& copy, const int* indices) TD_REQUIRES(m_criticalSection);
+    bool writeAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
+    bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    bool restoreEach(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    /// Positions the open file at the section and reads it into the table.
+    bool readSectionAt(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    bool keysMatch() TD_REQUIRES(m_criticalSection);
+    /// Whether the file holds the whole section that starts at the current position.
+    bool sectionIsInFile() TD_REQUIRES(m_criticalSection);
+    /// Appends a section; values that do not fit their columns are replaced by the defaults, with a log line.
+    void appendSection(std::string& text, int record) TD_REQUIRES(m_criticalSection);
+    void noteChange(int record) TD_REQUIRES(m_criticalSection);
+
+    const CategoryLayout& m_layout;
+    std::vector<int> m_table TD_GUARDED_BY(m_criticalSection);
+    /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
+    std::set<int> m_changedSinceRefresh TD_GUARDED_BY(m_criticalSection);
+    bool m_refreshed TD_GUARDED_BY(m_criticalSection) = false;
+};
+
+} // namespace td
