@@ -57,6 +57,13 @@ public:
         const MutexLock lock(m_mutex);
         m_values[field] = value;
     }
+    /// Whether nobody is in the critical section.
+    bool isFree() {
+        if (!m_criticalSection.tryLock())
+            return false;
+        m_criticalSection.unlock();
+        return true;
+    }
     /// The file name at the end of the path.
     std::string fileName() const { return std::to_string(m_category) + ".ini"; }
 

@@ -65,7 +65,7 @@ namespace td {
     X(51, PICTURE_GAMMA_CALIBRATION_DARK_DETAIL, FileUserPictureGammaCalibrationDarkDetail)
 
 /// A category of settings, 0 to 51.
-enum _DataCategory_t {
+enum _DataCategory_t : int {
 #define DATAMODULE_ENUMERATOR(value, name, operatorClass) name = value,
     DATAMODULE_CATEGORY_LIST(DATAMODULE_ENUMERATOR)
 #undef DATAMODULE_ENUMERATOR
@@ -76,13 +76,13 @@ constexpr int CATEGORY_COUNT = 52;
 
 /// The data type that selects a subset of the categories for typed loads and resets.
 /// Categories 48 to 51 belong to neither type.
-enum _DS_Type_t {
+enum _DS_Type_t : int {
     VIDEO = 1,
     SOUND = 2,
 };
 
 /// Which categories a process registers; any other value means all.
-enum _DS_Scope_t {
+enum _DS_Scope_t : int {
     DS_SCOPE_ALL = 0,     ///< all 52 categories
     DS_SCOPE_BIZ = 1,     ///< the 44 of the picture and sound control process
     DS_SCOPE_DVBMAIN = 2, ///< the 5 geometry categories 11 to 15

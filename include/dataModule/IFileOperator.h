@@ -16,7 +16,7 @@ namespace td {
 class Event;
 
 /// The copy of a settings file that is or was last read.
-enum _LOAD_FILE_MODE {
+enum _LOAD_FILE_MODE : int {
     NORMAL_LOAD = 0,      ///< the current copy
     BACKUP_LOAD = 1,      ///< the backup copy
     MANUFACTORY_LOAD = 2, ///< the factory copy

@@ -466,7 +466,10 @@ bool FileDataSeparateManager::refreshDataFromManufactory(const _DataCategory_t& 
 }
 
 bool FileDataSeparateManager::refreshDataFromCurrent(const _DataCategory_t& category) {
-    return route(*this, category, [](IFileOperator& op) { return op.refreshDataFromCurrent(); });
+    return route(*this, category, [this](IFileOperator& op) {
+        settleStores();
+        return op.refreshDataFromCurrent();
+    });
 }
 
 bool FileDataSeparateManager::applySettingForAllSources(const _DataCategory_t& category, const std::vector<int>& dims) {
