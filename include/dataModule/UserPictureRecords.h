@@ -36,7 +36,7 @@ struct _UsrPicMode_t {
 /// PICTURE_SOURCE_ONLY: the picture geometry of one source and signal type.
 struct _Usr_Pic_Source_Only_ {
     int aspectRatio;    ///< number of the aspect mode
-    int overScanEnable; ///< 1: the edges are cut off
+    int overScanEnable; ///< 1: overscan is on
 };
 
 /// PICTURE_MODE_SELF: the picture mode of one source and dynamic range.
@@ -206,9 +206,9 @@ struct _UserLightSensorPlc_t {
     int plc7;
 };
 
-/// PICTURE_XVYCC: the nine points of one matrix, 0 to 0xfffff where they are written.
+/// PICTURE_XVYCC: the nine points of one matrix, of which 0 to 0xfffff can be written.
 struct _Usr_Pic_XVYCC {
-    int xvycc0; ///< row by row
+    int xvycc0;
     int xvycc1;
     int xvycc2;
     int xvycc3;

@@ -116,4 +116,16 @@ private:
     std::unique_ptr<char[]> m_buffer; ///< the stream's
 };
 
+/// Defers an object's syncs for the length of a block, if asked to.
+class DeferredSync {
+public:
+    DeferredSync(FileUtil& file, bool deferred) : m_file(file) { m_file.deferSync(deferred); }
+    ~DeferredSync() { m_file.deferSync(false); }
+    DeferredSync(const DeferredSync&) = delete;
+    DeferredSync& operator=(const DeferredSync&) = delete;
+
+private:
+    FileUtil& m_file;
+};
+
 } // namespace td

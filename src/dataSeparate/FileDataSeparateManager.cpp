@@ -356,6 +356,11 @@ bool FileDataSeparateManager::setTvType(const char* type) {
     if (type == nullptr)
         return false;
     std::snprintf(m_tvType, sizeof m_tvType, "%s", type);
+    // The text becomes part of a line of every new file.
+    for (char& c : m_tvType) {
+        if (static_cast<unsigned char>(c) < ' ')
+            c = '\0';
+    }
     return true;
 }
 
@@ -795,7 +800,7 @@ bool FileDataSeparateManager::backupData() {
 
 // The worker holds its queue mutex here, so an operator is never waited for: a busy one keeps its request.
 bool FileDataSeparateManager::backupIfRequested(IFileOperator& op) {
-    if (!op.getBackupReq() || !op.tryEnterCriticalSection())
+    if (m_stopped || !op.getBackupReq() || !op.tryEnterCriticalSection())
         return false;
     const EnteredSection section(op);
     DM_INFO("[%s]:Handle one backup request for file [%s] ... \n", categoryName(op.getDataCategory()), baseName(op));

@@ -246,7 +246,9 @@ void AbstractFileOperator::adoptSummary(const Summary& summary, SummaryState sta
     m_summaryLength = summary.length;
     m_crcPosition = summary.crcPosition;
     m_crcLineLength = summary.crcLineLength;
-    m_open.lengthsRead = state == SummaryState::Complete && std::strcmp(summary.version, m_version) == 0;
+    // With a checksum line of another length the file can be read, but not brought up to date after a section write.
+    m_open.lengthsRead = state == SummaryState::Complete && std::strcmp(summary.version, m_version) == 0 &&
+                         summary.crcLineLength == text::CRC_LINE_LENGTH;
     if (summary.hasTvType)
         copyBounded(summary.tvType, m_fileType, sizeof m_fileType);
 }
@@ -254,6 +256,7 @@ void AbstractFileOperator::adoptSummary(const Summary& summary, SummaryState sta
 bool AbstractFileOperator::openCurrent() {
     if (m_otaLoading)
         return false;
+    m_sectionSkipped = false;
     const std::string path = getWorkPath(NORMAL_LOAD) + m_fileName;
     m_loadMode = NORMAL_LOAD;
     setPath(path);
@@ -290,7 +293,8 @@ bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
     }
     if (mode != MANUFACTORY_LOAD) {
         m_fileSize = FileUtil::getFileSize(path.c_str());
-        if (m_fileSize > text::MAX_FILE_SIZE) {
+        // A size beyond an int reads as -1.
+        if (m_fileSize > text::MAX_FILE_SIZE || m_fileSize < 0) {
             DM_WARNING("the file [%s] size is [%d] and exception, so will RECOVER it from manufactory.\n", path.c_str(),
                        m_fileSize);
             return false;
@@ -494,6 +498,9 @@ bool AbstractFileOperator::loadFile() {
         DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
         return false;
     }
+    // A merge that could not be written is in the table alone; if it still cannot be, it is made again.
+    if (m_mergeUnwritten)
+        createFile();
     if (!loadFirstGoodCopy()) {
         m_otaLoading = false;
         return false;
@@ -583,7 +590,8 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
 }
 
 bool AbstractFileOperator::loadCurrentFile() {
-    DM_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n", m_path.load());
+    DM_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n",
+            (getWorkPath(NORMAL_LOAD) + m_fileName).c_str());
     m_versionCheck = false;
     if (!switchToNormal()) {
         DM_WARNING("switch to normal failed when load OTA data.\n");
@@ -603,7 +611,7 @@ bool AbstractFileOperator::loadCurrentFile() {
 /// The current copy could not be merged, perhaps not to its end: the table starts from the factory values again.
 bool AbstractFileOperator::mergeBackup() {
     const std::string backup = getWorkPath(BACKUP_LOAD) + m_fileName;
-    if (!readFactoryTable() || !FileUtil::checkFile(backup.c_str()) || !loadSummary(backup.c_str()))
+    if (!FileUtil::checkFile(backup.c_str()) || !readFactoryTable() || !loadSummary(backup.c_str()))
         return false;
     if (m_crcLineLength == 0 || !loadContents_OTA())
         return false;
@@ -631,7 +639,15 @@ void AbstractFileOperator::startMergeThread() {
 void* AbstractFileOperator::mergeProc(void* self) {
     auto* op = static_cast<AbstractFileOperator*>(self);
     MutexLock lock(op->m_criticalSection);
-    return createFileProc(op);
+    try {
+        return createFileProc(op);
+    } catch (...) {
+        DM_ERROR("create file (%s) failed when load OTA data.\n", op->m_path.load());
+        op->m_mergeUnwritten = true;
+        op->m_versionCheck = true;
+        op->m_otaLoading = false;
+        return nullptr;
+    }
 }
 
 void* AbstractFileOperator::createFileProc(void* self) TD_NO_THREAD_SAFETY_ANALYSIS {
@@ -651,6 +667,8 @@ bool AbstractFileOperator::createFile() {
     DM_INFO("start to create NEW current file (%s) when load OTA data.\n", m_path.load());
     m_mergeUnwritten = !writeNewFile(false);
     if (m_mergeUnwritten) {
+        // The current copy is still of the other version: read again, it has to be merged again.
+        m_versionCheck = true;
         DM_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
         return false;
     }
@@ -736,6 +754,8 @@ bool AbstractFileOperator::refreshDataFromCurrent() {
 }
 
 bool AbstractFileOperator::releaseFile() {
+    // Nobody writes a file that was released.
+    waitForMerge();
     MutexLock lock(m_criticalSection);
     closeFile();
     m_loaded = false;
@@ -747,6 +767,7 @@ bool AbstractFileOperator::reloadFile() {
 }
 
 bool AbstractFileOperator::resetForLoadFile() {
+    waitForMerge();
     MutexLock lock(m_criticalSection);
     m_loaded = false;
     closeFile();
@@ -784,12 +805,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         return false;
     }
     TimeUtil::instance()->start();
-    m_creating = true;
-    m_file.deferSync(true);
     bool written = writeWholeText(defaults);
-    m_file.deferSync(false);
-    written = written && m_file.syncFile();
-    m_creating = false;
     closeFile();
     written = written && FileUtil::commitTemporary(temporary.c_str(), path.c_str());
     DM_INFO("init file [%s] completely, elpased time = %d (ms).\n", path.c_str(), elapsedMilliseconds());
@@ -797,12 +813,31 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         FileUtil::removeSingleFile(temporary.c_str());
         return false;
     }
-    if (!backupFile(defaults))
+    // The table is on disk as it is now (invariant 4).
+    m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+    m_backupOutdated = true;
+    backupFile(defaults);
+    if (m_backupOutdated)
         setBackupReq(true);
     return true;
 }
 
+/// Back to the usual way of writing, whatever ends the making of a file.
+struct AbstractFileOperator::CreatingScope {
+    explicit CreatingScope(AbstractFileOperator& making) TD_NO_THREAD_SAFETY_ANALYSIS : op(making),
+                                                                                        deferred(making.m_file, true) {
+        op.m_creating = true;
+    }
+    ~CreatingScope() TD_NO_THREAD_SAFETY_ANALYSIS { op.m_creating = false; }
+    CreatingScope(const CreatingScope&) = delete;
+    CreatingScope& operator=(const CreatingScope&) = delete;
+
+    AbstractFileOperator& op;
+    DeferredSync deferred;
+};
+
 bool AbstractFileOperator::writeWholeText(bool defaults) {
+    const CreatingScope creating(*this);
     if (!m_file.resetStartPos()) {
         DM_WARNING("reset file position of [%s] failed.\n", m_path.load());
         return false;
@@ -820,7 +855,7 @@ bool AbstractFileOperator::writeWholeText(bool defaults) {
         DM_WARNING("write file contents to file [%s] failed.\n", m_path.load());
         return false;
     }
-    return updateSummary();
+    return updateSummary() && m_file.syncFile();
 }
 
 bool AbstractFileOperator::recoverFile() {
@@ -840,6 +875,7 @@ bool AbstractFileOperator::recoverFile() {
     }
     const std::string target = directory + m_fileName;
     if (FileUtil::replaceFile(m_path, target.c_str())) {
+        m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
         DM_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
         return true;
     }
@@ -859,6 +895,9 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
     }
     const std::string backup = directory + m_fileName;
     const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    // The checksum is read from the open file, which may be the current copy, opened again since it was written.
+    if (m_backupOutdated)
+        closeFile();
     unsigned int stored = 0;
     if (readStoredChecksum(backup.c_str(), stored) && stored == m_crc) {
         DM_INFO("Backup file crc code [%s] is the same as current file and NEEDN'T generate backup file.\n",
@@ -870,11 +909,12 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
         DM_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
         return true;
     }
+    m_backupOutdated = false;
     if (enableDebugLog() != 0)
         DM_INFO("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
     if (!alsoFactory)
         return true;
-    const std::string factory = factoryPath();
+    const std::string factory = getWorkPath(MANUFACTORY_LOAD) + m_fileName;
     if (FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
         FileUtil::replaceFile(current.c_str(), factory.c_str()))
         DM_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
@@ -892,6 +932,7 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
     // Invariant 1.
     if (fileVerifies(factory.c_str(), m_version) && FileUtil::replaceFile(factory.c_str(), current.c_str())) {
         m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+        m_backupOutdated = true;
         setBackupReq(true);
         postChangesSinceRefresh();
     }
@@ -980,8 +1021,10 @@ bool AbstractFileOperator::updateSummary() {
     const bool written = m_file.setPos(linesPosition) && buildSummary(false);
     if (!written)
         DM_WARNING("Update summay info for file [%s] failed because writting.\n", m_path.load());
-    if (!m_creating)
+    if (!m_creating) {
+        m_backupOutdated = true;
         closeFile();
+    }
     return written;
 }
 
@@ -1010,6 +1053,7 @@ bool AbstractFileOperator::rewriteChecksumLine() {
     if (!m_file.writeFile(text::crcLine(crc).c_str(), true))
         return false;
     m_crc = crc;
+    m_backupOutdated = true;
     return true;
 }
 

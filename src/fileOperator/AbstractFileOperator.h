@@ -119,8 +119,12 @@ protected:
     /// Makes sure that the open file is the current copy, open for writing and with lengths read from it. Fails when
     /// that copy is of another version or cannot be written to now, and while a merged file waits to be written.
     bool openCurrent() TD_REQUIRES(m_criticalSection);
+    void closeFile() TD_REQUIRES(m_criticalSection);
     /// The name of the factory copy; differs from the file name where the factory has variants.
     virtual std::string factoryFileName();
+    /// Replaces the current copy by a new file made of the defaults or of the table, and makes the backup. For initFile
+    /// and for the end of a merge.
+    virtual bool writeNewFile(bool defaults) TD_REQUIRES(m_criticalSection);
     /// Posts again what was stored since the table was refreshed from the factory copy.
     virtual void postChangesSinceRefresh() TD_REQUIRES(m_criticalSection) {}
     /// The table was refreshed from the factory copy.
@@ -163,10 +167,10 @@ private:
         bool lengthsRead = false; ///< the lengths were read from this file
     };
     enum class Found { Yes, EndOfFile, Failed };
+    struct CreatingScope;
 
     void setPath(const std::string& path) TD_REQUIRES(m_criticalSection);
     bool openFile(const std::string& path, const char* mode) TD_REQUIRES(m_criticalSection);
-    void closeFile() TD_REQUIRES(m_criticalSection);
     /// Whether the open file is still the one at `path`.
     bool isOpenFileAt(const std::string& path) const TD_REQUIRES(m_criticalSection);
     void adoptSummary(const Summary& summary, SummaryState state) TD_REQUIRES(m_criticalSection);
@@ -192,7 +196,6 @@ private:
     bool contentChecksum(unsigned int& crc) TD_REQUIRES(m_criticalSection);
     Found scanFor(const char* id) TD_REQUIRES(m_criticalSection);
 
-    bool writeNewFile(bool defaults) TD_REQUIRES(m_criticalSection);
     bool writeWholeText(bool defaults) TD_REQUIRES(m_criticalSection);
     bool rewriteChecksumLine() TD_REQUIRES(m_criticalSection);
     bool readStoredChecksum(const char* path, unsigned int& crc) TD_REQUIRES(m_criticalSection);
@@ -201,7 +204,7 @@ private:
 
     /// The copy being read or written. Points into m_paths, so that it may be read at any time.
     std::atomic<const char*> m_path{""};
-    std::set<std::string> m_paths TD_GUARDED_BY(m_criticalSection); ///< every path ever set; small
+    std::set<std::string> m_paths TD_GUARDED_BY(m_criticalSection); ///< every path ever set
     std::atomic<bool> m_loaded{false};
     char m_fileType[text::TV_TYPE_WIDTH + 1] TD_GUARDED_BY(m_criticalSection) = {}; ///< SN of the last summary
     int m_summaryLength TD_GUARDED_BY(m_criticalSection) = 0;
@@ -211,7 +214,7 @@ private:
     unsigned int m_crc TD_GUARDED_BY(m_criticalSection) = 0; ///< as last loaded or updated
     _LOAD_FILE_MODE m_loadMode TD_GUARDED_BY(m_criticalSection) = NORMAL_LOAD;
     std::atomic<bool> m_otaLoading{false};  ///< a file of another version is being merged
-    std::atomic<bool> m_versionCheck{true}; ///< cleared for good once a merge has started
+    std::atomic<bool> m_versionCheck{true}; ///< cleared once a merge has started, for good if it could be written
     mutable Mutex m_backupRequestMutex;
     bool m_backupRequest TD_GUARDED_BY(m_backupRequestMutex) = false;
     IDataSeparateManagerInner* m_parent = nullptr; ///< set before use
@@ -220,6 +223,7 @@ private:
     bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made
     bool m_sectionSkipped TD_GUARDED_BY(m_criticalSection) = false;
     bool m_mergeUnwritten TD_GUARDED_BY(m_criticalSection) = false;
+    bool m_backupOutdated TD_GUARDED_BY(m_criticalSection) = false; ///< the current copy has changed since
     OsalThreads::Handle m_mergeThread TD_GUARDED_BY(m_criticalSection) = OsalThreads::INVALID_HANDLE;
 };
 

@@ -13,9 +13,17 @@ DATAMODULE_API Dimension pictureMode(const char* heading);
 /// The user's 8 dynamic ranges with resolution.
 DATAMODULE_API Dimension userDynamicRange(const char* heading);
 
+/// 4 dynamic ranges without resolution.
+DATAMODULE_API Dimension dynamicRange(const char* heading);
+
 /// 7 tuned colours.
 DATAMODULE_API Dimension tunedColour(const char* heading);
 /// Calibration points, at most 20, named LEVEL0 and on; written as one character each.
 DATAMODULE_API Dimension level(int count, const char* heading);
+/// At most 16 levels, written as one hexadecimal digit each; `listed` are named LEVEL0 and on, which need not be as
+/// many as are accepted.
+DATAMODULE_API Dimension hexadecimalLevel(int count, int listed, const char* heading);
+/// 8 levels of the light sensor.
+DATAMODULE_API Dimension lightSensorLevel(const char* heading);
 
 } // namespace td::axis

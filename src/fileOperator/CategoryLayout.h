@@ -108,6 +108,15 @@ struct BulkRestore {
     unsigned axes = 0;
 };
 
+/// Lines of a store besides those that every category logs. The first three are formats that take the indices of up to
+/// two dimensions.
+struct StoreMessages {
+    const char* asked = nullptr;     ///< before the indices are checked
+    const char* refused = nullptr;   ///< an index is out of range
+    const char* updated = nullptr;   ///< the table holds the values
+    const char* completed = nullptr; ///< at the end; takes the elapsed milliseconds
+};
+
 /// Names the key reader of version merges goes by.
 enum class MergeNames {
     Keys,      ///< the keys of the file; unknown ones are ignored
@@ -125,8 +134,12 @@ struct DATAMODULE_API CategoryLayout {
     std::vector<Field> fields; ///< in the order of the key lines
     KeyLineForm keyLine = KeyLineForm::Decimal4;
     MergeNames mergeNames = MergeNames::Keys;
-    const char* dumpPrefix = "";     ///< opens a value dump
-    const char* dumpEnd = ". \n";    ///< closes it
+    const char* dumpPrefix = "";  ///< opens a value dump
+    const char* dumpEnd = ". \n"; ///< closes it
+    StoreMessages storeMessages = {};
+    const char* searchSeparator = ""; ///< between the indices where lines about a search name the section
+    /// Format; takes the path.
+    const char* restoreFromCurrentFailed = "Load data from file [%s] failed when restore setting from current.\n";
     const char* applyFlag = nullptr; ///< the flag of PICTURE_GLOBAL that makes a store apply to all sources
     BulkCopy applyToAllSources = {};
     BulkCopy applyToAllModes = {};

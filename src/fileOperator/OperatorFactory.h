@@ -1,4 +1,4 @@
-/// The categories that this library serves: their layouts, and the making of their operators. Any thread.
+/// The categories: their layouts, and the making of their operators. Any thread.
 #pragma once
 
 #include <vector>
@@ -8,11 +8,11 @@
 
 namespace td {
 
-/// A new operator for the category, owned by the caller, or null when none serves it.
+/// A new operator for the category, owned by the caller; null for a value that is no category.
 DATAMODULE_API AbstractFileOperator* createOperator(_DataCategory_t category);
-/// The layout of a category, or null when no operator serves it.
+/// The layout of a category; null for a value that is no category.
 DATAMODULE_API const CategoryLayout* layoutOf(_DataCategory_t category);
-/// The layouts of all categories served, in ascending category order.
+/// The layouts of all categories, in ascending category order.
 DATAMODULE_API std::vector<const CategoryLayout*> allLayouts();
 
 } // namespace td

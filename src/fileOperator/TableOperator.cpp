@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include <dataModule/common/Event.h>
 #include <dataModule/common/EventIdGenerator.h>
@@ -41,6 +42,21 @@ TableOperator::TableOperator(const CategoryLayout& layout)
 
 std::string TableOperator::idText(const int* indices) const {
     return text::sectionId(m_layout, indices);
+}
+
+std::string TableOperator::searchText(const int* indices) const {
+    std::string name = idText(indices);
+    for (int d = m_layout.dimensionCount() - 1; d > 0; --d)
+        name.insert(static_cast<std::size_t>(d) + 1, m_layout.searchSeparator);
+    return name;
+}
+
+void TableOperator::logIndices(DebugOutput::Level level, const char* format, const std::vector<int>& dims) const {
+    if (format == nullptr || static_cast<int>(dims.size()) != m_layout.dimensionCount())
+        return;
+    int indices[MAX_DIMENSIONS] = {};
+    std::copy(dims.begin(), dims.end(), indices);
+    TD_LOG(level, format, indices[0], indices[1]);
 }
 
 // --- requests ---
@@ -84,19 +100,28 @@ bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_A
         return true;
     }
     TimeUtil::instance()->start();
-    if (!checkRequest(dims))
+    const StoreMessages& messages = m_layout.storeMessages;
+    logIndices(DebugOutput::Level::Info, messages.asked, dims);
+    if (!checkRequest(dims)) {
+        logIndices(DebugOutput::Level::Warning, messages.refused, dims);
         return false;
+    }
     {
         MutexLock lock(m_criticalSection);
+        if (!completeRecord(dims))
+            return false;
         bool changed = false;
         putFields(args, recordAt(m_layout.recordIndex(dims.data())), changed);
         if (changed)
             postRecord(dims.data());
         else
             DM_INFO("No field value is changed,so NEEDN'T store.\n");
+        logIndices(DebugOutput::Level::Info, messages.updated, dims);
         dumpRecord(dims.data());
     }
     TimeUtil::instance()->end();
+    if (messages.completed != nullptr)
+        DM_INFO(messages.completed, TimeUtil::instance()->getElapsed());
     if (m_layout.applyFlag != nullptr && getApplySettingFlag(PICTURE_GLOBAL, m_layout.applyFlag))
         applySettingForAllSources(dims);
     return true;
@@ -185,6 +210,7 @@ bool TableOperator::restoreSetting(const std::vector<int>& dims) {
 bool TableOperator::restoreOne(const std::vector<int>& dims) {
     const bool restored = loadDataFromManufactoryFile(dims);
     switchToNormal();
+    closeIfReleased();
     if (restored)
         postRecord(dims.data());
     return restored;
@@ -197,7 +223,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
         return false;
     MutexLock lock(m_criticalSection);
     if (!loadDataFromCurrentFile(dims)) {
-        DM_WARNING("Load data from file [%s] failed when restore setting from current.\n", getFileFullPath());
+        DM_WARNING(m_layout.restoreFromCurrentFailed, getFileFullPath());
         return false;
     }
     // What is still queued for this section was just discarded (invariant 4).
@@ -322,10 +348,10 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
         MutexLock lock(m_criticalSection);
         dumpRecord(dims.data());
         const bool written = copyRecord(copy, dims.data());
-        if (written) {
+        if (written)
             updateCrcCode();
+        if (copy.writesAtOnce)
             setBackupReq(true);
-        }
     }
     DM_INFO(copy.endMessage, elapsedMilliseconds());
     return true;
@@ -334,7 +360,7 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
 bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
     const int* given = recordAt(m_layout.recordIndex(indices));
     bool written = false;
-    m_file.deferSync(copy.writesAtOnce);
+    const DeferredSync deferred(m_file, copy.writesAtOnce);
     for (AxisSweep sweep(m_layout, indices, copy.axes); !sweep.done(); sweep.next()) {
         int* other = recordAt(m_layout.recordIndex(sweep.indices()));
         if (other == given || (copy.equal != nullptr ? copy.equal(other, given) : sameValues(other, given)))
@@ -345,10 +371,9 @@ bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
         else
             postRecord(sweep.indices());
     }
-    m_file.deferSync(false);
     // The sections reach the disk before the checksum that covers them.
-    if (written)
-        m_file.syncFile();
+    if (written && m_file.isOpend() && !m_file.syncFile())
+        DM_WARNING("write section %s for file [%s] failed!\n", idText(indices).c_str(), getFileFullPath());
     return written;
 }
 
@@ -356,6 +381,7 @@ bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
 bool TableOperator::writeAtOnce(const int* indices) {
     const int record = m_layout.recordIndex(indices);
     const std::unique_ptr<Event> event(makeEvent(toVector(m_layout, indices), recordAt(record)));
+    m_writingAtOnce = true;
     const bool written = syncSectionToFile(event.get());
     m_snapshotFloor.raise(record, EventIdGenerator::instance()->peekNextEventId());
     noteChange(record);
@@ -408,18 +434,21 @@ bool TableOperator::storeDataForSelfDefinedGroup(const std::vector<int>&, const 
 // --- writing ---
 
 bool TableOperator::syncSectionToFile(Event* event) {
+    const bool atOnce = std::exchange(m_writingAtOnce, false);
     const int* record = event != nullptr ? recordOf(*event) : nullptr;
     if (record == nullptr || !checkRequest(event->dimensions()))
         return false;
     const std::vector<int>& dims = event->dimensions();
-    // The value is in the table that is about to be written as a whole.
-    if (mergePending() || m_snapshotFloor.isStale(m_layout.recordIndex(dims.data()), event->id())) {
+    // The value is in the table that is about to be written as a whole, or was taken back or replaced since.
+    if (mergePending() || (!atOnce && m_snapshotFloor.isStale(m_layout.recordIndex(dims.data()), event->id()))) {
         noteSectionSkipped();
         return true;
     }
     if (mergeUnwritten()) {
+        if (!createFile())
+            return false;
         noteSectionSkipped();
-        return createFile();
+        return true;
     }
     if (!openCurrent()) {
         DM_WARNING("open file [%s] failed for storing data.\n", getFileFullPath());
@@ -427,6 +456,7 @@ bool TableOperator::syncSectionToFile(Event* event) {
     }
     if (!searchSectionId(dims) || !sectionIsInFile()) {
         DM_WARNING("search dimension failed , maybe the file content is not completed !!!\n");
+        closeIfReleased();
         return false;
     }
     if (!writeRecord(dims.data(), record, false)) {
@@ -434,6 +464,12 @@ bool TableOperator::syncSectionToFile(Event* event) {
         return false;
     }
     return true;
+}
+
+/// A released category leaves no file open.
+void TableOperator::closeIfReleased() {
+    if (!isLoaded())
+        closeFile();
 }
 
 bool TableOperator::sectionIsInFile() {
@@ -520,7 +556,7 @@ bool TableOperator::searchSectionId(const std::vector<int>& dims) {
         return false;
     if (!isLoaded()) {
         DM_WARNING("search file [%s] failed when searchSection%s because of loading file not finished.\n",
-                   getFileFullPath(), idText(dims.data()).c_str());
+                   getFileFullPath(), searchText(dims.data()).c_str());
         return false;
     }
     const int position =
@@ -528,7 +564,7 @@ bool TableOperator::searchSectionId(const std::vector<int>& dims) {
     if (m_file.setPos(position))
         return true;
     DM_WARNING("set file [%s] to position [%d] bytes failed when searchSection%s.\n", getFileFullPath(), position,
-               idText(dims.data()).c_str());
+               searchText(dims.data()).c_str());
     return false;
 }
 

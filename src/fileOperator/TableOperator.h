@@ -12,6 +12,7 @@
 
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/fileOperator/CategoryLayout.h>
+#include <dataModule/platform/DebugOutput.h>
 
 namespace td {
 
@@ -45,7 +46,7 @@ public:
 
     /// Reads one record from the factory copy into the table; that copy stays open. The caller holds the critical
     /// section.
-    bool loadDataFromManufactoryFile(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    virtual bool loadDataFromManufactoryFile(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     /// Reads one record from the current copy into the table. The caller holds the critical section.
     bool loadDataFromCurrentFile(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
 
@@ -59,6 +60,9 @@ protected:
     virtual Event* makeEvent(const std::vector<int>& dims, const int* record) = 0;
     /// The record that an event of this category carries; null for any other event.
     virtual const int* recordOf(const Event& event) const = 0;
+    /// Called before fields of a record are changed: makes sure that the table holds the whole record. On false the
+    /// store is refused. A table that is always read whole has nothing to do.
+    virtual bool completeRecord(const std::vector<int>&) TD_REQUIRES(m_criticalSection) { return true; }
 
     void postChangesSinceRefresh() override TD_REQUIRES(m_criticalSection);
     void tableRefreshed() override TD_REQUIRES(m_criticalSection);
@@ -93,6 +97,10 @@ protected:
     std::string idText(const int* indices) const;
 
 private:
+    /// The section as lines about a search name it.
+    std::string searchText(const int* indices) const;
+    /// Logs a line about the indices of a request, if there is such a line and they are as many as there should be.
+    void logIndices(DebugOutput::Level level, const char* format, const std::vector<int>& dims) const;
     bool sameValues(const int* one, const int* other) const;
     bool copyToOthers(const BulkCopy& copy, const std::vector<int>& dims) TD_EXCLUDES(m_criticalSection);
     /// Copies the record to the others that the copy visits. Whether sections were written at once.
@@ -101,6 +109,7 @@ private:
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreEach(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    void closeIfReleased() TD_REQUIRES(m_criticalSection);
     /// Positions the open file at the section and reads it into the table.
     bool readSectionAt(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool keysMatch() TD_REQUIRES(m_criticalSection);
@@ -114,6 +123,7 @@ private:
     std::vector<int> m_table TD_GUARDED_BY(m_criticalSection);
     /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
     std::set<int> m_changedSinceRefresh TD_GUARDED_BY(m_criticalSection);
+    bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false; ///< the snapshot to be written is the newest
     bool m_refreshed TD_GUARDED_BY(m_criticalSection) = false;
 };
 

@@ -1,0 +1,873 @@
+// Which copy of a file is read, replaced, backed up and written, on real files. The numbers of the invariants are those
+// of AbstractFileOperator.h.
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/fileOperator/FileUserPictureGlobal.h>
+#include <dataModule/fileOperator/FileUserPictureMode.h>
+#include <dataModule/fileOperator/TextLayout.h>
+
+#include "FakeParent.h"
+#include "Gate.h"
+#include "LogCapture.h"
+#include "SettingsRoot.h"
+
+namespace td::test {
+namespace {
+
+constexpr const char* FILE_NAME = "pic_global_usr.ini";
+constexpr const char* MODE_FILE = "pic_mode_usr.ini";
+constexpr const char* FIELD = "RGBOnly";
+constexpr Copy ALL_COPIES[] = {Copy::Current, Copy::Backup, Copy::Factory};
+
+/// Steps that need the critical section, and a place to stop in while the file is written.
+template <class Category>
+class Tested final : public Category {
+public:
+    bool backup(bool alsoFactory = false) {
+        const MutexLock lock(this->m_criticalSection);
+        return this->backupFile(alsoFactory);
+    }
+    bool recover() {
+        const MutexLock lock(this->m_criticalSection);
+        return this->recoverFile();
+    }
+    bool rewriteSummary() {
+        const MutexLock lock(this->m_criticalSection);
+        return this->updateSummary();
+    }
+    unsigned int crcCode(const std::string& path) {
+        const MutexLock lock(this->m_criticalSection);
+        return this->getCrcCode(path.c_str());
+    }
+    bool find(const char* id) {
+        const MutexLock lock(this->m_criticalSection);
+        return this->searchSectionId(id);
+    }
+    bool buildContents(bool defaults) override TD_REQUIRES(AbstractFileOperator::m_criticalSection) {
+        writing.open();
+        mayWrite.pass();
+        return Category::buildContents(defaults);
+    }
+
+    Gate writing;
+    Gate mayWrite; ///< open unless a test makes its own
+};
+
+class LifecycleTest : public testing::Test {
+protected:
+    using Global = Tested<FileUserPictureGlobal>;
+    using Mode = Tested<FileUserPictureMode>;
+
+    template <class Operator = Global>
+    std::unique_ptr<Operator> makeOperator(bool mayWrite = true) {
+        auto op = std::make_unique<Operator>();
+        if (mayWrite)
+            op->mayWrite.open();
+        op->setParent(&m_parent);
+        return op;
+    }
+    /// Three good copies, told apart by the value of one field: 1 in the current, 2 in the backup, 3 in the factory
+    /// copy.
+    void makeCopies() {
+        ASSERT_TRUE(makeOperator()->initFile(true));
+        m_text = m_root.read(Copy::Current, FILE_NAME);
+        for (const Copy copy : ALL_COPIES)
+            m_root.write(copy, FILE_NAME, goodText(copy));
+    }
+    int fieldOf(Copy copy) const { return static_cast<int>(copy) + 1; }
+    std::string goodText(Copy copy) const {
+        return withChecksum(withValue(m_text, "[Global]\n", FIELD, fieldOf(copy)));
+    }
+    std::string current(const char* file = FILE_NAME) const { return m_root.read(Copy::Current, file); }
+    std::string backup(const char* file = FILE_NAME) const { return m_root.read(Copy::Backup, file); }
+
+    SettingsRoot m_root;
+    FakeParent m_parent;
+    LogCapture m_log;
+    std::string m_text; ///< of a file with default values
+};
+
+// --- which copy is loaded ---
+
+struct Damage {
+    const char* name;
+    /// The damaged text; none: there is no file.
+    std::function<std::optional<std::string>(const std::string& good)> apply;
+    const char* message;
+    bool checksumIsRight = false;
+};
+
+/// Comes last: it is no damage to a factory copy.
+constexpr const char* OVERSIZE = "Oversize";
+
+const std::vector<Damage>& damages() {
+    static const std::vector<Damage> all{
+        {"Missing", [](const std::string&) { return std::nullopt; }, "load file failed -- file ["},
+        {"Empty", [](const std::string&) { return ""; }, "Summary section subject () is invalid.\n"},
+        {"OnlyComments", [](const std::string& good) { return good.substr(0, 76); },
+         "Summary section subject () is invalid.\n"},
+        {"NoHeader", [](const std::string& good) { return replaced(good, "[Summary]\n", ""); },
+         "Summary section subject (SN "},
+        {"NoTvType", [](const std::string& good) { return replaced(good, "\nSN ", "\nTV "); },
+         "Summary section SN Field (TV "},
+        {"NoVersion", [](const std::string& good) { return replaced(good, "\nVersion ", "\nVer     "); },
+         "Summary section VER Field (Ver "},
+        {"NoCrc", [](const std::string& good) { return replaced(good, "\nCRC ", "\nABC "); },
+         "Summary section CRC Field (ABC "},
+        {"CutInCrcLine", [](const std::string& good) { return good.substr(0, contentAt(good) - 2); },
+         "Summary section CRC Field (CRC "},
+        {"WrongCrc", [](const std::string& good) { return replaced(good, "0000\n", "0009\n", contentAt(good)); },
+         "] is not matched actually ["},
+        {"NoSectionHeader",
+         [](const std::string& good) { return withChecksum(replaced(good, "[Global]\n", "(Global)\n")); },
+         "read section [(Global)\n] from file [", true},
+        {"SectionCutShort",
+         [](const std::string& good) { return withChecksum(good.substr(0, good.size() - text::LINE_BUFFER)); },
+         " failed, Maybe the file format is wrong !!!\n", true},
+        {OVERSIZE,
+         [](const std::string& good) {
+             std::string text = good;
+             while (text.size() <= text::MAX_FILE_SIZE)
+                 text += good.substr(contentAt(good));
+             return withChecksum(text);
+         },
+         " and exception, so will RECOVER it from manufactory.\n", true},
+    };
+    return all;
+}
+
+class DamageTest : public LifecycleTest, public testing::WithParamInterface<std::size_t> {
+protected:
+    void damage(Copy copy) {
+        const std::optional<std::string> text = damages()[GetParam()].apply(goodText(copy));
+        if (text)
+            m_root.write(copy, FILE_NAME, *text);
+        else
+            m_root.remove(copy, FILE_NAME);
+    }
+};
+
+TEST_P(DamageTest, TheNextGoodCopyIsLoadedAndPutInPlace) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    damage(Copy::Current);
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(m_log.contains(damages()[GetParam()].message));
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Backup));
+    EXPECT_EQ(current(), goodText(Copy::Backup));
+
+    damage(Copy::Current);
+    damage(Copy::Backup);
+    op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
+    EXPECT_EQ(current(), goodText(Copy::Factory));
+    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, FILE_NAME));
+    // From here on it is an ordinary current copy.
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 8));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 8)));
+    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), goodText(Copy::Factory));
+}
+
+class FactoryDamageTest : public DamageTest {};
+
+TEST_P(FactoryDamageTest, ADamagedFactoryCopyIsTheEndAndCopiedNowhere) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    for (const Copy copy : ALL_COPIES)
+        damage(copy);
+    const std::vector<std::string> before = m_root.files();
+    auto op = makeOperator();
+    EXPECT_FALSE(op->loadFile());
+    EXPECT_EQ(m_root.files(), before);
+    if (m_root.exists(Copy::Current, FILE_NAME)) {
+        EXPECT_EQ(current(), *damages()[GetParam()].apply(goodText(Copy::Current)));
+    }
+    std::vector<_Argument_t> args;
+    EXPECT_FALSE(op->loadData({}, args));
+    EXPECT_TRUE(args.empty());
+}
+
+std::string damageName(const testing::TestParamInfo<std::size_t>& tested) {
+    return damages()[tested.param].name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Lifecycle, DamageTest, testing::Range(std::size_t{0}, damages().size()), damageName);
+INSTANTIATE_TEST_SUITE_P(Lifecycle, FactoryDamageTest, testing::Range(std::size_t{0}, damages().size() - 1),
+                         damageName);
+
+TEST_F(LifecycleTest, AGoodCurrentCopyIsLoadedOnce) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    std::vector<_Argument_t> args;
+    EXPECT_FALSE(op->loadData({}, args));
+    EXPECT_TRUE(m_log.contains("not completed or failed.\n"));
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+    EXPECT_NE(op->getFileHandler(), nullptr);
+
+    m_root.write(Copy::Current, FILE_NAME, goodText(Copy::Factory));
+    EXPECT_TRUE(op->loadFile());
+    EXPECT_TRUE(m_log.contains("already load yet, NEEDN'T load again.\n"));
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+
+    for (const auto& forget : {&Global::releaseFile, &Global::resetForLoadFile}) {
+        EXPECT_TRUE((op.get()->*forget)());
+        EXPECT_EQ(op->getFileHandler(), nullptr);
+        args.clear();
+        EXPECT_FALSE(op->loadData({}, args));
+        EXPECT_TRUE(op->loadFile());
+        EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
+    }
+    EXPECT_TRUE(m_log.contains("@@@@@@@@@@ close file ["));
+    EXPECT_FALSE(Global().loadFile()) << "without a parent";
+}
+
+TEST_F(LifecycleTest, ACopyOfTheLargestSizeIsRead) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string good = goodText(Copy::Current);
+    std::size_t missing = text::MAX_FILE_SIZE - good.size();
+    std::string padding;
+    for (; missing > 200; missing -= 100)
+        padding += "#" + std::string(98, '.') + "\n";
+    padding += "#" + std::string(missing - 102, '.') + "\n#" + std::string(98, '.') + "\n";
+    m_root.write(Copy::Current, FILE_NAME, padding + good);
+    ASSERT_EQ(current().size(), std::size_t{text::MAX_FILE_SIZE});
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+}
+
+TEST_F(LifecycleTest, WhatTheFormatAllowsLoads) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string good = goodText(Copy::Current);
+    const std::size_t crcLine = lineAt(good, "CRC ");
+    std::string upper = good;
+    std::transform(upper.begin() + static_cast<long>(crcLine) + 29, upper.begin() + static_cast<long>(crcLine) + 37,
+                   upper.begin() + static_cast<long>(crcLine) + 29, [](unsigned char c) { return std::toupper(c); });
+    const std::pair<const char*, std::string> texts[] = {
+        {"edited comment", replaced(good, "# pupose:", "# anything a person wrote #")},
+        {"another television", replaced(good, "TVTYPE01", "OTHERTV ")},
+        {"upper case digits", upper},
+        {"no comments", good.substr(good.find("[Summary]"))},
+        {"another header line", withChecksum(replaced(good, "[Global]\n", "[Anything]\n"))},
+    };
+    for (const auto& [name, text] : texts) {
+        m_root.write(Copy::Current, FILE_NAME, text);
+        auto op = makeOperator();
+        ASSERT_TRUE(op->loadFile()) << name;
+        EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current)) << name;
+        EXPECT_EQ(current(), text) << name;
+    }
+    EXPECT_TRUE(m_log.contains("The Tv type [OTHERTV] of data file ["));
+    EXPECT_TRUE(m_log.contains("] is not matched as defined [TVTYPE01] .\n"));
+}
+
+TEST_F(LifecycleTest, AFileThatEndsEarlyLoadsWithoutValuesAndIsNeverWritten) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string good = goodText(Copy::Current);
+    const std::pair<const char*, std::string> texts[] = {
+        {"after the header", good.substr(0, lineAt(good, "SN "))},
+        {"after SN", good.substr(0, lineAt(good, "Version "))},
+        {"after the version", good.substr(0, lineAt(good, "CRC "))},
+        {"after the summary", withChecksum(good.substr(0, contentAt(good)))},
+    };
+    for (const auto& [name, text] : texts) {
+        m_root.write(Copy::Current, FILE_NAME, text);
+        auto op = makeOperator();
+        ASSERT_TRUE(op->loadFile()) << name;
+        EXPECT_EQ(valueOf(*op, {}, FIELD), 0) << name;
+        EXPECT_TRUE(storeValue(*op, {}, FIELD, 5)) << name;
+        EXPECT_EQ(m_parent.deliver(), 0) << name;
+        EXPECT_EQ(current(), text) << name;
+        EXPECT_EQ(valueOf(*op, {}, FIELD), 5) << name;
+    }
+    EXPECT_TRUE(m_log.contains("search dimension failed , maybe the file content is not completed !!!\n"));
+}
+
+TEST_F(LifecycleTest, SectionsThatCannotBePlacedMakeACopyMalformed) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    const std::string good = current(MODE_FILE);
+    const std::pair<const char*, const char*> cases[] = {
+        {"[0g0]\n", "parse section [[0g0]\n] for file ["},
+        {"[00]\n", "parse section [[00]\n] for file ["},
+        {"[0c0]\n", "The dimension value is invalid when load content.\n"},
+    };
+    for (const auto& [header, message] : cases) {
+        m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(good, "[0a0]\n", header)));
+        m_log.clear();
+        auto op = makeOperator<Mode>();
+        EXPECT_TRUE(op->loadFile());
+        EXPECT_TRUE(m_log.contains(message)) << header;
+        EXPECT_TRUE(current(MODE_FILE) == good) << "the backup took its place";
+    }
+}
+
+// --- another version ---
+
+TEST_F(LifecycleTest, AFactoryCopyOfAnotherVersionIsTheEnd) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    m_root.write(Copy::Factory, FILE_NAME, replaced(goodText(Copy::Factory), "v0.4", "v0.5"));
+    m_root.remove(Copy::Current, FILE_NAME);
+    m_root.remove(Copy::Backup, FILE_NAME);
+    EXPECT_FALSE(makeOperator()->loadFile());
+    EXPECT_TRUE(m_log.contains("The Tv Version [v0.5] of data file ["));
+    EXPECT_TRUE(m_log.contains("because of  version not matched from manufactory data files.\n"));
+    EXPECT_EQ(m_root.files().size(), 1U);
+
+    // An old current copy changes nothing: it stays, and a later load may try again.
+    const std::string old = replaced(goodText(Copy::Current), "v0.4", "v0.3");
+    m_root.write(Copy::Current, FILE_NAME, old);
+    auto op = makeOperator();
+    EXPECT_FALSE(op->loadFile());
+    EXPECT_EQ(current(), old);
+    m_root.write(Copy::Factory, FILE_NAME, goodText(Copy::Factory));
+    EXPECT_TRUE(op->loadFile());
+    op->waitForMerge();
+    EXPECT_EQ(current(), goodText(Copy::Current));
+}
+
+TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    const std::string good = current(MODE_FILE);
+    // Older: keys in another order, one missing, one unknown, a section that no longer exists.
+    std::string old = replaced(good, "v0.4", "v0.3");
+    const std::size_t section = old.find("[3a7]\n") + 6;
+    old = replaced(old, keyLine("Contrast", "0050") + keyLine("Brightness", "0050"),
+                   keyLine("Brightness", "0061") + keyLine("Contrast", "0062"), section);
+    old = replaced(old, keyLine("Hue", "0000"), keyLine("Forgotten", "0063"), section);
+    old = replaced(old, "[3b0]\n", "[3c0]\n" + keyLine("Contrast", "0064") + "[3b0]\n");
+    m_root.write(Copy::Current, MODE_FILE, withChecksum(old));
+    m_root.write(Copy::Factory, MODE_FILE, withChecksum(withValue(good, "[3a7]\n", "Hue", 17)));
+
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(m_log.contains("dataModule will load data as OTA Flow in [NORMAL_LOAD].\n"));
+    EXPECT_TRUE(m_log.contains("load current data file in OTA mode completely \n"));
+    const std::vector<int> dims{3, 10, 7};
+    EXPECT_EQ(valueOf(*op, dims, "Brightness"), 61);
+    EXPECT_EQ(valueOf(*op, dims, "Contrast"), 62);
+    EXPECT_EQ(valueOf(*op, dims, "Hue"), 17) << "the factory's: the old copy had none";
+    op->waitForMerge();
+    std::string expected = withValue(withValue(good, "[3a7]\n", "Brightness", 61), "[3a7]\n", "Contrast", 62);
+    expected = withChecksum(withValue(expected, "[3a7]\n", "Hue", 17));
+    EXPECT_TRUE(current(MODE_FILE) == expected);
+    EXPECT_TRUE(backup(MODE_FILE) == expected);
+
+    EXPECT_TRUE(storeValue(*op, dims, "Hue", 18));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_TRUE(current(MODE_FILE) == withChecksum(withValue(expected, "[3a7]\n", "Hue", 18)));
+}
+
+TEST_F(LifecycleTest, AnOldBackupIsMergedWhenTheCurrentCopyCannotBe) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string oldBackup = replaced(goodText(Copy::Backup), "v0.4", "v0.3");
+    const std::string oldCurrent = replaced(goodText(Copy::Current), "v0.4", "v0.3");
+    const std::optional<std::string> currents[] = {
+        std::nullopt, replaced(oldCurrent, "= 0x", "= 0xf"), // of no checksum that it could have
+        oldCurrent.substr(0, lineAt(oldCurrent, "CRC ")),    // never verified
+        withChecksum(oldCurrent.substr(0, contentAt(oldCurrent)) + "[Other]\n") + "x", // damaged after the summary
+    };
+    for (const auto& text : currents) {
+        m_root.write(Copy::Backup, FILE_NAME, oldBackup);
+        m_root.remove(Copy::Current, FILE_NAME);
+        if (text)
+            m_root.write(Copy::Current, FILE_NAME, *text);
+        auto op = makeOperator();
+        ASSERT_TRUE(op->loadFile());
+        EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Backup));
+        op->waitForMerge();
+        EXPECT_EQ(current(), goodText(Copy::Backup));
+        EXPECT_EQ(backup(), goodText(Copy::Backup));
+    }
+    // With neither of use the factory values are written in the new version.
+    m_root.write(Copy::Current, FILE_NAME, replaced(oldCurrent, "= 0x", "= 0xf"));
+    m_root.write(Copy::Backup, FILE_NAME, replaced(oldBackup, "= 0x", "= 0xf"));
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(m_log.contains("just ignore current file content !!! \n"));
+    op->waitForMerge();
+    EXPECT_EQ(current(), goodText(Copy::Factory));
+}
+
+TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string old = replaced(goodText(Copy::Current), "v0.4", "v0.3");
+    m_root.write(Copy::Current, FILE_NAME, old);
+    auto op = makeOperator(false);
+    ASSERT_TRUE(op->loadFile());
+    op->writing.pass();
+    EXPECT_FALSE(op->tryEnterCriticalSection()) << "no backup now";
+    EXPECT_EQ(current(), old) << "the old copy stays until the new one is complete";
+    // Each waits for the file; none is lost or refused.
+    std::thread storing([&] { EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 44)); });
+    std::thread loading([&] { EXPECT_TRUE(op->loadFile()); });
+    op->mayWrite.open();
+    storing.join();
+    loading.join();
+    op->waitForMerge();
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(), withChecksum(withValue(goodText(Copy::Current), "[Global]\n", "FpsSwitch", 44)));
+    const bool entered = op->tryEnterCriticalSection();
+    ASSERT_TRUE(entered);
+    if (entered)
+        op->leaveCriticalSection();
+}
+
+TEST_F(LifecycleTest, ReleasingWaitsForTheMergedFile) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    for (const auto& release : {&Global::releaseFile, &Global::resetForLoadFile}) {
+        m_root.write(Copy::Current, FILE_NAME, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+        auto op = makeOperator();
+        ASSERT_TRUE(op->loadFile());
+        EXPECT_TRUE((op.get()->*release)());
+        EXPECT_EQ(current(), goodText(Copy::Current)) << "nobody writes a released file";
+        EXPECT_EQ(op->getFileHandler(), nullptr);
+        EXPECT_TRUE(op->loadFile());
+        EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+    }
+}
+
+TEST_F(LifecycleTest, StoresDuringAMergeReachTheNewFile) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    for (int round = 0; round < 20; ++round) {
+        m_root.write(Copy::Current, FILE_NAME, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+        auto op = makeOperator();
+        ASSERT_TRUE(op->loadFile());
+        for (const int value : {30, 31, 32}) {
+            EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", value));
+            EXPECT_EQ(m_parent.deliver(), 1);
+        }
+        op->waitForMerge();
+        ASSERT_EQ(current(), withChecksum(withValue(goodText(Copy::Current), "[Global]\n", "FpsSwitch", 32)));
+    }
+}
+
+TEST_F(LifecycleTest, AWholeFileIsNotUndoneByOlderSnapshots) { // invariant 4
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 20));
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 21));
+    ASSERT_TRUE(op->initFile(false)); // writes the table, as the end of a merge does
+    const std::string written = withChecksum(withValue(m_text, "[Global]\n", FIELD, 21));
+    EXPECT_EQ(current(), written);
+    const auto events = m_parent.takePosted();
+    EXPECT_TRUE(events.front()->handle());
+    EXPECT_EQ(current(), written);
+}
+
+TEST_F(LifecycleTest, AMergeThatCannotBeWrittenKeepsTheOldCopies) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    // Keys in another order: read by position, the values would change places.
+    const std::string first = keyLine(FIELD, "0001");
+    const std::string second = keyLine("HDMI1_DR", "0000");
+    const std::string old =
+        withChecksum(replaced(replaced(goodText(Copy::Current), "v0.4", "v0.3"), first + second, second + first));
+    m_root.write(Copy::Current, FILE_NAME, old);
+    m_root.write(Copy::Current, std::string(FILE_NAME) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+    const auto obstacle = SettingsRoot::path(Copy::Current, FILE_NAME) + FileUtil::TEMPORARY_SUFFIX;
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    op->waitForMerge();
+    EXPECT_TRUE(m_log.contains(" failed when load OTA data.\n"));
+    EXPECT_EQ(current(), old);
+    EXPECT_EQ(backup(), goodText(Copy::Backup));
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+    EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 3));
+    EXPECT_EQ(m_parent.deliver(), 0);
+    EXPECT_EQ(current(), old);
+    // Loaded again it is still a file of another version.
+    op->releaseFile();
+    ASSERT_TRUE(op->loadFile());
+    op->waitForMerge();
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+
+    std::filesystem::remove_all(obstacle);
+    EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 4));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(), withChecksum(withValue(goodText(Copy::Current), "[Global]\n", "FpsSwitch", 4)));
+    EXPECT_EQ(backup(), current());
+}
+
+TEST_F(LifecycleTest, CopyingToAllSourcesAfterAFailedMergeLeavesARightChecksum) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    const std::string good = current(MODE_FILE);
+    m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(good, "v0.4", "v0.3")));
+    m_root.write(Copy::Current, std::string(MODE_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    op->waitForMerge();
+    std::filesystem::remove_all(SettingsRoot::path(Copy::Current, MODE_FILE) + FileUtil::TEMPORARY_SUFFIX);
+    EXPECT_TRUE(storeValue(*op, {4, 0, 0}, "Hue", 9));
+    EXPECT_TRUE(op->applySettingForAllSources({4, 0, 0}));
+    EXPECT_TRUE(checksumIsRight(current(MODE_FILE)));
+    m_parent.deliver();
+    std::string expected = good;
+    for (const char source : std::string("0123456789abcdef"))
+        expected = withValue(expected, std::string("[") + source + "00]\n", "Hue", 9);
+    EXPECT_TRUE(current(MODE_FILE) == withChecksum(expected));
+}
+
+// --- making files ---
+
+TEST_F(LifecycleTest, MakesThreeCopiesOnce) {
+    m_parent.tvType = "SN0";
+    ASSERT_TRUE(makeOperator()->initFile(true));
+    const std::string text = current();
+    const CategoryLayout& layout = FileUserPictureGlobal::layout();
+    EXPECT_EQ(text.substr(0, lineAt(text, "CRC ")),
+              text::commentBlock(layout) + text::summary("SN0", "v0.4", 0, true).substr(0, text::CRC_LINE_OFFSET));
+    EXPECT_EQ(text.size() - contentAt(text), std::size_t{9 + 28 * 32});
+    EXPECT_TRUE(checksumIsRight(text));
+    EXPECT_EQ(backup(), text);
+    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), text);
+    EXPECT_EQ(m_root.files().size(), 3U) << "nothing temporary is left";
+
+    m_root.write(Copy::Current, FILE_NAME, "mine");
+    EXPECT_FALSE(makeOperator()->initFile(true));
+    EXPECT_TRUE(m_log.contains("init failed -- file ["));
+    EXPECT_EQ(current(), "mine");
+}
+
+TEST_F(LifecycleTest, MakesEverySectionInOrderWithItsDefaults) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    const std::string text = current(MODE_FILE);
+    const std::size_t content = contentAt(text);
+    ASSERT_EQ(content, 3420U + 128U);
+    ASSERT_EQ(text.size(), content + 1536 * 774);
+    std::string section = text.substr(content, 774);
+    EXPECT_EQ(section.substr(0, 6 + 3 * 32),
+              "[000]\n" + keyLine("Contrast", "0050") + keyLine("Brightness", "0050") + keyLine("Color", "0050"));
+    for (std::size_t i = 0; i < 1536; ++i) {
+        const int indices[] = {static_cast<int>(i / 96), static_cast<int>(i / 8 % 12), static_cast<int>(i % 8)};
+        section.replace(0, 5, text::sectionId(FileUserPictureMode::layout(), indices));
+        ASSERT_EQ(text.substr(content + i * 774, 774), section);
+    }
+    EXPECT_TRUE(checksumIsRight(text));
+}
+
+TEST_F(LifecycleTest, AFileThatCannotBeMadeLeavesNothingBehind) {
+    m_root.write(Copy::Current, std::string(FILE_NAME) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+    EXPECT_FALSE(makeOperator()->initFile(true));
+    EXPECT_TRUE(m_log.contains("create file ["));
+    EXPECT_FALSE(m_root.exists(Copy::Current, FILE_NAME));
+    EXPECT_FALSE(m_root.exists(Copy::Backup, FILE_NAME)) << "no backup of a file that was not made";
+
+    std::filesystem::remove_all(
+        std::filesystem::path(SettingsRoot::directory(Copy::Current)).parent_path().parent_path());
+    EXPECT_FALSE(makeOperator()->initFile(true));
+    EXPECT_TRUE(m_log.contains("] not exist and couldn't create.\n"));
+    EXPECT_FALSE(makeOperator()->backup());
+    EXPECT_TRUE(m_log.contains("backup failed -- data path ["));
+}
+
+// --- backups ---
+
+TEST_F(LifecycleTest, BackupsAreMadeOfWhatChanged) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(op->backup());
+    EXPECT_TRUE(m_log.contains("and NEEDN'T generate backup file.\n"));
+    EXPECT_EQ(backup(), goodText(Copy::Backup)) << "the open current copy answers for the backup";
+
+    for (const bool readAgain : {false, true}) {
+        EXPECT_FALSE(op->getBackupReq());
+        EXPECT_TRUE(storeValue(*op, {}, FIELD, readAgain ? 7 : 6));
+        EXPECT_EQ(m_parent.deliver(), 1);
+        EXPECT_TRUE(op->getBackupReq());
+        op->setBackupReq(false);
+        if (readAgain) {
+            EXPECT_TRUE(op->refreshDataFromCurrent());
+        }
+        EXPECT_TRUE(op->backup());
+        EXPECT_EQ(backup(), current()) << "after a store the next backup really copies";
+    }
+    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), goodText(Copy::Factory));
+
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 9));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_TRUE(op->backup(true));
+    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), current());
+
+    m_root.remove(Copy::Backup, FILE_NAME);
+    EXPECT_TRUE(op->backup());
+    EXPECT_EQ(backup(), current());
+}
+
+TEST_F(LifecycleTest, ADamagedCurrentCopyNeverGoesOverTheBackup) { // invariant 1
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    for (const Damage& damage : damages()) {
+        auto op = makeOperator();
+        m_root.write(Copy::Current, FILE_NAME, goodText(Copy::Current));
+        ASSERT_TRUE(op->loadFile());
+        EXPECT_TRUE(storeValue(*op, {}, FIELD, 6));
+        EXPECT_EQ(m_parent.deliver(), 1);
+        if (damage.checksumIsRight)
+            continue;
+        const std::optional<std::string> text = damage.apply(goodText(Copy::Current));
+        m_root.remove(Copy::Current, FILE_NAME);
+        if (text)
+            m_root.write(Copy::Current, FILE_NAME, *text);
+        m_log.clear();
+        EXPECT_TRUE(op->backup());
+        EXPECT_TRUE(m_log.contains("Backup file [")) << damage.name;
+        EXPECT_EQ(backup(), goodText(Copy::Backup)) << damage.name;
+    }
+}
+
+TEST_F(LifecycleTest, CopiesKeepTheModeOfTheFileTheyReplace) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    m_root.write(Copy::Current, FILE_NAME, "damaged");
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    ASSERT_TRUE(makeOperator()->loadFile());
+    struct stat status = {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+    EXPECT_EQ(current(), goodText(Copy::Backup));
+}
+
+TEST_F(LifecycleTest, RecoveringIsForTheOtherCopies) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(op->recover());
+    EXPECT_TRUE(m_log.contains("is 'NORMAL_LOAD' and needn't recover file.\n"));
+    EXPECT_EQ(current(), goodText(Copy::Current));
+    m_root.write(Copy::Current, FILE_NAME, "damaged");
+    op->releaseFile();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(m_log.contains("] from file [" + SettingsRoot::path(Copy::Backup, FILE_NAME) + "] successfully.\n"));
+
+    // Without a directory to put it in, the load fails although a copy could be read.
+    std::filesystem::remove_all(SettingsRoot::directory(Copy::Current));
+    m_root.write(Copy::Backup, "../current", "in the way");
+    EXPECT_FALSE(makeOperator()->loadFile());
+    EXPECT_EQ(backup(), goodText(Copy::Backup));
+}
+
+// --- factory reset, refresh, removal ---
+
+TEST_F(LifecycleTest, ResetTakesAFactoryCopyThatVerifies) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    const std::string good = goodText(Copy::Factory);
+    for (const std::string& bad :
+         {std::string(), replaced(good, "0000\n", "0009\n", contentAt(good)), replaced(good, "v0.4", "v0.5")}) {
+        m_root.write(Copy::Factory, FILE_NAME, bad);
+        EXPECT_TRUE(op->resetCurrentFileFromManufactoryFile());
+        EXPECT_EQ(current(), goodText(Copy::Current));
+        EXPECT_FALSE(op->getBackupReq());
+    }
+    m_root.write(Copy::Factory, FILE_NAME, good);
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 9)); // still queued when the reset comes
+    EXPECT_TRUE(op->refreshDataFromManufactory());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
+    EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 2)); // between the two steps of a factory reset
+    EXPECT_TRUE(op->resetCurrentFileFromManufactoryFile());
+    EXPECT_EQ(current(), good);
+    EXPECT_TRUE(op->getBackupReq());
+    m_parent.deliver();
+    EXPECT_EQ(current(), withChecksum(withValue(good, "[Global]\n", "FpsSwitch", 2)));
+    EXPECT_TRUE(op->backup());
+    EXPECT_EQ(backup(), current());
+}
+
+TEST_F(LifecycleTest, RefreshReadsTheWholeTableAgain) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(op->refreshDataFromManufactory());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
+    EXPECT_EQ(current(), goodText(Copy::Current));
+    EXPECT_TRUE(op->refreshDataFromCurrent());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+
+    m_root.remove(Copy::Factory, FILE_NAME);
+    EXPECT_FALSE(op->refreshDataFromManufactory());
+    m_root.write(Copy::Current, FILE_NAME, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+    EXPECT_FALSE(op->refreshDataFromCurrent()) << "of another version";
+    m_root.remove(Copy::Current, FILE_NAME);
+    EXPECT_FALSE(op->refreshDataFromCurrent());
+    EXPECT_EQ(m_log.count("Load file from manufactory failed.\n"), 3U);
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+}
+
+TEST_F(LifecycleTest, RemovesTheFiles) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(op->removeCurrentFile());
+    EXPECT_EQ(m_root.files().size(), 2U);
+    EXPECT_FALSE(op->removeCurrentFile());
+    EXPECT_FALSE(op->removeFile()) << "the result is that of the current copy";
+    EXPECT_TRUE(m_root.files().empty());
+    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, FILE_NAME));
+    EXPECT_EQ(m_log.count("remove file ["), 2U);
+    EXPECT_TRUE(op->initFile(true));
+    m_root.remove(Copy::Backup, FILE_NAME);
+    EXPECT_TRUE(op->removeFile());
+    EXPECT_TRUE(m_root.files().empty());
+}
+
+// --- any file, and files that change while they are in use ---
+
+TEST_F(LifecycleTest, LoadingAnyFileLeavesThePathAlone) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    const std::string elsewhere = SettingsRoot::directory(Copy::Backup) + "../other.ini";
+    // Its lengths are others, and so is its version; neither may reach the current copy.
+    const std::string other = "# one line more #\n" + replaced(goodText(Copy::Factory), "v0.4", "v0.9");
+    m_root.write(Copy::Backup, "../other.ini", other);
+    EXPECT_TRUE(op->loadFile(elsewhere.c_str()));
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
+    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, FILE_NAME));
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 9));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 9)));
+    EXPECT_EQ(m_root.read(Copy::Backup, "../other.ini"), other);
+
+    m_root.write(Copy::Backup, "../other.ini", replaced(other, "= 0x", "= 0xf"));
+    EXPECT_FALSE(op->loadFile(elsewhere.c_str()));
+    EXPECT_FALSE(op->loadFile((elsewhere + ".missing").c_str()));
+    EXPECT_FALSE(op->loadFile((elsewhere + std::string(300, 'x')).c_str()));
+    EXPECT_FALSE(op->loadFile(nullptr));
+    EXPECT_EQ(m_log.count("load summary failed from file ["), 4U);
+    m_root.write(Copy::Backup, "../other.ini", withChecksum(replaced(other, "[Global]\n", "(Global)\n")));
+    EXPECT_FALSE(op->loadFile(elsewhere.c_str()));
+    EXPECT_TRUE(m_log.contains("load contents failed from file ["));
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 9);
+}
+
+TEST_F(LifecycleTest, StoresGoToTheFileThatIsThereNow) { // invariant 3
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    // Replaced by another file with a longer comment block.
+    const std::string longer = "# one line more #\n" + goodText(Copy::Factory);
+    m_root.write(Copy::Current, "new", longer);
+    std::filesystem::rename(SettingsRoot::path(Copy::Current, "new"), path);
+    EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 4));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(),
+              withChecksum("# one line more #\n" + withValue(goodText(Copy::Current), "[Global]\n", "FpsSwitch", 4)));
+
+    // Removed: nothing is written, and nothing is made.
+    EXPECT_TRUE(op->refreshDataFromCurrent());
+    m_root.remove(Copy::Current, FILE_NAME);
+    EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 5));
+    EXPECT_EQ(m_parent.deliver(), 0);
+    EXPECT_TRUE(m_log.contains("open file [" + path + "] failed for storing data.\n"));
+    EXPECT_FALSE(m_root.exists(Copy::Current, FILE_NAME));
+
+    // Of another version, or with a checksum line that cannot be rewritten in place: left as it is.
+    for (const std::string& text : {replaced(goodText(Copy::Current), "v0.4", "v0.3"),
+                                    replaced(goodText(Copy::Current), " = 0x", " =  0x", 300)}) {
+        m_root.write(Copy::Current, FILE_NAME, text);
+        EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", valueOf(*op, {}, "FpsSwitch") + 1));
+        EXPECT_EQ(m_parent.deliver(), 0);
+        EXPECT_EQ(current(), text);
+    }
+}
+
+TEST_F(LifecycleTest, NoSectionIsWrittenBeyondTheEndOfTheFile) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    const std::string cut = withChecksum(current(MODE_FILE).substr(0, 3420 + 128 + 774 * 1535 + 773));
+    m_root.write(Copy::Current, MODE_FILE, cut);
+    EXPECT_TRUE(storeValue(*op, {15, 11, 7}, "Hue", 1));
+    EXPECT_EQ(m_parent.deliver(), 0);
+    EXPECT_TRUE(m_log.contains("search dimension failed , maybe the file content is not completed !!!\n"));
+    EXPECT_TRUE(current(MODE_FILE) == cut);
+    EXPECT_TRUE(storeValue(*op, {15, 11, 6}, "Hue", 1));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(MODE_FILE).size(), cut.size());
+}
+
+// --- checksum and summary ---
+
+TEST_F(LifecycleTest, GetCrcCodeReadsTheOpenFile) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    const std::string backupPath = SettingsRoot::path(Copy::Backup, FILE_NAME);
+    EXPECT_EQ(op->crcCode(backupPath), 0U) << "nothing is open";
+    ASSERT_TRUE(op->loadFile());
+    const std::string good = goodText(Copy::Current);
+    EXPECT_EQ(op->crcCode(backupPath), checksum(good.substr(contentAt(good))));
+    EXPECT_TRUE(m_log.contains("] from data file '" + backupPath + "' successfully.\n"));
+    EXPECT_EQ(op->crcCode(backupPath + ".missing"), 0U);
+}
+
+TEST_F(LifecycleTest, RewritesTheSummaryInPlace) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    m_parent.tvType = "ANOTHERTYPE";
+    EXPECT_TRUE(op->rewriteSummary());
+    EXPECT_EQ(current(), replaced(goodText(Copy::Current), "TVTYPE01   ", "ANOTHERTYPE"));
+
+    const std::string wide = replaced(current(), "ANOTHERTYPE     ", "ANOTHERTYPE      ");
+    m_root.write(Copy::Current, FILE_NAME, wide);
+    EXPECT_FALSE(op->rewriteSummary()) << "its lines are not the ones we write";
+    EXPECT_EQ(current(), wide);
+    m_root.remove(Copy::Current, FILE_NAME);
+    EXPECT_FALSE(op->rewriteSummary());
+    EXPECT_FALSE(op->find("[Summary]\n"));
+    EXPECT_FALSE(op->find(nullptr));
+}
+
+TEST_F(LifecycleTest, RepairsAChecksumLine) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string good = goodText(Copy::Current);
+    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    m_root.write(Copy::Current, FILE_NAME, replaced(withValue(good, "[Global]\n", FIELD, 42), "v0.4", "v9.9"));
+    EXPECT_TRUE(AbstractFileOperator::generateCRC32(path.c_str()));
+    EXPECT_EQ(current(), replaced(withChecksum(withValue(good, "[Global]\n", FIELD, 42)), "v0.4", "v9.9"));
+
+    const std::size_t crcLine = lineAt(good, "CRC ");
+    const std::pair<std::string, const char*> refused[] = {
+        {"", "Summary section subject () is invalid.\n"},
+        {replaced(good, "[Summary]", "[Sumary]"), "Summary section subject ([Sumary]\n) is invalid.\n"},
+        {good.substr(0, lineAt(good, "SN ")), "read line failed for tv type.\n"},
+        {replaced(good, "\nSN ", "\nTV "), "Summary section SN Field (TV"},
+        {good.substr(0, lineAt(good, "Version ")), "read line failed for tv version.\n"},
+        {replaced(good, "\nVersion", "\nVerzion"), "Summary section VER Field (Verzion"},
+        {good.substr(0, crcLine), "read line failed for tv crc.\n"},
+        {replaced(good, "\nCRC ", "\nABC "), "Summary section CRC Field (ABC"},
+        {replaced(good, " = 0x", "= 0x", crcLine), "Summary section CRC Field (CRC"},
+        {good.substr(0, contentAt(good) - 1), "Summary section CRC Field (CRC"},
+    };
+    for (const auto& [text, message] : refused) {
+        m_root.write(Copy::Current, FILE_NAME, text);
+        m_log.clear();
+        EXPECT_FALSE(AbstractFileOperator::generateCRC32(path.c_str())) << message;
+        EXPECT_TRUE(m_log.contains(message)) << message;
+        EXPECT_EQ(current(), text) << message;
+    }
+    EXPECT_FALSE(AbstractFileOperator::generateCRC32((path + ".missing").c_str()));
+    EXPECT_FALSE(AbstractFileOperator::generateCRC32(SettingsRoot::directory(Copy::Current).c_str()));
+    EXPECT_TRUE(m_log.contains("open file ["));
+    EXPECT_FALSE(AbstractFileOperator::generateCRC32(nullptr));
+}
+
+} // namespace
+} // namespace td::test

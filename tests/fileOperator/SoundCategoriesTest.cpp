@@ -1,0 +1,267 @@
+// What sets the sound categories apart, on real files.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/FileDataSeparateManager.h>
+#include <dataModule/fileOperator/FileFactorySoundAMP.h>
+#include <dataModule/fileOperator/FileFactorySoundAVC.h>
+#include <dataModule/fileOperator/FileFactorySoundCurve.h>
+#include <dataModule/fileOperator/FileFactorySoundEQ.h>
+#include <dataModule/fileOperator/FileFactorySoundGlobal.h>
+#include <dataModule/fileOperator/FileFactorySoundPEQ.h>
+#include <dataModule/fileOperator/FileUserSoundDbx.h>
+#include <dataModule/fileOperator/FileUserSoundDelay.h>
+#include <dataModule/fileOperator/FileUserSoundDTS.h>
+#include <dataModule/fileOperator/FileUserSoundEQ.h>
+#include <dataModule/fileOperator/FileUserSoundGlobal.h>
+#include <dataModule/fileOperator/FileUserSoundMode.h>
+#include <dataModule/fileOperator/TextLayout.h>
+
+#include "FakeOperator.h"
+#include "FakeParent.h"
+#include "LogCapture.h"
+#include "SettingsRoot.h"
+
+namespace td::test {
+namespace {
+
+using Dims = std::vector<int>;
+
+class SoundCategoriesTest : public testing::Test {
+protected:
+    template <class Operator>
+    std::unique_ptr<Operator> loaded() {
+        auto op = std::make_unique<Operator>();
+        op->setParent(&m_parent);
+        EXPECT_TRUE(op->initFile(true));
+        EXPECT_TRUE(op->loadFile());
+        return op;
+    }
+    std::string contentOf(const TableOperator& op) const {
+        const std::string text = m_root.read(Copy::Current, op.layoutOf().file);
+        return text.substr(contentAt(text));
+    }
+
+    SettingsRoot m_root;
+    FakeParent m_parent;
+    LogCapture m_log;
+};
+
+// --- user sound global ---
+
+TEST_F(SoundCategoriesTest, TheGlobalFileHasAnotherOrderThanTheRecord) {
+    const auto op = loaded<FileUserSoundGlobal>();
+    std::vector<_Argument_t> args;
+    ASSERT_TRUE(op->loadData({}, args));
+    ASSERT_EQ(args.size(), static_cast<std::size_t>(SND_GLOBAL_FIELD_COUNT));
+    EXPECT_STREQ(args[SND_GLOBAL_HEADPHONE_MODE].name, "HeadPhoneMode");
+    EXPECT_STREQ(args[4].name, "HeadPhoneMode");
+    EXPECT_STREQ(args[5].name, "HeadPhoneVolume");
+    EXPECT_STREQ(args[9].name, "AudioDescriptionVolume");
+    EXPECT_STREQ(args[22].name, "CenterVolume");
+    for (int i = 0; i < SND_GLOBAL_FIELD_COUNT; ++i)
+        args[static_cast<std::size_t>(i)].value = i + 1;
+    ASSERT_TRUE(op->storeData({}, args));
+    EXPECT_EQ(m_parent.deliver(), 1);
+
+    EXPECT_EQ(contentOf(*op),
+              "[Global]\n" + keyLine("Volume", "0001") + keyLine("Balance", "0002") + keyLine("Spdif", "0003") +
+                  keyLine("Speaker", "0004") + keyLine("HeadPhoneVolume", "0006") + keyLine("AudioOut", "0007") +
+                  keyLine("AudioDescriptionEnable", "0008") + keyLine("AudioDescriptionOutDev", "0009") +
+                  keyLine("AudioDescriptionVolume", "0010") + keyLine("HeadPhoneMode", "0005") +
+                  keyLine("WallMount", "0011") + keyLine("BT_Volume", "0012") + keyLine("ApplyModeToSource", "0013") +
+                  keyLine("DolbyAtmosEnable", "0014") + keyLine("BT_HeadphoneVolume", "0015") +
+                  keyLine("EArcSwitchValue", "0016") + keyLine("SelectSoundEffect", "0017") +
+                  keyLine("BassVolume", "0018") + keyLine("BTWithSpeaker", "0019") + keyLine("WavesSwitch", "0020") +
+                  keyLine("SoundDevice", "0021") + keyLine("TopVolume", "0022") + keyLine("CenterVolume", "0023"));
+
+    FileUserSoundGlobal again;
+    again.setParent(&m_parent);
+    ASSERT_TRUE(again.loadFile());
+    std::vector<_Argument_t> read;
+    ASSERT_TRUE(again.loadData({}, read));
+    for (int i = 0; i < SND_GLOBAL_FIELD_COUNT; ++i)
+        EXPECT_EQ(read[static_cast<std::size_t>(i)].value, i + 1) << read[static_cast<std::size_t>(i)].name;
+
+    ASSERT_TRUE(storeValue(again, {}, "HeadPhoneMode", 99));
+    EXPECT_TRUE(again.restoreSettingFromCurrent({}));
+    EXPECT_EQ(valueOf(again, {}, "HeadPhoneMode"), 5);
+}
+
+// --- tables per source ---
+
+TEST_F(SoundCategoriesTest, TheTenthTimingIsReadButRefused) {
+    const FileUserSoundDelay op;
+    int source = 0;
+    int timing = 0;
+    EXPECT_TRUE(op.parseSection("[3a]\n", source, timing));
+    EXPECT_EQ(Dims({source, timing}), (Dims{3, 10}));
+    EXPECT_FALSE(op.checkDimension(source, timing));
+    timing = 8;
+    EXPECT_TRUE(op.checkDimension(source, timing));
+    EXPECT_TRUE(op.parseSection("[3-]\n", source, timing));
+    EXPECT_EQ(timing, 8);
+    source = -1;
+    EXPECT_FALSE(op.checkDimension(source, timing));
+}
+
+template <class Operator>
+class CopiedSoundTest : public SoundCategoriesTest {};
+using CopiedCategories =
+    testing::Types<FileUserSoundEQ, FileUserSoundDbx, FileUserSoundDTS, FileFactorySoundAVC, FileFactorySoundEQ>;
+TYPED_TEST_SUITE(CopiedSoundTest, CopiedCategories, );
+
+TYPED_TEST(CopiedSoundTest, OnlySourcesThatDifferGetACopy) {
+    const auto op = this->template loaded<TypeParam>();
+    const char* lastField = op->layoutOf().fields.back().key;
+    ASSERT_TRUE(storeValue(*op, {7, 3}, lastField, 4));
+    ASSERT_TRUE(storeValue(*op, {2, 3}, lastField, 4));
+    this->m_parent.takePosted();
+    EXPECT_TRUE(op->applySettingForAllSources({7, 3}));
+    EXPECT_EQ(this->m_parent.posted(), 14U);
+    EXPECT_EQ(valueOf(*op, {15, 3}, lastField), 4);
+    EXPECT_EQ(valueOf(*op, {15, 2}, lastField), 0);
+    EXPECT_TRUE(this->m_log.contains("apply data to all other source completely, elpased time = "));
+    EXPECT_TRUE(op->applySettingForAllSources({7, 3}));
+    EXPECT_EQ(this->m_parent.posted(), 14U);
+    EXPECT_FALSE(op->applySettingForAllSources({16, 3}));
+    EXPECT_TRUE(this->m_log.contains("[dataModule] The dimension value is invalid.\n"));
+}
+
+TEST_F(SoundCategoriesTest, RestoresForAllSourcesWriteEachSourceOrTheOneRecord) {
+    const auto mode = loaded<FileUserSoundMode>();
+    EXPECT_TRUE(mode->restoreSettingForAllSource({3}));
+    EXPECT_EQ(m_parent.takePosted().size(), 16U);
+    const auto curve = loaded<FileFactorySoundCurve>();
+    EXPECT_TRUE(curve->restoreSettingForAllSource({3}));
+    EXPECT_EQ(m_parent.takePosted().size(), 16U);
+
+    const auto amplifier = loaded<FileFactorySoundAMP>();
+    EXPECT_TRUE(amplifier->restoreSettingForAllSource({4, 5}));
+    const auto posted = m_parent.takePosted();
+    ASSERT_EQ(posted.size(), 1U);
+    EXPECT_EQ(posted.front()->dimensions(), (Dims{4, 5}));
+    EXPECT_FALSE(amplifier->restoreSettingForAllSource({5, 0}));
+    EXPECT_FALSE(amplifier->restoreSettingForAllSource({-1, 0}));
+}
+
+TEST_F(SoundCategoriesTest, OfTheFactoryTablesOnlyTheGlobalIsReadBackFromTheCurrentFile) {
+    const auto global = loaded<FileFactorySoundGlobal>();
+    ASSERT_TRUE(storeValue(*global, {}, "Hpf_Value", 1));
+    EXPECT_TRUE(global->restoreSettingFromCurrent({}));
+    EXPECT_EQ(valueOf(*global, {}, "Hpf_Value"), 0);
+
+    const auto avc = loaded<FileFactorySoundAVC>();
+    ASSERT_TRUE(storeValue(*avc, {0, 0}, "AvcLevel", 1));
+    EXPECT_TRUE(avc->restoreSettingFromCurrent({0, 0}));
+    EXPECT_EQ(valueOf(*avc, {0, 0}, "AvcLevel"), 1);
+    EXPECT_TRUE(m_log.contains("[SOUND_AVC]: module hasn't completed yet.\n"));
+}
+
+// --- the flag of the user's global settings ---
+
+class ManagerWithOperators final : public FileDataSeparateManager {
+public:
+    ~ManagerWithOperators() override { stop(); }
+    using FileDataSeparateManager::registerOperator;
+};
+
+template <class Operator>
+class SoundFlagTest : public testing::Test {
+protected:
+    LogCapture m_log;
+};
+using FlagCategories = testing::Types<FileUserSoundEQ, FileUserSoundDbx, FileUserSoundDTS, FileFactorySoundAVC>;
+TYPED_TEST_SUITE(SoundFlagTest, FlagCategories, );
+
+TYPED_TEST(SoundFlagTest, TheManagersAnswerIsAnyValueButZero) {
+    ManagerWithOperators manager;
+    TypeParam op;
+    op.setParent(&manager);
+    EXPECT_FALSE(op.loadFlagFromGlobalFile());
+    EXPECT_EQ(this->m_log.count("[dataModule] load [ApplyModeToSource] from sound_global failed.\n"), 1U);
+
+    auto* const global = new FakeOperator(SOUND_GLOBAL);
+    manager.registerOperator(global);
+    EXPECT_FALSE(op.loadFlagFromGlobalFile());
+    EXPECT_TRUE(this->m_log.contains("[dataModule]  load [ApplyModeToSource] value is 0.\n"));
+    global->setValue("ApplyModeToSource", 2);
+    EXPECT_TRUE(op.loadFlagFromGlobalFile());
+    EXPECT_TRUE(this->m_log.contains("[dataModule] Apply Setting For All Sources successfully.\n"));
+    global->fail("loadData");
+    EXPECT_FALSE(op.loadFlagFromGlobalFile());
+    EXPECT_EQ(this->m_log.count("[dataModule] load [ApplyModeToSource] from sound_global failed.\n"), 2U);
+}
+
+TYPED_TEST(SoundFlagTest, WithoutTheClientsInterfaceTheFlagQueryAnswers) {
+    TypeParam op;
+    EXPECT_FALSE(op.loadFlagFromGlobalFile());
+    FakeParent parent;
+    op.setParent(&parent);
+    EXPECT_FALSE(op.loadFlagFromGlobalFile());
+    parent.applyFlags.insert("SOUND_GLOBAL/ApplyModeToSource");
+    EXPECT_TRUE(op.loadFlagFromGlobalFile());
+}
+
+// --- wide values ---
+
+TEST_F(SoundCategoriesTest, TheParametricEqualiserHasFiveDigits) {
+    const auto op = loaded<FileFactorySoundPEQ>();
+    ASSERT_TRUE(op->storeData({15}, {{"BandQ", -9999}, {"BandGain", 3}, {"BandFreq", 99999}}));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    const std::string content = contentOf(*op);
+    const std::string section = "[f]\n"
+                                "BandQ                   = -9999\n"
+                                "BandGain                = 00003\n"
+                                "BandFreq                = 99999\n";
+    ASSERT_EQ(content.size(), 16 * section.size());
+    EXPECT_EQ(content.substr(15 * section.size()), section);
+
+    FileFactorySoundPEQ again;
+    again.setParent(&m_parent);
+    ASSERT_TRUE(again.loadFile());
+    EXPECT_EQ(valueOf(again, {15}, "BandQ"), -9999);
+    EXPECT_EQ(valueOf(again, {15}, "BandFreq"), 99999);
+}
+
+TEST_F(SoundCategoriesTest, TheFactoryGlobalReadsBothWidths) {
+    const auto op = loaded<FileFactorySoundGlobal>();
+    const char* file = op->layoutOf().file;
+    std::string text = m_root.read(Copy::Current, file);
+    text = replaced(text, "Hpf_Value               = 00000\n", keyLine("Hpf_Value", "-123"));
+    text = replaced(text, "Lpf_Value               = 00000\n", "Lpf_Value               = 12345\n");
+    m_root.write(Copy::Current, file, withChecksum(text));
+    FileFactorySoundGlobal again;
+    again.setParent(&m_parent);
+    ASSERT_TRUE(again.loadFile());
+    EXPECT_EQ(valueOf(again, {}, "Hpf_Value"), -123);
+    EXPECT_EQ(valueOf(again, {}, "Lpf_Value"), 12345);
+
+    ASSERT_TRUE(storeValue(again, {}, "Hp_Drc_Value", 100000));
+    EXPECT_EQ(m_parent.deliver(), 0);
+    EXPECT_EQ(m_root.read(Copy::Current, file), withChecksum(text));
+}
+
+// --- comment blocks ---
+
+TEST_F(SoundCategoriesTest, CommentsSayWhatTheyAlwaysSaid) {
+    const std::string avc = text::commentBlock(FileFactorySoundAVC::layout());
+    EXPECT_NE(avc.find("#   --  The file is used to define the sound AVC data for user sound "), std::string::npos);
+    const std::string amplifier = text::commentBlock(FileFactorySoundAMP::layout());
+    const std::size_t heading = amplifier.find("#   double amp scope:0~1 ");
+    ASSERT_NE(heading, std::string::npos);
+    EXPECT_NE(amplifier.find("#       4--SUB4 AMP ", heading), std::string::npos);
+    EXPECT_NE(amplifier.find("#   amp  scope:0~5 ", heading), std::string::npos);
+    const std::string equaliser = text::commentBlock(FileFactorySoundPEQ::layout());
+    EXPECT_NE(equaliser.find("f--BAND15 "), std::string::npos);
+    EXPECT_NE(equaliser.find("close sound effect using BAND0~BAND7,others using BAND8~BAND15. "), std::string::npos);
+    const std::string mode = text::commentBlock(FileUserSoundMode::layout());
+    EXPECT_NE(mode.find("#   source       scope:0~16 "), std::string::npos);
+}
+
+} // namespace
+} // namespace td::test

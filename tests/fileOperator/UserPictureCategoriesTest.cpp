@@ -1,0 +1,641 @@
+// What tells the user's picture categories from each other, on real files.
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/fileOperator/FileUserPictureBacklightWB.h>
+#include <dataModule/fileOperator/FileUserPictureCCTWB.h>
+#include <dataModule/fileOperator/FileUserPictureColorTuner.h>
+#include <dataModule/fileOperator/FileUserPictureContentDetect.h>
+#include <dataModule/fileOperator/FileUserPictureDolbyIQIntentedWhitePoint.h>
+#include <dataModule/fileOperator/FileUserPictureDolbyIQMode.h>
+#include <dataModule/fileOperator/FileUserPictureEnhancedViewingAngle.h>
+#include <dataModule/fileOperator/FileUserPictureGammaCalibrationDarkDetail.h>
+#include <dataModule/fileOperator/FileUserPictureLightSensorPLC.h>
+#include <dataModule/fileOperator/FileUserPictureLightSensorShift.h>
+#include <dataModule/fileOperator/FileUserPictureLightSensorWB20Gain.h>
+#include <dataModule/fileOperator/FileUserPictureLowBlueLight.h>
+#include <dataModule/fileOperator/FileUserPictureModeEx.h>
+#include <dataModule/fileOperator/FileUserPictureModeSelf.h>
+#include <dataModule/fileOperator/FileUserPictureSourceOnly.h>
+#include <dataModule/fileOperator/FileUserPictureWB10Point.h>
+#include <dataModule/fileOperator/FileUserPictureWB10PointIndex.h>
+#include <dataModule/fileOperator/FileUserPictureWB20Gain.h>
+#include <dataModule/fileOperator/FileUserPictureWB20GainIndex.h>
+#include <dataModule/fileOperator/FileUserPictureWB20Point.h>
+#include <dataModule/fileOperator/FileUserPictureWB20PointIndex.h>
+#include <dataModule/fileOperator/FileUserPictureWB2Point.h>
+#include <dataModule/fileOperator/FileUserPictureXVYCC.h>
+#include <dataModule/fileOperator/FileUserPictureYRange.h>
+
+#include "FakeParent.h"
+#include "LogCapture.h"
+#include "SettingsRoot.h"
+
+namespace td::test {
+namespace {
+
+using Dims = std::vector<int>;
+using DimsSet = std::set<Dims>;
+
+class UserPictureTest : public testing::Test {
+protected:
+    /// Makes current, backup and factory copy of a category, all zero.
+    template <class Operator>
+    void create(Operator& op) {
+        op.setParent(&m_parent);
+        ASSERT_TRUE(op.initFile(true));
+    }
+    template <class Operator>
+    void createAndLoad(Operator& op) {
+        create(op);
+        ASSERT_TRUE(op.loadFile());
+    }
+    /// Stores without the file taking notice.
+    void storeInMemory(IFileOperator& op, const Dims& dims, const char* field, int value) {
+        ASSERT_TRUE(storeValue(op, dims, field, value));
+        m_parent.takePosted();
+    }
+    /// Takes the posted events: the records they are for, each of which must have been posted once.
+    DimsSet takePostedDims() {
+        const auto events = m_parent.takePosted();
+        DimsSet dims;
+        for (const auto& event : events)
+            dims.insert(event->dimensions());
+        EXPECT_EQ(dims.size(), events.size());
+        return dims;
+    }
+
+    SettingsRoot m_root;
+    FakeParent m_parent;
+    LogCapture m_log;
+};
+
+// --- which bulk operations there are, and what they reach ---
+
+constexpr unsigned NONE = 0;
+constexpr unsigned FIRST = 1;
+constexpr unsigned SECOND = 2;
+constexpr unsigned BOTH = 3;
+
+/// One category's operations on many records: the dimensions each goes over.
+struct BulkCase {
+    const char* name;
+    std::function<std::unique_ptr<TableOperator>()> make;
+    unsigned toAllSources;
+    unsigned toAllModes;
+    unsigned restoreForAll;
+    bool restoresFromCurrent;
+};
+
+template <class Operator>
+BulkCase bulkCase(const char* name, unsigned toAllSources, unsigned toAllModes, unsigned restoreForAll,
+                  bool restoresFromCurrent) {
+    return {name,          [] { return std::make_unique<Operator>(); },
+            toAllSources,  toAllModes,
+            restoreForAll, restoresFromCurrent};
+}
+
+const BulkCase BULK_CASES[] = {
+    bulkCase<FileUserPictureSourceOnly>("SourceOnly", NONE, NONE, NONE, true),
+    bulkCase<FileUserPictureModeSelf>("ModeSelf", NONE, NONE, NONE, true),
+    bulkCase<FileUserPictureModeEx>("ModeEx", FIRST, NONE, NONE, true),
+    bulkCase<FileUserPictureColorTuner>("ColorTuner", FIRST, BOTH, FIRST, true),
+    bulkCase<FileUserPictureWB2Point>("WB2Point", FIRST, BOTH, FIRST, true),
+    bulkCase<FileUserPictureWB10PointIndex>("WB10PointIndex", FIRST, SECOND, FIRST, true),
+    bulkCase<FileUserPictureWB10Point>("WB10Point", FIRST, BOTH, FIRST, true),
+    bulkCase<FileUserPictureWB20PointIndex>("WB20PointIndex", FIRST, SECOND, FIRST, true),
+    bulkCase<FileUserPictureWB20Point>("WB20Point", FIRST, BOTH, FIRST, true),
+    bulkCase<FileUserPictureWB20GainIndex>("WB20GainIndex", NONE, SECOND, FIRST, true),
+    bulkCase<FileUserPictureWB20Gain>("WB20Gain", FIRST, BOTH, FIRST, true),
+    bulkCase<FileUserPictureCCTWB>("CCTWB", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureBacklightWB>("BacklightWB", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureXVYCC>("XVYCC", NONE, NONE, NONE, true),
+    bulkCase<FileUserPictureYRange>("YRange", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureLowBlueLight>("LowBlueLight", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureGammaCalibrationDarkDetail>("DarkDetail", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureEnhancedViewingAngle>("EnhancedViewingAngle", FIRST, NONE, NONE, true),
+    bulkCase<FileUserPictureContentDetect>("ContentDetect", NONE, NONE, NONE, true),
+    bulkCase<FileUserPictureDolbyIQMode>("DolbyIQMode", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureDolbyIQIntentedWhitePoint>("DolbyIQWhitePoint", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureLightSensorShift>("LightSensorShift", NONE, NONE, NONE, false),
+    bulkCase<FileUserPictureLightSensorWB20Gain>("LightSensorWB20Gain", NONE, SECOND, FIRST, true),
+    bulkCase<FileUserPictureLightSensorPLC>("LightSensorPLC", NONE, NONE, NONE, false),
+};
+
+class UserPictureBulkTest : public UserPictureTest, public testing::WithParamInterface<BulkCase> {
+protected:
+    void SetUp() override {
+        m_op = GetParam().make();
+        createAndLoad(*m_op);
+        // In the middle of every dimension, so that there are records before and after it.
+        for (const Dimension& dimension : m_op->layoutOf().dimensions)
+            m_given.push_back(dimension.count / 2);
+        m_field = m_op->layoutOf().fields.front().argumentName();
+        storeInMemory(*m_op, m_given, m_field, VALUE);
+        m_log.clear();
+    }
+
+    /// The records that differ from the given one in nothing but the swept dimensions, the given one left out.
+    DimsSet others(unsigned swept) const {
+        DimsSet found{m_given};
+        for (std::size_t d = 0; d < m_given.size(); ++d) {
+            if ((swept & (1U << d)) == 0)
+                continue;
+            const DimsSet before = found;
+            for (Dims dims : before) {
+                for (dims[d] = 0; dims[d] < m_op->layoutOf().dimensions[d].count; ++dims[d])
+                    found.insert(dims);
+            }
+        }
+        found.erase(m_given);
+        return found;
+    }
+    std::size_t notOffered() {
+        return m_log.count("[" + std::string(m_parent.getCategory_Str(m_op->getDataCategory())) +
+                           "]: module hasn't completed yet.\n");
+    }
+    void expectCopies(bool (IFileOperator::*copy)(const Dims&), unsigned swept) {
+        IFileOperator& op = *m_op;
+        const DimsSet expected = others(swept);
+        ASSERT_TRUE((op.*copy)(m_given));
+        EXPECT_EQ(takePostedDims(), expected);
+        for (const Dims& dims : expected)
+            ASSERT_EQ(valueOf(op, dims, m_field), VALUE);
+        EXPECT_EQ(notOffered(), swept == NONE ? 1U : 0U);
+        EXPECT_EQ(m_log.count("apply data to all other source completely, elpased time = "), swept == NONE ? 0U : 1U);
+
+        ASSERT_TRUE((op.*copy)(m_given));
+        EXPECT_EQ(m_parent.posted(), 0U) << "equal records were copied again";
+        if (swept != NONE)
+            expectRefusals(copy);
+    }
+    void expectRefusals(bool (IFileOperator::*call)(const Dims&)) {
+        IFileOperator& op = *m_op;
+        Dims tooMany = m_given;
+        tooMany.push_back(0);
+        EXPECT_FALSE((op.*call)(tooMany));
+        EXPECT_EQ(m_log.count("The dimensions size [" + std::to_string(tooMany.size()) +
+                              "] is invalid ,expected size is: " + std::to_string(m_given.size()) + ".\n"),
+                  1U);
+        Dims outside = m_given;
+        outside.back() = m_op->layoutOf().dimensions.back().count;
+        EXPECT_FALSE((op.*call)(outside));
+        EXPECT_EQ(m_log.count("The dimension value is invalid.\n"), 1U);
+        EXPECT_EQ(m_parent.posted(), 0U);
+    }
+
+    static constexpr int VALUE = 7;
+    std::unique_ptr<TableOperator> m_op;
+    Dims m_given;
+    const char* m_field = nullptr;
+};
+
+TEST_P(UserPictureBulkTest, CopiesToAllSources) {
+    expectCopies(&IFileOperator::applySettingForAllSources, GetParam().toAllSources);
+}
+
+TEST_P(UserPictureBulkTest, CopiesToAllModes) {
+    expectCopies(&IFileOperator::applySettingForAllMode, GetParam().toAllModes);
+}
+
+// The given record is compared as it stands at that moment: until the walk reaches it, the zeros of the factory differ
+// from it; from then on it is zero itself.
+TEST_P(UserPictureBulkTest, RestoresForAllSources) {
+    const unsigned swept = GetParam().restoreForAll;
+    ASSERT_TRUE(m_op->restoreSettingForAllSource(m_given));
+    DimsSet before = others(swept);
+    before.erase(before.upper_bound(m_given), before.end());
+    EXPECT_EQ(takePostedDims(), before);
+    EXPECT_EQ(notOffered(), swept == NONE ? 1U : 0U);
+    EXPECT_EQ(valueOf(*m_op, m_given, m_field), swept == NONE ? VALUE : 0);
+    if (swept != NONE)
+        expectRefusals(&IFileOperator::restoreSettingForAllSource);
+}
+
+TEST_P(UserPictureBulkTest, RestoresFromTheCurrentCopy) {
+    const bool offered = GetParam().restoresFromCurrent;
+    ASSERT_TRUE(m_op->restoreSettingFromCurrent(m_given));
+    EXPECT_EQ(valueOf(*m_op, m_given, m_field), offered ? 0 : VALUE);
+    EXPECT_EQ(notOffered(), offered ? 0U : 1U);
+    EXPECT_EQ(m_parent.posted(), 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Categories, UserPictureBulkTest, testing::ValuesIn(BULK_CASES),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST_F(UserPictureTest, RestoreForAllSourcesPostsWhatDiffersFromTheGivenRecord) {
+    FileUserPictureWB2Point op;
+    create(op);
+    std::string factory = m_root.read(Copy::Factory, "pic_wb_2p_usr.ini");
+    factory = withValue(factory, "[21]", "RGain", 5);
+    factory = withValue(factory, "[91]", "RGain", 3);
+    m_root.write(Copy::Factory, "pic_wb_2p_usr.ini", withChecksum(factory));
+    ASSERT_TRUE(op.loadFile());
+    storeInMemory(op, {4, 1}, "RGain", 5);
+
+    ASSERT_TRUE(op.restoreSettingForAllSource({4, 1}));
+    EXPECT_EQ(takePostedDims(), (DimsSet{{0, 1}, {1, 1}, {3, 1}, {9, 1}}));
+    EXPECT_EQ(valueOf(op, {2, 1}, "RGain"), 5) << "equal to the given record: reloaded, though not posted";
+    EXPECT_EQ(valueOf(op, {4, 1}, "RGain"), 0);
+    EXPECT_EQ(valueOf(op, {9, 1}, "RGain"), 3);
+}
+
+TEST_F(UserPictureTest, RestoreForAllSourcesStopsAtTheFirstFailure) {
+    FileUserPictureLightSensorWB20Gain op;
+    createAndLoad(op);
+    m_root.remove(Copy::Factory, "pic_light_sensor_WB_20_gain_usr.ini");
+    storeInMemory(op, {1, 4}, "WBGainValue", 5);
+    EXPECT_FALSE(op.restoreSettingForAllSource({1, 4}));
+    EXPECT_EQ(m_log.count("Load data from file [pic_light_sensor_WB_20_gain_usr.ini] failed when restore setting\n"),
+              1U);
+    EXPECT_EQ(m_parent.posted(), 0U);
+    EXPECT_EQ(valueOf(op, {1, 4}, "WBGainValue"), 5);
+    // The next store finds its way back to the current copy.
+    ASSERT_TRUE(storeValue(op, {1, 4}, "WBGainValue", 6));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    const std::string current = m_root.read(Copy::Current, "pic_light_sensor_WB_20_gain_usr.ini");
+    EXPECT_NE(current.find("[14]\n" + keyLine("WBGainValue", "0006")), std::string::npos);
+}
+
+// --- section ids ---
+
+template <class Operator, class... Index>
+std::string idOf(Index... indices) {
+    Operator op;
+    char id[16] = {};
+    const int length = op.buildSectionId(indices..., id, sizeof id);
+    EXPECT_EQ(static_cast<std::size_t>(length), std::string(id).size());
+    return id;
+}
+
+TEST(UserPictureSectionId, GoesOnBeyondHexadecimalDigits) {
+    EXPECT_EQ(idOf<FileUserPictureWB20Point>(4, 5, 19), "[45j]\n");
+    EXPECT_EQ(idOf<FileUserPictureWB20Point>(4, 5, 10), "[45a]\n");
+    EXPECT_EQ(idOf<FileUserPictureColorTuner>(15, 11, 7, 6), "[fb76]\n");
+    EXPECT_EQ(idOf<FileUserPictureBacklightWB>(10), "[a]\n");
+    EXPECT_EQ(idOf<FileUserPictureGammaCalibrationDarkDetail>(4, 19), "[4j]\n");
+    EXPECT_EQ(idOf<FileUserPictureDolbyIQMode>(15), "[f]\n");
+    EXPECT_EQ(idOf<FileUserPictureLightSensorWB20Gain>(3, 12), "[3c]\n");
+    EXPECT_EQ(idOf<FileUserPictureLightSensorPLC>(7), "[7]\n");
+}
+
+TEST(UserPictureSectionId, LeavesALevelThatIsNeitherDigitNorSmallLetter) {
+    FileUserPictureWB20Gain op;
+    int source = -1;
+    int mode = -1;
+    int level = 8;
+    EXPECT_TRUE(op.parseSection("[45A]\n", source, mode, level));
+    EXPECT_EQ((Dims{source, mode, level}), (Dims{4, 5, 8}));
+    EXPECT_TRUE(op.parseSection("[45j]\n", source, mode, level));
+    EXPECT_EQ(level, 19);
+    EXPECT_TRUE(op.parseSection("[45z]\n", source, mode, level));
+    EXPECT_FALSE(op.checkDimension(source, mode, level));
+
+    // The ten points are hexadecimal digits and nothing else.
+    FileUserPictureWB10Point ten;
+    EXPECT_FALSE(ten.parseSection("[45j]\n", source, mode, level));
+    EXPECT_TRUE(ten.parseSection("[45A]\n", source, mode, level));
+    EXPECT_EQ(level, 10);
+    EXPECT_FALSE(ten.checkDimension(source, mode, level));
+}
+
+TEST_F(UserPictureTest, AcceptsFewerLevelsThanItsCommentLists) {
+    FileUserPictureCCTWB op;
+    createAndLoad(op);
+    std::vector<_Argument_t> all;
+    EXPECT_TRUE(op.loadData({4}, all));
+    EXPECT_EQ(all.size(), 6U);
+    EXPECT_FALSE(op.loadData({5}, all));
+    EXPECT_FALSE(op.storeData({-1}, {{"CCT_WBRedGain", 1}}));
+}
+
+// --- comment blocks ---
+
+std::string commentLine(const std::string& text) {
+    std::string line = "#" + text;
+    line.resize(74, ' ');
+    return line + "#\n";
+}
+
+std::string commentLines(const std::vector<std::string>& texts) {
+    std::string lines;
+    for (const std::string& text : texts)
+        lines += commentLine(text);
+    return lines;
+}
+
+TEST(UserPictureComments, StateWhatTheFilesState) {
+    const std::string tuner = text::commentBlock(FileUserPictureColorTuner::layout());
+    EXPECT_NE(tuner.find(commentLine("   [(source)(picturemode)(colortune_mode)]: 3 dimension")), std::string::npos);
+    EXPECT_NE(tuner.find(commentLine("   source       scope:0~16")), std::string::npos);
+    EXPECT_NE(tuner.find(commentLine("       6--FLESH TON")), std::string::npos);
+
+    const std::string range = text::commentBlock(FileUserPictureYRange::layout());
+    EXPECT_NE(
+        range.find(commentLines({"   dr_type      scope:0~4", "       0--SDR", "       1--HDR_10", "       2--HDR_HLG",
+                                 "       3--HDR_DObyVison", "       4--HDR_10Plus", "       5--HDR_ToSDR"})),
+        std::string::npos);
+
+    const std::string temperature = text::commentBlock(FileUserPictureCCTWB::layout());
+    EXPECT_NE(temperature.find(commentLines({"       9--LEVEL9", "       a--LEVEL10"})), std::string::npos);
+
+    const std::string sensor = text::commentBlock(FileUserPictureLightSensorWB20Gain::layout());
+    EXPECT_NE(sensor.find(commentLines({"       7--LS_lEVEL8", "   level        scope:0~11", "       1--LEVEL0",
+                                        "       1--LEVEL1", "       2--LEVEL2"})),
+              std::string::npos);
+    EXPECT_NE(sensor.find(commentLines({"       i--LEVEL18", "       j--LEVEL19"})), std::string::npos);
+
+    const std::string matrix = text::commentBlock(FileUserPictureXVYCC::layout());
+    EXPECT_NE(matrix.find(commentLines({"       1--Auto_P3_P3/BT2020_Native", "       2--Auto_BT709_BT709",
+                                        "       3--reserved", "       4--reserved", "       5--reserved"})),
+              std::string::npos);
+}
+
+// --- PICTURE_MODE_EX: the lopsided test for equality ---
+
+TEST_F(UserPictureTest, ModeExCopiesOnlyToTheSourceThatDiffers) {
+    FileUserPictureModeEx op;
+    createAndLoad(op);
+    ASSERT_TRUE(storeValue(op, {9, 3, 2}, "Reserve8", 4));
+    ASSERT_EQ(m_parent.deliver(), 1);
+    const std::string before = m_root.read(Copy::Current, "pic_mode_ex_usr.ini");
+    ASSERT_TRUE(op.applySettingForAllSources({4, 3, 2}));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(m_root.read(Copy::Current, "pic_mode_ex_usr.ini"),
+              withChecksum(withValue(before, "[932]", "Reserve8", 0)));
+}
+
+TEST_F(UserPictureTest, ModeExComparesTheOthersReserve9WithTwoOfTheGivenRecord) {
+    FileUserPictureModeEx op;
+    createAndLoad(op);
+    const Dims given{4, 3, 2};
+    // The other's own Reserve10 is not compared, so a difference there stays.
+    storeInMemory(op, {9, 3, 2}, "Reserve10", 4);
+    ASSERT_TRUE(op.applySettingForAllSources(given));
+    EXPECT_EQ(m_parent.posted(), 0U);
+    EXPECT_EQ(valueOf(op, {9, 3, 2}, "Reserve10"), 4);
+
+    // While Reserve9 and Reserve10 of the given record differ, nothing ever counts as equal to it.
+    storeInMemory(op, given, "Reserve10", 1);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(op.applySettingForAllSources(given));
+        EXPECT_EQ(takePostedDims().size(), 15U);
+    }
+    EXPECT_EQ(valueOf(op, {9, 3, 2}, "Reserve10"), 1);
+    EXPECT_EQ(valueOf(op, {9, 3, 3}, "Reserve10"), 0);
+
+    storeInMemory(op, given, "Reserve9", 1);
+    ASSERT_TRUE(op.applySettingForAllSources(given));
+    EXPECT_EQ(takePostedDims().size(), 15U);
+    ASSERT_TRUE(op.applySettingForAllSources(given));
+    EXPECT_EQ(m_parent.posted(), 0U);
+}
+
+// --- PICTURE_SOURCE_ONLY: the factory copy of the user's country ---
+
+constexpr const char* ORDINARY = "pic_sourceonly_usr.ini";
+constexpr const char* UK_FILE = "pic_sourceonly_usr_uk.ini";
+constexpr const char* NO_STANDARD_FILE = "pic_sourceonly_usr_nostd.ini";
+constexpr const char* NO_STANDARD_1_FILE = "pic_sourceonly_usr_nostd1.ini";
+
+struct CountryCase {
+    int country;
+    int value;           ///< of the factory file that has to be used
+    const char* message; ///< empty: none
+};
+
+class SourceOnlyCountryTest : public UserPictureTest, public testing::WithParamInterface<CountryCase> {
+protected:
+    void SetUp() override {
+        create(m_op);
+        const std::string factory = m_root.read(Copy::Factory, ORDINARY);
+        int value = 0;
+        for (const char* file : {ORDINARY, UK_FILE, NO_STANDARD_FILE, NO_STANDARD_1_FILE})
+            m_root.write(Copy::Factory, file, withChecksum(withValue(factory, "[41]", "Aspect_Ratio", ++value)));
+        m_parent.reservedValue = GetParam().country;
+        m_log.clear();
+    }
+    /// The choice is told once, as progress, with a second blank before it.
+    void expectMessage() {
+        const std::string text = GetParam().message;
+        EXPECT_EQ(m_log.count("user country is"), text.empty() ? 0U : 1U);
+        for (const LogCapture::Line& line : m_log.lines()) {
+            if (line.text.find("user country is") != std::string::npos) {
+                EXPECT_NE(line.text.find("[dataModule]  " + text), std::string::npos) << line.text;
+                EXPECT_EQ(line.level, DebugOutput::Level::Info);
+            }
+        }
+        m_log.clear();
+    }
+
+    FileUserPictureSourceOnly m_op;
+};
+
+TEST_P(SourceOnlyCountryTest, ServesEveryWayFromTheFactoryDirectory) {
+    const int expected = GetParam().value;
+    m_root.remove(Copy::Current, ORDINARY);
+    m_root.remove(Copy::Backup, ORDINARY);
+    ASSERT_TRUE(m_op.loadFile());
+    expectMessage();
+    EXPECT_EQ(valueOf(m_op, {4, 1}, "Aspect_Ratio"), expected);
+    EXPECT_NE(m_root.read(Copy::Current, ORDINARY).find(keyLine("Aspect_Ratio", "000" + std::to_string(expected))),
+              std::string::npos);
+
+    storeInMemory(m_op, {4, 1}, "Aspect_Ratio", 8);
+    m_log.clear();
+    ASSERT_TRUE(m_op.restoreSetting({4, 1}));
+    expectMessage();
+    EXPECT_EQ(valueOf(m_op, {4, 1}, "Aspect_Ratio"), expected);
+
+    storeInMemory(m_op, {4, 1}, "Aspect_Ratio", 8);
+    ASSERT_TRUE(m_op.refreshDataFromManufactory());
+    EXPECT_EQ(valueOf(m_op, {4, 1}, "Aspect_Ratio"), expected);
+
+    m_root.write(Copy::Current, ORDINARY, "");
+    m_log.clear();
+    ASSERT_TRUE(m_op.resetCurrentFileFromManufactoryFile());
+    expectMessage();
+    EXPECT_NE(m_root.read(Copy::Current, ORDINARY).find(keyLine("Aspect_Ratio", "000" + std::to_string(expected))),
+              std::string::npos);
+    EXPECT_FALSE(m_root.exists(Copy::Current, UK_FILE));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Countries, SourceOnlyCountryTest,
+    testing::Values(
+        CountryCase{0, 1, ""}, CountryCase{139, 1, ""},
+        CountryCase{9, 2, "user country is UK , and will used the source-only file:[pic_sourceonly_usr_uk.ini] \n"},
+        CountryCase{40, 3,
+                    "user country is CROTIA , and will used the source-only file:[pic_sourceonly_usr_nostd.ini] \n"},
+        CountryCase{60, 4, "user country is:60, and will used the source-only file:[pic_sourceonly_usr_nostd1.ini] \n"},
+        CountryCase{138, 4,
+                    "user country is:138, and will used the source-only file:[pic_sourceonly_usr_nostd1.ini] \n"}),
+    [](const auto& tested) { return std::to_string(tested.param.country); });
+
+TEST_F(UserPictureTest, SourceOnlyWithoutTheCountrysFileTakesTheOrdinaryOne) {
+    FileUserPictureSourceOnly op;
+    create(op);
+    m_parent.reservedValue = 40;
+    m_root.remove(Copy::Current, ORDINARY);
+    m_root.remove(Copy::Backup, ORDINARY);
+    EXPECT_TRUE(op.loadFile());
+    EXPECT_EQ(m_log.count("user country is"), 0U);
+}
+
+TEST_F(UserPictureTest, SourceOnlySwitchSucceedsWithoutAFileAndTheRestoreDoesNot) {
+    FileUserPictureSourceOnly op;
+    createAndLoad(op);
+    m_root.remove(Copy::Factory, ORDINARY);
+    storeInMemory(op, {4, 1}, "Aspect_Ratio", 8);
+    op.enterCriticalSection();
+    EXPECT_TRUE(op.switchToManufactory());
+    op.leaveCriticalSection();
+    EXPECT_FALSE(op.restoreSetting({4, 1}));
+    EXPECT_FALSE(op.refreshDataFromManufactory());
+    EXPECT_EQ(valueOf(op, {4, 1}, "Aspect_Ratio"), 8);
+    EXPECT_EQ(m_parent.posted(), 0U);
+    EXPECT_GE(m_log.count("bytes failed when searchSection[4,1].\n"), 1U);
+}
+
+// --- messages of some stores ---
+
+TEST_F(UserPictureTest, SomeStoresTellTheirIndices) {
+    FileUserPictureSourceOnly sourceOnly;
+    createAndLoad(sourceOnly);
+    m_log.clear();
+    ASSERT_TRUE(storeValue(sourceOnly, {15, 1}, "OverScanEnable", 1));
+    EXPECT_EQ(m_log.count("The dimension value info: source = 15, signalType = 1.\n"), 1U);
+    EXPECT_EQ(m_log.count("store data completely, elpased time = "), 1U);
+    m_log.clear();
+    EXPECT_FALSE(storeValue(sourceOnly, {16, 1}, "OverScanEnable", 1));
+    EXPECT_EQ(m_log.count("The dimension value is invalid, source = 16, signalType = 1.\n"), 1U);
+    EXPECT_EQ(m_log.count("The dimension value is invalid.\n"), 1U);
+    EXPECT_FALSE(storeValue(sourceOnly, {16}, "OverScanEnable", 1));
+    EXPECT_EQ(m_log.count("The dimension value is invalid, "), 1U);
+    EXPECT_EQ(m_log.count("store data completely"), 0U);
+
+    FileUserPictureContentDetect contentDetect;
+    createAndLoad(contentDetect);
+    m_log.clear();
+    ASSERT_TRUE(storeValue(contentDetect, {15}, "ALLM", 1));
+    EXPECT_EQ(m_log.count("The dimension info, source = 15.\n"), 1U);
+    EXPECT_EQ(m_log.count("The dimension value info: source = 15.\n"), 1U);
+    EXPECT_EQ(m_log.count("store data completely"), 0U);
+    EXPECT_FALSE(storeValue(contentDetect, {-1}, "ALLM", 1));
+    EXPECT_EQ(m_log.count("The dimension value is invalid, source = -1.\n"), 1U);
+
+    FileUserPictureModeSelf modeSelf;
+    createAndLoad(modeSelf);
+    m_log.clear();
+    ASSERT_TRUE(storeValue(modeSelf, {15, 3}, "PictureMode", 1));
+    EXPECT_FALSE(storeValue(modeSelf, {15, 4}, "PictureMode", 1));
+    EXPECT_EQ(m_log.count("dimension value info"), 0U);
+    EXPECT_EQ(m_log.count("source = "), 0U);
+}
+
+TEST_F(UserPictureTest, SourceOnlySearchesBeforeTheLoadNameTheSectionWithAComma) {
+    FileUserPictureSourceOnly op;
+    create(op);
+    EXPECT_FALSE(op.restoreSetting({10, 1}));
+    EXPECT_EQ(m_log.count("failed when searchSection[a,1] because of loading file not finished.\n"), 1U);
+}
+
+// --- PICTURE_XVYCC: hexadecimal values ---
+
+TEST_F(UserPictureTest, XvyccValuesAreHexadecimal) {
+    const char* file = "pic_xvycc_factory.ini";
+    FileUserPictureXVYCC op;
+    createAndLoad(op);
+    ASSERT_TRUE(op.storeData({5}, {{"XVYCC_0", 255}, {"XVYCC_8", 0xFFFFF}}));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    const std::string text = m_root.read(Copy::Current, file);
+    const std::string section = text.substr(text.rfind("[5]\n"));
+    EXPECT_EQ(section.size(), 4U + 9U * 35U);
+    EXPECT_EQ(section.substr(4, 70), "XVYCC_0                  = 0x   ff\n"
+                                     "XVYCC_1                  = 0x    0\n");
+    EXPECT_EQ(section.substr(section.size() - 8), "0xfffff\n");
+    EXPECT_TRUE(checksumIsRight(text));
+
+    FileUserPictureXVYCC again;
+    again.setParent(&m_parent);
+    ASSERT_TRUE(again.loadFile());
+    EXPECT_EQ(valueOf(again, {5}, "XVYCC_0"), 255);
+    EXPECT_EQ(valueOf(again, {5}, "XVYCC_8"), 0xFFFFF);
+
+    // More than five digits stay in memory; so does a negative value.
+    for (const int wide : {0x100000, -1}) {
+        ASSERT_TRUE(storeValue(op, {5}, "XVYCC_0", wide));
+        EXPECT_EQ(m_parent.deliver(), 0);
+        EXPECT_EQ(m_root.read(Copy::Current, file), text);
+    }
+}
+
+TEST_F(UserPictureTest, XvyccRestoreFromAMissingCurrentCopyEndsItsMessageWithoutAFullStop) {
+    FileUserPictureXVYCC op;
+    createAndLoad(op);
+    m_root.remove(Copy::Current, "pic_xvycc_factory.ini");
+    EXPECT_FALSE(op.restoreSettingFromCurrent({5}));
+    EXPECT_EQ(m_log.count("] failed when restore setting from current\n"), 1U);
+}
+
+TEST_F(UserPictureTest, XvyccMergesAnOlderVersionByKey) {
+    const char* file = "pic_xvycc_factory.ini";
+    FileUserPictureXVYCC op;
+    create(op);
+    const std::string text = m_root.read(Copy::Current, file);
+    const std::string header = replaced(text.substr(0, contentAt(text)), "v0.1", "v0.0");
+    m_root.write(
+        Copy::Current, file,
+        withChecksum(header + "[3]\nXVYCC_7                  = 0x  1a3\nXVYCC_9                  = 0x    1\n"));
+    ASSERT_TRUE(op.loadFile());
+    EXPECT_EQ(valueOf(op, {3}, "XVYCC_7"), 0x1A3);
+    op.waitForMerge();
+    EXPECT_NE(m_root.read(Copy::Current, file).find("XVYCC_7                  = 0x  1a3\n"), std::string::npos);
+}
+
+// --- PICTURE_LOW_BLUE_LIGHT: two sets of names ---
+
+TEST_F(UserPictureTest, LowBlueLightIsAskedByOtherNamesThanItsKeys) {
+    FileUserPictureLowBlueLight op;
+    createAndLoad(op);
+    ASSERT_TRUE(storeValue(op, {3, 4}, "Lowbluelightrgain", 12));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_NE(m_root.read(Copy::Current, "pic_low_blue_light_usr.ini").find("[34]\n" + keyLine("RGain", "0012")),
+              std::string::npos);
+    ASSERT_TRUE(storeValue(op, {3, 4}, "RGain", 13));
+    EXPECT_EQ(m_log.count("The field [RGain] is invalid.\n"), 1U);
+    std::vector<_Argument_t> all;
+    ASSERT_TRUE(op.loadData({3, 4}, all));
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_STREQ(all[0].name, "Lowbluelightrgain");
+    EXPECT_EQ(all[0].value, 12);
+    EXPECT_STREQ(all[2].name, "Lowbluelightbgain");
+}
+
+TEST_F(UserPictureTest, LowBlueLightMergesOnlyTheNamesOfRequests) {
+    const char* file = "pic_low_blue_light_usr.ini";
+    FileUserPictureLowBlueLight op;
+    create(op);
+    const std::string text = m_root.read(Copy::Current, file);
+    m_root.write(Copy::Factory, file, withChecksum(withValue(text, "[00]", "RGain", 11)));
+    std::string old = withValue(text, "[00]", "RGain", 77);
+    old = replaced(old, "[01]\n" + keyLine("RGain", "0000"), "[01]\n" + keyLine("Lowbluelightrgain", "0088"));
+    m_root.write(Copy::Current, file, withChecksum(replaced(old, "v0.1", "v0.0")));
+
+    ASSERT_TRUE(op.loadFile());
+    EXPECT_EQ(valueOf(op, {0, 0}, "Lowbluelightrgain"), 11);
+    EXPECT_EQ(valueOf(op, {0, 1}, "Lowbluelightrgain"), 88);
+    EXPECT_EQ(m_log.count("The field [RGain] is invalid for this version.\n"), 19U);
+    op.waitForMerge();
+    EXPECT_NE(m_root.read(Copy::Current, file).find("[01]\n" + keyLine("RGain", "0088")), std::string::npos);
+}
+
+} // namespace
+} // namespace td::test

@@ -1,0 +1,289 @@
+// A set's life across restarts: the whole library on real files.
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/common/Thread.h>
+#include <dataModule/FileDataSeparateManager.h>
+#include <dataModule/fileOperator/OperatorFactory.h>
+
+#include "LogCapture.h"
+#include "SettingsRoot.h"
+
+namespace td::test {
+namespace {
+
+constexpr int PATIENCE_MILLISECONDS = 60000;
+constexpr const char* GLOBAL_FILE = "pic_global_usr.ini";
+constexpr const char* MODE_FILE = "pic_mode_usr.ini";
+const std::vector<int> DIMS{3, 10, 7};
+constexpr const char* SECTION = "[3a7]\n";
+
+/// A set with the two categories that these tests are about; one object is one life of the process.
+class SmallSet final : public FileDataSeparateManager {
+public:
+    SmallSet() { setTvType("TVTYPE01"); }
+    ~SmallSet() override { stop(); }
+
+    /// Boots from the files that are there.
+    static std::unique_ptr<SmallSet> boot() {
+        auto set = std::make_unique<SmallSet>();
+        EXPECT_TRUE(set->init(DS_SCOPE_ALL));
+        EXPECT_FALSE(set->loadAllData()) << "not loaded before";
+        return set;
+    }
+    bool waitWritten() { return waitStored(PATIENCE_MILLISECONDS); }
+
+protected:
+    IFileOperator* makeOperator(_DataCategory_t category) override {
+        return category == PICTURE_GLOBAL || category == PICTURE_MODE ? createOperator(category) : nullptr;
+    }
+};
+
+int valueIn(IDataSeparateManager& set, _DataCategory_t category, const std::vector<int>& dims, const char* name) {
+    std::vector<_Argument_t> args{{name, -12345}};
+    return set.loadData(category, dims, args) ? args.front().value : -12345;
+}
+
+class SetsLifeTest : public testing::Test {
+protected:
+    /// The factory's files, and nothing else: a set that never ran.
+    void leaveTheFactory() {
+        SmallSet factory;
+        ASSERT_TRUE(factory.init(DS_SCOPE_ALL));
+        ASSERT_TRUE(factory.initAllData());
+        for (const char* file : {GLOBAL_FILE, MODE_FILE}) {
+            m_root.remove(Copy::Current, file);
+            m_root.remove(Copy::Backup, file);
+        }
+    }
+    /// The set after its first boot.
+    std::unique_ptr<SmallSet> firstBoot() {
+        leaveTheFactory();
+        EXPECT_TRUE(SmallSet().initCurrentFromManufactory());
+        return SmallSet::boot();
+    }
+    std::string current(const char* file) const { return m_root.read(Copy::Current, file); }
+    std::string backup(const char* file) const { return m_root.read(Copy::Backup, file); }
+
+    SettingsRoot m_root;
+    LogCapture m_log;
+};
+
+TEST_F(SetsLifeTest, TheWholeSetBootsStoresAndRemembers) {
+    // The factory makes the files of every category where the model's index file says.
+    FileDataSeparateManager* set = FileDataSeparateManager::instance();
+    ASSERT_TRUE(set->init(DS_SCOPE_ALL));
+    ASSERT_TRUE(set->initAllData());
+    FileDataSeparateManager::release();
+    const std::string model = underRootPrefix("/ovdata/model/tv55/manufactory/");
+    std::filesystem::create_directories(std::filesystem::path(model).parent_path().parent_path());
+    std::filesystem::rename(SettingsRoot::directory(Copy::Factory), model);
+    m_root.write(Copy::Factory, "../../config/ov_characteristic_index.ini", "[ModuleData]\nPath = tv55\n");
+    for (const Copy copy : {Copy::Current, Copy::Backup})
+        std::filesystem::remove_all(SettingsRoot::directory(copy));
+
+    // First boot.
+    set = FileDataSeparateManager::instance();
+    EXPECT_TRUE(set->loadManufactoryPath());
+    EXPECT_TRUE(set->initCurrentFromManufactory());
+    ASSERT_TRUE(set->init(DS_SCOPE_ALL));
+    EXPECT_FALSE(set->loadAllData());
+    EXPECT_TRUE(set->loadAllData());
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Contrast"), 50);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Contrast", 77}, {"Hue", -5}}));
+    EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 1}}));
+    EXPECT_TRUE(set->waitStored(PATIENCE_MILLISECONDS));
+    _ThreadStaticInfo_t worker = {};
+    set->getWorkerStatistics(worker);
+    EXPECT_EQ(worker.succeeded, 2U);
+    EXPECT_EQ(worker.failed, 0U);
+    FileDataSeparateManager::release();
+
+    // Restart.
+    set = FileDataSeparateManager::instance();
+    ASSERT_TRUE(set->init(DS_SCOPE_ALL));
+    m_log.clear();
+    EXPECT_FALSE(set->loadAllData());
+    for (const CategoryLayout* layout : allLayouts())
+        EXPECT_FALSE(m_log.contains(" load file [" + std::string(layout->file) + "] failed.\n"));
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Contrast"), 77);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), -5);
+    EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 1);
+    FileDataSeparateManager::release();
+    for (const CategoryLayout* layout : allLayouts())
+        EXPECT_TRUE(checksumIsRight(current(layout->file))) << layout->file;
+}
+
+TEST_F(SetsLifeTest, ADamagedFileComesBackFromItsBackup) {
+    auto set = firstBoot();
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_TRUE(set->backupData());
+    const std::string good = current(MODE_FILE);
+    EXPECT_TRUE(backup(MODE_FILE) == good);
+    set.reset();
+
+    m_root.write(Copy::Current, MODE_FILE, withValue(good, SECTION, "Hue", 6));
+    m_root.remove(Copy::Current, GLOBAL_FILE);
+    set = SmallSet::boot();
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
+    EXPECT_TRUE(current(MODE_FILE) == good);
+    EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 0);
+    EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 2}}));
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_EQ(current(GLOBAL_FILE), withChecksum(withValue(backup(GLOBAL_FILE), "[Global]\n", "FpsSwitch", 2)));
+}
+
+TEST_F(SetsLifeTest, AnUpdateKeepsTheUsersValues) {
+    auto set = firstBoot();
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->waitWritten());
+    set.reset();
+    const std::string before = current(MODE_FILE);
+    const std::string factory = m_root.read(Copy::Factory, MODE_FILE);
+    // The update brought factory files of the new version; the user's are of the old one, in another order.
+    m_root.write(Copy::Factory, MODE_FILE, withChecksum(withValue(factory, "[000]\n", "Blur", 3)));
+    std::string old = replaced(before, "v0.4", "v0.3");
+    const std::size_t first = old.find("[000]\n");
+    old = old.substr(0, first) + old.substr(first + 774) + keyLine("Renamed", "0001");
+    m_root.write(Copy::Current, MODE_FILE, withChecksum(old));
+
+    set = SmallSet::boot();
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, {1, 1, 1}, {{"Hue", 9}})); // the new file may still be being written
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_TRUE(set->loadData(PICTURE_MODE)) << "read again from the new file";
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, {1, 1, 1}, "Hue"), 9);
+    set.reset();
+    const std::string merged = withChecksum(withValue(withValue(before, "[000]\n", "Blur", 3), "[111]\n", "Hue", 9));
+    EXPECT_TRUE(current(MODE_FILE) == merged);
+    set = SmallSet::boot();
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, {0, 0, 0}, "Blur"), 3);
+}
+
+TEST_F(SetsLifeTest, AStopRightAfterAnUpdateLosesNothing) {
+    auto set = firstBoot();
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->waitWritten());
+    set.reset();
+    const std::string good = current(MODE_FILE);
+    m_root.write(Copy::Current, MODE_FILE, replaced(good, "v0.4", "v0.3"));
+    SmallSet::boot().reset();
+    EXPECT_TRUE(current(MODE_FILE) == good);
+    EXPECT_TRUE(backup(MODE_FILE) == good);
+}
+
+TEST_F(SetsLifeTest, AFactoryResetIsCompleteAndLasting) {
+    auto set = firstBoot();
+    const std::string factory = m_root.read(Copy::Factory, MODE_FILE);
+    for (int value = 1; value <= 5; ++value)
+        EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", value}})); // some are still queued at the reset
+    EXPECT_TRUE(set->refreshDataFromManufactory(PICTURE_MODE));
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 0);
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_TRUE(current(MODE_FILE) == factory);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 7}}));
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_TRUE(set->backupData());
+    EXPECT_TRUE(backup(MODE_FILE) == withChecksum(withValue(factory, SECTION, "Hue", 7)));
+    set.reset();
+
+    EXPECT_TRUE(SmallSet().initCurrentFromManufactory());
+    set = SmallSet::boot();
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 0);
+}
+
+TEST_F(SetsLifeTest, ASuspendImageFindsEveryStoreOnDisk) {
+    auto set = firstBoot();
+    EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 3}}));
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->releaseFileSources());
+    EXPECT_EQ(set->getFileHandler(PICTURE_MODE), nullptr);
+    EXPECT_TRUE(current(MODE_FILE) ==
+                withChecksum(withValue(m_root.read(Copy::Factory, MODE_FILE), SECTION, "Hue", 5)));
+    std::vector<_Argument_t> args;
+    EXPECT_FALSE(set->loadData(PICTURE_MODE, DIMS, args));
+    EXPECT_TRUE(set->resumeFileSources());
+    for (const _DataCategory_t category : {PICTURE_GLOBAL, PICTURE_MODE})
+        EXPECT_TRUE(set->loadData(category));
+    EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 3);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 6}}));
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_TRUE(checksumIsRight(current(MODE_FILE)));
+    EXPECT_TRUE(set->loadData(PICTURE_MODE));
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 6);
+}
+
+TEST_F(SetsLifeTest, ClientsOverlapWhileBackupsRun) {
+    constexpr int LAST = 20;
+    auto set = firstBoot();
+    std::atomic<bool> done{false};
+    std::vector<std::thread> clients;
+    // Each owns one value; the two of a category change different sections or fields.
+    const std::vector<std::function<bool(int)>> stores{
+        [&](int value) {
+            return set->storeData(PICTURE_MODE, {0, 0, 0}, {{"Hue", value}});
+        },
+        [&](int value) {
+            return set->storeData(PICTURE_MODE, {15, 11, 7}, {{"Blur", value + 100}});
+        },
+        [&](int value) {
+            return set->storeData(PICTURE_GLOBAL, {}, {{"RGBOnly", value}});
+        },
+        [&](int value) {
+            return set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", value}});
+        },
+    };
+    for (const auto& store : stores) {
+        clients.emplace_back([&store] {
+            for (int value = 1; value <= LAST; ++value)
+                EXPECT_TRUE(store(value));
+        });
+    }
+    std::thread reader([&] {
+        int before = 0;
+        while (!done) {
+            const int value = valueIn(*set, PICTURE_MODE, {0, 0, 0}, "Hue");
+            EXPECT_GE(value, before);
+            before = value;
+        }
+    });
+    std::thread backups([&] {
+        while (!done)
+            EXPECT_TRUE(set->backupData());
+    });
+    for (std::thread& client : clients)
+        client.join();
+    EXPECT_TRUE(set->waitWritten());
+    done = true;
+    reader.join();
+    backups.join();
+
+    const std::string mode = m_root.read(Copy::Factory, MODE_FILE);
+    const std::string global = m_root.read(Copy::Factory, GLOBAL_FILE);
+    EXPECT_TRUE(current(MODE_FILE) ==
+                withChecksum(withValue(withValue(mode, "[000]\n", "Hue", LAST), "[fb7]\n", "Blur", LAST + 100)));
+    EXPECT_EQ(current(GLOBAL_FILE), withChecksum(withValue(withValue(global, "[Global]\n", "RGBOnly", LAST),
+                                                           "[Global]\n", "FpsSwitch", LAST)));
+    EXPECT_TRUE(checksumIsRight(backup(MODE_FILE)));
+    EXPECT_TRUE(set->backupData());
+    for (const char* file : {MODE_FILE, GLOBAL_FILE})
+        EXPECT_TRUE(backup(file) == current(file));
+    set.reset();
+    set = SmallSet::boot();
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, {15, 11, 7}, "Blur"), LAST + 100);
+    EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), LAST);
+}
+
+} // namespace
+} // namespace td::test
