@@ -1,0 +1,35 @@
+/// From the words of a command line to categories, records and fields, and back. A word that fits nothing is a
+/// UsageError that says what would fit.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <dataModule/fileOperator/CategoryLayout.h>
+
+#include "Verb.h"
+
+namespace td::dmctl {
+
+/// The category's name in requests.
+std::string categoryName(const CategoryLayout& layout);
+/// The category of that name, case ignored. An empty word stands for none given.
+const CategoryLayout& categoryNamed(const std::string& word);
+/// The categories of the words, all of them when there are none.
+std::vector<const CategoryLayout*> categoriesNamed(const Words& words);
+
+/// The name of a dimension's value, or its number where it has no name.
+std::string valueName(const Dimension& dimension, int index);
+/// The record that the words address, one word per dimension.
+std::vector<int> recordNamed(const CategoryLayout& layout, const Words& words);
+/// What addresses the record, for people: value names with commas between; empty without dimensions.
+std::string recordText(const CategoryLayout& layout, const std::vector<int>& indices);
+/// The field of that name in requests, case ignored if none is written exactly so.
+const Field& fieldNamed(const CategoryLayout& layout, const std::string& word);
+
+/// "unknown KIND "WORD"" with the near candidates or, introduced by `all`, every one.
+std::string unknownWord(const std::string& kind, const std::string& word, const std::vector<std::string>& candidates,
+                        const std::string& all);
+std::string joined(const std::vector<std::string>& texts);
+
+} // namespace td::dmctl
