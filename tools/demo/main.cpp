@@ -1,7 +1,9 @@
 // Plays the life of a television on real files under a folder of its own: the factory makes the files, the set boots
 // for the first time, reads and stores values, restarts and reads them again. Tells at the end what it did.
 // Exit status: 0 when every value survived the restart.
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
@@ -19,9 +21,9 @@ namespace {
 
 constexpr int STORE_TIMEOUT_MS = 10'000;
 
-const char* const CURRENT = "/var/local/dataModule/current";
-const char* const BACKUP = "/var/local/dataModule/backup";
-const char* const FACTORY = "/ovdata/model/dataModule/manufactory";
+constexpr const char* CURRENT = "/var/local/dataModule/current";
+constexpr const char* BACKUP = "/var/local/dataModule/backup";
+constexpr const char* FACTORY = "/ovdata/model/dataModule/manufactory";
 
 /// One value that the demo follows, with what it found of it at each stage.
 struct FollowedValue {
@@ -150,25 +152,27 @@ double playRestart(std::vector<FollowedValue>& followed) {
     return loadMs;
 }
 
-/// Bytes of each file of a directory of the root, by name.
-std::map<std::string, std::uintmax_t> filesOf(const fs::path& root, const char* directory) {
-    std::map<std::string, std::uintmax_t> sizes;
-    for (const fs::directory_entry& entry : fs::directory_iterator(root / fs::path(directory).relative_path()))
-        sizes[entry.path().filename().string()] = entry.file_size();
-    return sizes;
-}
-
+/// Prints the size of every file in each of the three directories, by name, and the sums.
 void printFiles(const fs::path& root) {
-    fmt::print("Files of the factory, in bytes\n");
-    for (const char* directory : {CURRENT, BACKUP, FACTORY}) {
-        const auto files = filesOf(root, directory);
-        std::uintmax_t total = 0;
-        for (const auto& [name, size] : files)
-            total += size;
-        fmt::print("  {}/  {} files, {} bytes\n", directory, files.size(), total);
-        for (const auto& [name, size] : files)
-            fmt::print("    {:<40} {:>9}\n", name, size);
+    constexpr std::array DIRECTORIES{CURRENT, BACKUP, FACTORY};
+    std::map<std::string, std::array<std::uintmax_t, DIRECTORIES.size()>> sizes;
+    std::array<std::uintmax_t, DIRECTORIES.size()> counts{};
+    std::array<std::uintmax_t, DIRECTORIES.size()> sums{};
+    for (std::size_t i = 0; i < DIRECTORIES.size(); ++i) {
+        for (const fs::directory_entry& entry :
+             fs::directory_iterator(root / fs::path(DIRECTORIES[i]).relative_path())) {
+            sizes[entry.path().filename().string()][i] = entry.file_size();
+            ++counts[i];
+            sums[i] += entry.file_size();
+        }
     }
+    constexpr const char* ROW = "{:<42} {:>10} {:>10} {:>10}\n";
+    fmt::print(ROW, "Files as the factory makes them, bytes", "current", "backup", "factory");
+    for (const auto& [name, size] : sizes)
+        fmt::print(ROW, name, size[0], size[1], size[2]);
+    fmt::print(ROW, "together", sums[0], sums[1], sums[2]);
+    fmt::print(ROW, "number of files", counts[0], counts[1], counts[2]);
+    fmt::print("\ncurrent: {}\nbackup:  {}\nfactory: {}\n", CURRENT, BACKUP, FACTORY);
 }
 
 /// Returns how many values survived.
