@@ -149,6 +149,16 @@ bool syncDirectory(const Descriptor& directory) {
     return fsync(directory.get()) == 0 || errno == EINVAL;
 }
 
+/// Gives an open file the mode and owner of the file at `replaced`, if there is one.
+bool giveModeAndOwnerOf(const char* replaced, int descriptor) {
+    struct stat status {};
+    if (stat(replaced, &status) != 0)
+        return errno == ENOENT;
+    // Only a privileged process may give files away; for the others the file stays their own.
+    [[maybe_unused]] const int ignored = fchown(descriptor, status.st_uid, status.st_gid);
+    return fchmod(descriptor, status.st_mode & PERMISSIONS) == 0;
+}
+
 /// The temporary file of one replacement, empty at first. An exclusive lock keeps other threads and processes off it
 /// until it is closed; a process that dies leaves a file that the next one takes over.
 class TemporaryFile {
@@ -163,7 +173,7 @@ public:
     bool fill(const char* from, const char* replaced) const {
         if (FileUtil::copySingleFile(from, m_path) != 0 || !isComplete(from))
             return false;
-        return takeModeAndOwner(replaced) && fsync(m_descriptor.get()) == 0;
+        return giveModeAndOwnerOf(replaced, m_descriptor.get()) && fsync(m_descriptor.get()) == 0;
     }
 
 private:
@@ -214,15 +224,6 @@ private:
         if (stat(from, &source) != 0 || !S_ISREG(source.st_mode) || fstat(m_descriptor.get(), &copy) != 0)
             return false;
         return source.st_size == copy.st_size && isAt(m_path, copy);
-    }
-
-    bool takeModeAndOwner(const char* replaced) const {
-        struct stat status {};
-        if (stat(replaced, &status) != 0)
-            return errno == ENOENT;
-        // Only a privileged process may give files away; for the others the file stays their own.
-        [[maybe_unused]] const int ignored = fchown(m_descriptor.get(), status.st_uid, status.st_gid);
-        return fchmod(m_descriptor.get(), status.st_mode & PERMISSIONS) == 0;
     }
 
     const char* const m_path;
@@ -348,6 +349,10 @@ bool FileUtil::closeFile() {
 
 void FileUtil::deferSync(bool deferred) {
     m_syncDeferred = deferred;
+}
+
+bool FileUtil::takeModeAndOwner(const char* replaced) {
+    return m_stream != nullptr && replaced != nullptr && giveModeAndOwnerOf(replaced, fileno(m_stream));
 }
 
 bool FileUtil::syncFile() {

@@ -49,6 +49,9 @@ public:
     void deferSync(bool deferred);
     /// Flushes and syncs what was written.
     bool syncFile();
+    /// Gives the open file the mode and owner of the one at `replaced`, if there is one; only a privileged process can
+    /// give files away, which is no failure.
+    bool takeModeAndOwner(const char* replaced);
     /// Forgets what was read ahead, so that the next read sees the file as it is now.
     bool dropReadAhead();
     /// The stream, or null.

@@ -487,9 +487,14 @@ _LOAD_FILE_MODE AbstractFileOperator::stateChanged(_LOAD_FILE_MODE mode) const {
 }
 
 bool AbstractFileOperator::loadFile() {
-    MutexLock lock(m_criticalSection);
     DM_INFO("======================= start to load file =====================\n");
     TimeUtil::instance()->start();
+    // Asked before the lock, which the thread that writes the merged file holds.
+    if (m_otaLoading) {
+        DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
+        return false;
+    }
+    MutexLock lock(m_criticalSection);
     if (checkReloadFile() && m_loaded) {
         DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
         return true;
@@ -805,7 +810,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         return false;
     }
     TimeUtil::instance()->start();
-    bool written = writeWholeText(defaults);
+    bool written = writeWholeText(defaults) && m_file.takeModeAndOwner(path.c_str());
     closeFile();
     written = written && FileUtil::commitTemporary(temporary.c_str(), path.c_str());
     DM_INFO("init file [%s] completely, elpased time = %d (ms).\n", path.c_str(), elapsedMilliseconds());

@@ -353,6 +353,9 @@ TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
     m_root.write(Copy::Current, MODE_FILE, withChecksum(old));
     m_root.write(Copy::Factory, MODE_FILE, withChecksum(withValue(good, "[3a7]\n", "Hue", 17)));
 
+    const std::string path = m_root.path(Copy::Current, MODE_FILE);
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+
     auto op = makeOperator<Mode>();
     ASSERT_TRUE(op->loadFile());
     EXPECT_TRUE(m_log.contains("dataModule will load data as OTA Flow in [NORMAL_LOAD].\n"));
@@ -364,6 +367,9 @@ TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
     op->waitForMerge();
     std::string expected = withValue(withValue(good, "[3a7]\n", "Brightness", 61), "[3a7]\n", "Contrast", 62);
     expected = withChecksum(withValue(expected, "[3a7]\n", "Hue", 17));
+    struct stat status = {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U) << "the new file has the old one's mode";
     EXPECT_TRUE(current(MODE_FILE) == expected);
     EXPECT_TRUE(backup(MODE_FILE) == expected);
 
@@ -412,12 +418,12 @@ TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
     op->writing.pass();
     EXPECT_FALSE(op->tryEnterCriticalSection()) << "no backup now";
     EXPECT_EQ(current(), old) << "the old copy stays until the new one is complete";
-    // Each waits for the file; none is lost or refused.
+    EXPECT_FALSE(op->loadFile());
+    EXPECT_TRUE(m_log.contains("Forbidden load flle ["));
+    // A store waits for the file and is not lost.
     std::thread storing([&] { EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 44)); });
-    std::thread loading([&] { EXPECT_TRUE(op->loadFile()); });
     op->mayWrite.open();
     storing.join();
-    loading.join();
     op->waitForMerge();
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_EQ(current(), withChecksum(withValue(goodText(Copy::Current), "[Global]\n", "FpsSwitch", 44)));
