@@ -5,7 +5,7 @@
 namespace td {
 
 /// PICTURE_FACTORY_WB: the two-point white balance of one panel bin, source, dynamic range, signal and colour
-/// temperature, in register steps of the panel.
+/// temperature.
 struct _factory_pic_wb {
     int rGain;
     int gGain;
@@ -34,8 +34,8 @@ struct _Fac_Pic_Wb_20_Point {
 
 /// PICTURE_FACTORY_WB_20_POINT_IDX: how the points of a source and picture mode are used.
 struct _Fac_Pic_Wb_20_Point_Index {
-    int enable; ///< 0 or 1: the points apply
-    int level;  ///< the point last selected, 0 to 19
+    int enable; ///< whether the points apply
+    int level;  ///< a calibration point, 0 to 19
 };
 
 /// PICTURE_FACTORY_WB_20_GAIN: the gain of one calibration point of a source and picture mode.
@@ -45,7 +45,7 @@ struct _Fac_Pic_Wb_20_Gain {
 
 /// PICTURE_FACTORY_WB_20_GAIN_IDX: which gain of a source and picture mode is selected.
 struct _Fac_Pic_Wb_20_Gain_Index {
-    int gainLevel; ///< 0 to 19
+    int gainLevel; ///< a point of the gain table
 };
 
 /// PICTURE_FACTORY_ASPECT: the scaler's windows for one aspect conversion. Starts and active sizes are horizontal and
@@ -59,9 +59,9 @@ struct _FactoryPicAspect_t {
     int outputVStart;
     int outputHActive;
     int outputVActive;
-    int sdScaling;   ///< scaling conversion for standard definition
-    int hdScalingTv; ///< scaling conversion for high definition, television timing
-    int hdScalingPc; ///< scaling conversion for high definition, computer timing
+    int sdScaling;
+    int hdScalingTv;
+    int hdScalingPc;
 };
 
 /// PICTURE_FACTORY_SCALING: the scaler's windows for one scaling conversion; see _FactoryPicAspect_t.
@@ -74,7 +74,7 @@ struct _FactoryPicScaling_t {
     int outputVStart;
     int outputHActive;
     int outputVActive;
-    int overScan; ///< whether the overscan windows apply
+    int overScan;
 };
 
 /// PICTURE_FACTORY_SCALING_PIP: the multipliers of one size of the picture-in-picture window.
@@ -102,7 +102,7 @@ struct _FactoryPicOverscan_t {
 };
 
 /// PICTURE_FACTORY_CURVE and PICTURE_FACTORY_BACKLIGHT_CURVE: five points of the curve from a setting of the user to
-/// the value of the picture pipeline, from the lowest setting to the highest.
+/// the value of the picture pipeline.
 struct _Factory_Pic_Curve {
     int curv0;
     int curv1;

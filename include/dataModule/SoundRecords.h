@@ -124,7 +124,7 @@ struct _FactorySoundEQ_t {
     int band10kHz;
 };
 
-/// SOUND_CURVE: the volume curve of a source, from the lowest volume to the highest, and the prescales.
+/// SOUND_CURVE: the volume curve of a source and the prescales.
 struct _FactorySoundCurve_t {
     int curv0;
     int curv1;

@@ -4,8 +4,8 @@
 
 namespace td {
 
-/// PICTURE_MODE: one picture mode of one source and dynamic range. Levels are 0 to 100 and switches 0 or 1 unless the
-/// picture pipeline defines otherwise; the store does not limit them.
+/// PICTURE_MODE: one picture mode of one source and dynamic range. What a level or switch means is the picture
+/// pipeline's; the store does not limit them.
 struct _UsrPicMode_t {
     int contrast;
     int brightness;
@@ -23,13 +23,13 @@ struct _UsrPicMode_t {
     int mpegNr; ///< MPEG noise reduction level
     int colorSpace;
     int colorTuner;
-    int sensorEnable; ///< the light sensor steers the picture
+    int sensorEnable;
     int minBacklight;
     int gamma;
-    int sensorCctEnable; ///< the light sensor steers the colour temperature
-    int hdrDtm;          ///< dynamic tone mapping
-    int dolbyDd;         ///< Dolby dark detail
-    int dolbyPd;         ///< Dolby precision detail
+    int sensorCctEnable;
+    int hdrDtm;
+    int dolbyDd;
+    int dolbyPd;
     int gradient;
 };
 

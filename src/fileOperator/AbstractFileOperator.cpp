@@ -29,18 +29,6 @@ int elapsedMilliseconds() {
     return TimeUtil::instance()->getElapsed();
 }
 
-/// The checksum of `path` from `offset`. A value left at its start over a range that is not empty means that the file
-/// could not be read.
-bool checksumOf(const char* path, int offset, unsigned int& crc) {
-    unsigned int computed = 0;
-    if (!CRC32Util::instance()->calc_file_crc(path, offset, computed))
-        return false;
-    if (computed == CRC32Util::INITIAL && FileUtil::getFileSize(path) != offset)
-        return false;
-    crc = computed;
-    return true;
-}
-
 } // namespace
 
 // --- construction, names and flags ---
@@ -101,10 +89,17 @@ void AbstractFileOperator::leaveCriticalSection() {
 bool AbstractFileOperator::tryEnterCriticalSection() {
     if (!m_criticalSection.tryLock())
         return false;
-    if (!m_otaLoading)
-        return true;
-    m_criticalSection.unlock();
-    return false;
+    if (m_otaLoading) {
+        m_criticalSection.unlock();
+        return false;
+    }
+    // A failed bulk restore leaves the factory copy open, which is no reason to go without a backup.
+    if (m_loadMode != NORMAL_LOAD) {
+        closeFile();
+        m_loadMode = NORMAL_LOAD;
+        setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
+    }
+    return true;
 }
 
 bool AbstractFileOperator::getStoreFileFlag() {
@@ -225,6 +220,11 @@ bool AbstractFileOperator::openFile(const std::string& path, const char* mode) {
 void AbstractFileOperator::closeFile() {
     m_file.closeFile();
     m_open = OpenFile();
+}
+
+void AbstractFileOperator::closeIfReleased() {
+    if (!m_loaded)
+        closeFile();
 }
 
 bool AbstractFileOperator::isOpenFileAt(const std::string& path) const {
@@ -410,7 +410,7 @@ bool AbstractFileOperator::checksumMatches(const Summary& summary, const _LOAD_F
 }
 
 bool AbstractFileOperator::contentChecksum(unsigned int& crc) {
-    return checksumOf(m_open.path.c_str(), contentPosition(), crc);
+    return td::contentChecksum(m_open.path.c_str(), contentPosition(), crc);
 }
 
 unsigned int AbstractFileOperator::getCrcCode(const char* path) {
@@ -744,6 +744,7 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
         DM_WARNING("Load file from manufactory failed.\n");
     }
     switchToNormal();
+    closeIfReleased();
     return loaded;
 }
 
@@ -755,6 +756,7 @@ bool AbstractFileOperator::refreshDataFromCurrent() {
         DM_INFO("Load file from manufactory successfully.\n");
     else
         DM_WARNING("Load file from manufactory failed.\n");
+    closeIfReleased();
     return loaded;
 }
 
@@ -1098,7 +1100,7 @@ bool rewriteCrcOf(FileUtil& file, const char* path) {
     }
     unsigned int crc = 0;
     CRC32Util::instance()->init_crc_table();
-    if (!file.getCurrentPos(contentPosition) || !checksumOf(path, static_cast<int>(contentPosition), crc)) {
+    if (!file.getCurrentPos(contentPosition) || !contentChecksum(path, static_cast<int>(contentPosition), crc)) {
         DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
         return false;
     }

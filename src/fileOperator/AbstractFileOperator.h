@@ -120,6 +120,8 @@ protected:
     /// that copy is of another version or cannot be written to now, and while a merged file waits to be written.
     bool openCurrent() TD_REQUIRES(m_criticalSection);
     void closeFile() TD_REQUIRES(m_criticalSection);
+    /// A released category leaves no file open.
+    void closeIfReleased() TD_REQUIRES(m_criticalSection);
     /// The name of the factory copy; differs from the file name where the factory has variants.
     virtual std::string factoryFileName();
     /// Replaces the current copy by a new file made of the defaults or of the table, and makes the backup. For initFile

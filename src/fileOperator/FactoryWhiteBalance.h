@@ -6,7 +6,8 @@
 /// it is lost,
 ///   - a store to a record that is not in memory first reads it from the current copy, and is refused if that fails;
 ///   - a merge of versions reads all bins, and the others are forgotten once the merged file is written;
-///   - a file is never made of the table before the missing records were read from the current copy, if there is one.
+///   - a file is never made of the table before the missing records were read from the current copy or, without one,
+///     from the backup or factory copy.
 #pragma once
 
 #include <algorithm>
@@ -115,6 +116,7 @@ private:
     bool loadAllBins() TD_REQUIRES(m_criticalSection);
     void forgetOtherBins() TD_REQUIRES(m_criticalSection);
     bool readMissingRecords() TD_REQUIRES(m_criticalSection);
+    bool readMissingFromOpenFile() TD_REQUIRES(m_criticalSection);
     bool readSlot(const int* indices) TD_REQUIRES(m_criticalSection);
     void getRow(const int* indices, int (&row)[whitebalance::FIELD_COUNT]) TD_REQUIRES(m_criticalSection);
     void putRow(const int* indices, const int (&row)[whitebalance::FIELD_COUNT]) TD_REQUIRES(m_criticalSection);
@@ -250,12 +252,18 @@ template <class Self, class Record, class EventType>
 bool FactoryWhiteBalance<Self, Record, EventType>::readMissingRecords() {
     if (std::find(m_inMemory.begin(), m_inMemory.end(), false) == m_inMemory.end())
         return true;
-    const std::string current = this->getWorkPath(NORMAL_LOAD) + this->m_fileName;
-    if (!FileUtil::checkFile(current.c_str()))
-        return true;
-    // Only a copy that verifies, since the new checksum would hide what is damaged in it, and of this version.
-    if (!this->switchToNormal() || !this->openCurrent())
-        return false;
+    // The first copy that is there, and only if it verifies, since the new checksum would hide what is damaged in it.
+    for (const _LOAD_FILE_MODE mode : {NORMAL_LOAD, BACKUP_LOAD, MANUFACTORY_LOAD}) {
+        const std::string path = this->getWorkPath(mode) + this->m_fileName;
+        if (FileUtil::checkFile(path.c_str()))
+            return fileVerifies(path.c_str(), this->m_version) && this->loadSummary(path.c_str()) &&
+                   readMissingFromOpenFile();
+    }
+    return true;
+}
+
+template <class Self, class Record, class EventType>
+bool FactoryWhiteBalance<Self, Record, EventType>::readMissingFromOpenFile() {
     for (std::size_t record = 0; record < m_inMemory.size(); ++record) {
         int indices[MAX_DIMENSIONS] = {};
         this->layoutOf().indicesOf(static_cast<int>(record), indices);

@@ -72,6 +72,16 @@ SummaryState readSummary(FileUtil& file, Summary& summary) {
     return SummaryState::Complete;
 }
 
+bool contentChecksum(const char* path, int offset, unsigned int& crc) {
+    unsigned int computed = 0;
+    if (!CRC32Util::instance()->calc_file_crc(path, offset, computed))
+        return false;
+    if (computed == CRC32Util::INITIAL && FileUtil::getFileSize(path) != offset)
+        return false;
+    crc = computed;
+    return true;
+}
+
 bool fileVerifies(const char* path, const char* version) {
     FileUtil file;
     Summary summary;
@@ -80,7 +90,7 @@ bool fileVerifies(const char* path, const char* version) {
     if (version != nullptr && std::strcmp(summary.version, version) != 0)
         return false;
     unsigned int crc = 0;
-    return CRC32Util::instance()->calc_file_crc(path, summary.contentPosition(), crc) && crc == summary.crc;
+    return contentChecksum(path, summary.contentPosition(), crc) && crc == summary.crc;
 }
 
 } // namespace td

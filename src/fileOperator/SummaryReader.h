@@ -39,7 +39,11 @@ struct Summary {
 /// was cut within it.
 SummaryState readSummary(FileUtil& file, Summary& summary);
 
+/// The checksum of the bytes of `path` from `offset` on. False, and `crc` untouched, when it cannot be computed: a
+/// value left at its start over a range that is not empty means that the file could not be read.
+bool contentChecksum(const char* path, int offset, unsigned int& crc);
+
 /// Whether the file at `path` has a whole summary of `version` (null: any) whose checksum is that of its contents.
-bool fileVerifies(const char* path, const char* version);
+DATAMODULE_API bool fileVerifies(const char* path, const char* version);
 
 } // namespace td

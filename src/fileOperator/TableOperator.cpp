@@ -241,14 +241,16 @@ bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
 bool TableOperator::loadDataFromCurrentFile(const std::vector<int>& dims) {
     const bool opened = openCurrent();
     DM_INFO("Load data from file [%s] when restore setting from current.\n", getFileFullPath());
-    return opened && readSectionAt(dims);
+    const bool read = opened && readSectionAt(dims);
+    closeIfReleased();
+    return read;
 }
 
 bool TableOperator::readSectionAt(const std::vector<int>& dims) {
     if (!searchSectionId(dims))
         return false;
     if (!sectionIsInFile() || !keysMatch() || !readRecord(recordAt(m_layout.recordIndex(dims.data())))) {
-        DM_WARNING("dimension info [%s] is not matched , maybe the file content is not completed !!!\n",
+        DM_WARNING("dimension info %s is not matched , maybe the file content is not completed !!!\n",
                    idText(dims.data()).c_str());
         return false;
     }
@@ -304,6 +306,7 @@ bool TableOperator::restoreChanged(const std::vector<int>& dims) {
     for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
         if (!loadDataFromManufactoryFile(toVector(m_layout, sweep.indices()))) {
             DM_WARNING("Load data from file [%s] failed when restore setting\n", m_layout.file);
+            closeIfReleased();
             return false;
         }
         switchToNormal();
@@ -332,14 +335,12 @@ bool TableOperator::sameValues(const int* one, const int* other) const {
 bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& dims) {
     if (!checkRequest(dims))
         return false;
-    if (copy.writesAtOnce) {
-        std::vector<_Argument_t> none;
-        if (!AbstractFileOperator::loadData(dims, none))
-            return false;
-        if (!getStoreFileFlag()) {
-            DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
-            return true;
-        }
+    std::vector<_Argument_t> none;
+    if (!AbstractFileOperator::loadData(dims, none))
+        return false;
+    if (!getStoreFileFlag()) {
+        DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+        return true;
     }
     if (copy.startMessage != nullptr)
         DM_INFO("%s", copy.startMessage);
@@ -366,6 +367,7 @@ bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
         if (other == given || (copy.equal != nullptr ? copy.equal(other, given) : sameValues(other, given)))
             continue;
         std::copy_n(given, m_layout.fieldCount(), other);
+        dumpRecord(sweep.indices());
         if (copy.writesAtOnce)
             written = writeAtOnce(sweep.indices()) || written;
         else
@@ -402,12 +404,14 @@ void TableOperator::noteChange(int record) {
 
 void TableOperator::postChangesSinceRefresh() {
     m_refreshed = false;
-    for (const int record : m_changedSinceRefresh) {
+    const std::set<int> changed = std::exchange(m_changedSinceRefresh, {});
+    for (const int record : changed) {
         int indices[MAX_DIMENSIONS] = {};
         m_layout.indicesOf(record, indices);
-        postRecord(indices);
+        // A load may have taken the record out of the table again.
+        if (completeRecord(toVector(m_layout, indices)))
+            postRecord(indices);
     }
-    m_changedSinceRefresh.clear();
 }
 
 // --- groups: categories that have none do nothing ---
@@ -464,12 +468,6 @@ bool TableOperator::syncSectionToFile(Event* event) {
         return false;
     }
     return true;
-}
-
-/// A released category leaves no file open.
-void TableOperator::closeIfReleased() {
-    if (!isLoaded())
-        closeFile();
 }
 
 bool TableOperator::sectionIsInFile() {

@@ -109,7 +109,6 @@ private:
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreEach(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
-    void closeIfReleased() TD_REQUIRES(m_criticalSection);
     /// Positions the open file at the section and reads it into the table.
     bool readSectionAt(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool keysMatch() TD_REQUIRES(m_criticalSection);

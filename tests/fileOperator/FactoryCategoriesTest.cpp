@@ -246,6 +246,27 @@ TEST_F(WhiteBalanceTest, ANewFileOfTheTableKeepsTheBinsThatAreNotInMemory) {
     EXPECT_EQ(valueOf(m_op, first(2), "RGain"), 0);
 }
 
+TEST_F(WhiteBalanceTest, ANewFileWithoutACurrentCopyTakesTheOtherBinsFromTheBackup) {
+    setBin(1);
+    load();
+    m_root.remove(Copy::Current, WB_FILE);
+    ASSERT_TRUE(m_op.initFile(false));
+    EXPECT_TRUE(currentIs(m_calibrated));
+}
+
+TEST_F(WhiteBalanceTest, AStoreBetweenRefreshAndResetIsWrittenWholeEvenIfItLeftTheTable) {
+    load();
+    ASSERT_TRUE(m_op.refreshDataFromManufactory());
+    ASSERT_TRUE(storeValue(m_op, first(3), "RGain", 103)) << "the calibrated value: nothing is to change";
+    ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 7));
+    ASSERT_TRUE(m_op.refreshDataFromCurrent());
+    EXPECT_EQ(valueOf(m_op, first(3), "RGain"), 0) << "bin 0 is in memory again, and only that";
+    ASSERT_TRUE(m_op.resetCurrentFileFromManufactoryFile());
+    m_parent.deliver();
+    EXPECT_EQ(valueOf(m_op, first(3), "RGain"), 103);
+    EXPECT_TRUE(currentIs(m_calibrated)) << "the store was discarded with the table, the calibration was not";
+}
+
 TEST_F(WhiteBalanceTest, ANewFileOfTheTableIsRefusedWhenTheOtherBinsCannotBeTrusted) {
     setBin(1);
     load();

@@ -433,6 +433,28 @@ TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
         op->leaveCriticalSection();
 }
 
+TEST_F(LifecycleTest, NothingIsOpenAfterARelease) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    ASSERT_NE(op->getFileHandler(), nullptr);
+    const std::function<void()> uses[] = {
+        [&] { EXPECT_FALSE(op->restoreSettingFromCurrent({})); },
+        [&] { EXPECT_FALSE(op->restoreSetting({})); },
+        [&] { op->refreshDataFromCurrent(); },
+        [&] { op->refreshDataFromManufactory(); },
+        [&] {
+            EXPECT_TRUE(storeValue(*op, {}, FIELD, 7));
+            EXPECT_EQ(m_parent.deliver(), 0);
+        },
+    };
+    for (const auto& use : uses) {
+        ASSERT_TRUE(op->releaseFile());
+        use();
+        EXPECT_EQ(op->getFileHandler(), nullptr);
+    }
+}
+
 TEST_F(LifecycleTest, ReleasingWaitsForTheMergedFile) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     for (const auto& release : {&Global::releaseFile, &Global::resetForLoadFile}) {

@@ -342,7 +342,8 @@ TEST_F(PictureGlobalTest, RestoresOnlyFromASectionOfItsKeys) {
     EXPECT_TRUE(storeValue(*m_op, {}, "RGBOnly", 7));
     m_root.write(Copy::Factory, GLOBAL_FILE, withChecksum(replaced(m_text, "TpcSwitch ", "TpcSwytch ")));
     EXPECT_FALSE(m_op->restoreSetting({}));
-    EXPECT_TRUE(m_log.contains("] is not matched , maybe the file content is not completed !!!\n"));
+    EXPECT_TRUE(
+        m_log.contains("dimension info [Global] is not matched , maybe the file content is not completed !!!\n"));
     EXPECT_EQ(valueOf(*m_op, {}, "RGBOnly"), 7);
     m_root.write(Copy::Factory, GLOBAL_FILE, withChecksum(withValue(m_text, "[Global]\n", "RGBOnly", 3)));
     EXPECT_TRUE(m_op->restoreSetting({}));

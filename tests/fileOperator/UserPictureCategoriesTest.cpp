@@ -262,6 +262,17 @@ TEST_F(UserPictureTest, RestoreForAllSourcesStopsAtTheFirstFailure) {
     EXPECT_EQ(m_parent.deliver(), 1);
     const std::string current = m_root.read(Copy::Current, "pic_light_sensor_WB_20_gain_usr.ini");
     EXPECT_NE(current.find("[14]\n" + keyLine("WBGainValue", "0006")), std::string::npos);
+
+    // The factory copy is left in use, which costs no backup.
+    EXPECT_FALSE(op.restoreSettingForAllSource({1, 4}));
+    const bool entered = op.tryEnterCriticalSection();
+    ASSERT_TRUE(entered);
+    if (entered) {
+        EXPECT_TRUE(op.backupFile(false));
+        op.leaveCriticalSection();
+    }
+    EXPECT_EQ(m_root.read(Copy::Backup, "pic_light_sensor_WB_20_gain_usr.ini"),
+              m_root.read(Copy::Current, "pic_light_sensor_WB_20_gain_usr.ini"));
 }
 
 // --- section ids ---
