@@ -93,8 +93,9 @@ bool AbstractFileOperator::tryEnterCriticalSection() {
         m_criticalSection.unlock();
         return false;
     }
-    // A failed bulk restore leaves the factory copy open, which is no reason to go without a backup.
-    if (m_loadMode != NORMAL_LOAD) {
+    // A failed bulk restore leaves the factory copy open, which is no reason to go without a backup. After a failed
+    // load the mode stays: what was not loaded does not go over the backup.
+    if (m_loaded && m_loadMode != NORMAL_LOAD) {
         closeFile();
         m_loadMode = NORMAL_LOAD;
         setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
