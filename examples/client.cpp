@@ -6,8 +6,11 @@
 #include <dataModule/platform/RootPrefix.h>
 
 int main(int argc, char** argv) {
-    if (argc > 1 && !td::setRootPrefix(argv[1]))
-        return 1;
+    if (argc > 1) { // on a bench: other files, and no debugging tool to listen to
+        if (!td::setRootPrefix(argv[1]))
+            return 1;
+        td::FileDataSeparateManager::setListening(false);
+    }
     td::FileDataSeparateManager* settings = td::FileDataSeparateManager::instance();
     if (!settings->init(td::DS_SCOPE_ALL))
         return 1;

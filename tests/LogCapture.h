@@ -2,6 +2,8 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <mutex>
 #include <string>
@@ -23,6 +25,7 @@ public:
         DebugOutput::setSink([this](DebugOutput::Level level, const char* line) {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_lines.push_back({level, line});
+            m_added.notify_all();
         });
         DebugOutput::setLevel(DebugOutput::Level::Debug);
     }
@@ -45,6 +48,14 @@ public:
         }));
     }
     bool contains(const std::string& text) const { return count(text) > 0; }
+    /// Waits until a line contains `text`; false after a minute without.
+    bool waitFor(const std::string& text) const {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        return m_added.wait_for(lock, std::chrono::minutes(1), [&] {
+            return std::any_of(m_lines.begin(), m_lines.end(),
+                               [&](const Line& line) { return line.text.find(text) != std::string::npos; });
+        });
+    }
     void clear() {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_lines.clear();
@@ -52,6 +63,7 @@ public:
 
 private:
     mutable std::mutex m_mutex;
+    mutable std::condition_variable m_added;
     std::vector<Line> m_lines;
 };
 

@@ -13,6 +13,7 @@
 
 #include <dataModule/common/CRC32Util.h>
 #include <dataModule/common/SystemPaths.h>
+#include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/IFileOperator.h>
 #include <dataModule/platform/RootPrefix.h>
 
@@ -87,6 +88,7 @@ public:
         for (const Copy copy : {Copy::Current, Copy::Backup, Copy::Factory})
             std::filesystem::create_directories(directory(copy));
         CRC32Util::instance()->init_crc_table();
+        FileDataSeparateManager::setListening(false);
     }
     ~SettingsRoot() { setRootPrefix(""); }
     SettingsRoot(const SettingsRoot&) = delete;
@@ -113,11 +115,11 @@ public:
     }
     bool exists(Copy copy, const std::string& file) const { return m_directory.exists(inRoot(copy, file)); }
     void remove(Copy copy, const std::string& file) const { std::filesystem::remove(path(copy, file)); }
-    /// Every file below the root, relative to it and sorted.
+    /// Every file below the root but the lock files, relative to it and sorted.
     std::vector<std::string> files() const {
         std::vector<std::string> found;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(m_directory.path())) {
-            if (entry.is_regular_file())
+            if (entry.is_regular_file() && entry.path().extension() != ".lock")
                 found.push_back(entry.path().lexically_relative(m_directory.path()).string());
         }
         std::sort(found.begin(), found.end());

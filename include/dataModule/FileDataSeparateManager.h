@@ -17,6 +17,7 @@
 
 namespace td {
 
+class FileLock;
 class Thread;
 struct _ThreadStaticInfo_t;
 
@@ -91,6 +92,23 @@ public:
     /// The operator of a registered category, or null with a log line. Owned by the manager.
     IFileOperator* getFileOperator(const _DataCategory_t& category);
 
+    /// Serves one suspend cycle, on a thread of the client's: waits until the semaphore "release.dataModule" is posted,
+    /// closes all files, waits for "reload.dataModule" and opens them again. `manager` is a manager's
+    /// IDataSeparateManager face; null is answered at once. Ends, within a second, when the manager is released.
+    /// Changes the umask of the process. Returns null.
+    static void* listenSTDSignal(void* manager);
+    /// Follows the detail-log switch: each post of "log.dataModule" makes it read the shared-memory word. init() starts
+    /// it, once for the life of the process. Does nothing for null. Returns null.
+    static void* listenDetailLogSwitch(void* manager);
+    /// Makes, if missing, and attaches the shared-memory word of the switch. Whether that could be done.
+    static bool createDetailLogSwitchSHM();
+    /// Issues the removal of the word, with its key as the id; that seldom names a segment, and the result is false
+    /// then.
+    static bool deleteDetailLogSwitchSHM();
+    /// Whether init() starts the listener of the detail-log switch, in the whole process; it does if not told otherwise
+    /// before. For programs on a bench, which must not take the posts that a television's processes wait for.
+    static void setListening(bool listen);
+
     /// Waits, at most `milliseconds`, until every store queued so far has been handled. Whether that came true.
     bool waitStored(int milliseconds);
     /// What the worker has done so far.
@@ -114,6 +132,7 @@ private:
     void initForBiz();
     void initForDvbmain();
     bool registerScope(_DS_Scope_t scope);
+    static void startDetailLogListener(FileDataSeparateManager* manager);
     void registerCategories(const _DataCategory_t* categories, int count);
     void setParents();
     /// Deletes the operators and empties the registry by category. The worker must not run.
@@ -137,6 +156,7 @@ private:
     char m_tvType[TV_TYPE_SIZE] = {};
     std::atomic<bool> m_reservedFlag{false};
     std::unique_ptr<Thread> m_worker;
+    std::unique_ptr<FileLock> m_processesLock; ///< held from init() to stop(), for tools to see
     std::atomic<bool> m_inited{false};
     std::atomic<bool> m_allLoaded{false};
     std::atomic<bool> m_stopped{false};

@@ -3,7 +3,8 @@
 /// The lock order of the library, outermost first; nobody waits for a lock while holding one that comes after it:
 ///   1. Thread's life mutex   (start and stop; held while the worker is joined)
 ///   2. Thread's statistics mutex   (held while an event is handled)
-///   3. an operator's critical section   (table and file; one operator's at a time)
+///   3. an operator's critical section   (table and file; one operator's at a time), and inside it the lock between
+///      processes on the category's lock file
 ///   4. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
 ///   5. CRC32Util's file mutex
 ///   6. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, CRC32Util's

@@ -12,6 +12,7 @@ constexpr int PATH_SIZE = 256;
 
 constexpr const char* CURRENT_DIRECTORY = "/var/local/dataModule/current/";
 constexpr const char* BACKUP_DIRECTORY = "/var/local/dataModule/backup/";
+constexpr const char* LOCK_DIRECTORY = "/var/local/dataModule/lock/";
 constexpr const char* DEFAULT_FACTORY_DIRECTORY = "/ovdata/model/dataModule/manufactory/";
 constexpr const char* FACTORY_DIRECTORY_FORMAT = "/ovdata/model/%s/manufactory/";
 constexpr const char* MODEL_INDEX_FILE = "/ovdata/model/config/ov_characteristic_index.ini";
@@ -27,6 +28,15 @@ inline std::string backupDirectory() {
 }
 inline std::string defaultFactoryDirectory() {
     return underRootPrefix(DEFAULT_FACTORY_DIRECTORY);
+}
+
+/// The file that processes lock while they work on the copies of a category.
+inline std::string lockFile(const std::string& settingsFile) {
+    return underRootPrefix(LOCK_DIRECTORY) + settingsFile + ".lock";
+}
+/// The file that every process locks, shared, from init() to stop().
+inline std::string processesLockFile() {
+    return underRootPrefix(LOCK_DIRECTORY) + "processes.lock";
 }
 
 } // namespace td::paths

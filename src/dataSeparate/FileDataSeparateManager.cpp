@@ -20,6 +20,7 @@
 #include <boost/asio/thread_pool.hpp>
 
 #include <dataModule/common/CRC32Util.h>
+#include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/SystemPaths.h>
@@ -30,12 +31,16 @@
 #include <dataModule/platform/OsalThreads.h>
 #include <dataModule/platform/RootPrefix.h>
 
+#include "LiveManagers.h"
+
 namespace td {
 
 namespace {
 
 FileDataSeparateManager* s_instance = nullptr;
+std::atomic<bool> s_listening{true};
 
+constexpr const char* LISTENER_NAME = "DataModuleDetailLog";
 constexpr const char* WORKER_NAME = "FileManagerSyncFileThread";
 constexpr std::size_t LOADING_THREADS = 8;
 /// How long a reload waits for the stores queued before it.
@@ -253,6 +258,19 @@ bool readFactoryDirectory(char (&model)[paths::PATH_SIZE], std::string& director
     return directory.size() + FILE_NAME_ROOM <= static_cast<std::size_t>(paths::PATH_SIZE);
 }
 
+/// Keeps all other processes off all files.
+class AllFilesLock {
+public:
+    AllFilesLock() {
+        std::size_t next = 0;
+        for (const CategoryLayout* layout : allLayouts())
+            m_locks[next++].lock(paths::lockFile(layout->file), FileLock::Kind::Exclusive);
+    }
+
+private:
+    FileLock m_locks[CATEGORY_COUNT];
+};
+
 /// Nothing is removed when there is nothing to put in its place.
 bool replaceByFactoryFiles(const char* factory) {
     std::error_code error;
@@ -261,6 +279,7 @@ bool replaceByFactoryFiles(const char* factory) {
         return false;
     const std::string current = paths::currentDirectory();
     const std::string backup = paths::backupDirectory();
+    const AllFilesLock lock;
     FileUtil::removeDirFile(current.c_str());
     FileUtil::removeDirFile(backup.c_str());
     return FileUtil::copyDirFile(factory, current.c_str()) && FileUtil::copyDirFile(factory, backup.c_str());
@@ -296,17 +315,22 @@ FileDataSeparateManager* FileDataSeparateManager::instance() {
 void FileDataSeparateManager::release() {
     if (s_instance == nullptr)
         return;
+    // Before anything of it goes: a listener on a thread of the client's may be at work on it.
+    LiveManagers::instance().remove(s_instance);
     delete s_instance;
     s_instance = nullptr;
     holdRootPrefix(false);
 }
 
-FileDataSeparateManager::FileDataSeparateManager() : m_worker(std::make_unique<Thread>(WORKER_NAME)) {
+FileDataSeparateManager::FileDataSeparateManager()
+    : m_worker(std::make_unique<Thread>(WORKER_NAME)), m_processesLock(std::make_unique<FileLock>()) {
     static_assert(PATH_SIZE == paths::PATH_SIZE && TV_TYPE_SIZE == 16, "buffers of the interface");
     std::snprintf(m_manufactoryPath, sizeof m_manufactoryPath, "%s", paths::defaultFactoryDirectory().c_str());
+    LiveManagers::instance().add(this);
 }
 
 FileDataSeparateManager::~FileDataSeparateManager() {
+    LiveManagers::instance().remove(this);
     FileDataSeparateManager::stop();
     m_operatorSet.clear();
 }
@@ -556,9 +580,30 @@ bool FileDataSeparateManager::init(_DS_Scope_t scope) {
         return false;
     }
     m_inited = true;
+    static_cast<void>(m_processesLock->lock(paths::processesLockFile(), FileLock::Kind::Shared));
+    if (s_listening)
+        startDetailLogListener(this);
 
     DM_INFO(" @@@@@ Init File Data Separate Manager sucessfully. @@@@@ \n");
     return true;
+}
+
+void FileDataSeparateManager::setListening(bool listen) {
+    s_listening = listen;
+}
+
+void FileDataSeparateManager::startDetailLogListener(FileDataSeparateManager* manager) {
+    // The thread needs no manager and outlives this one; a later one finds it running.
+    static std::atomic<bool> started{false};
+    if (started.exchange(true))
+        return;
+    OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
+    if (OsalThreads::create(LISTENER_NAME, listenDetailLogSwitch, manager, handle)) {
+        OsalThreads::detach(handle);
+        return;
+    }
+    DM_WARNING(" FileDataSeparateManager create listen detail log switch thread failed.\n");
+    started = false;
 }
 
 bool FileDataSeparateManager::registerScope(_DS_Scope_t scope) {
@@ -617,6 +662,7 @@ bool FileDataSeparateManager::stop() {
         return true;
     m_worker->stop();
     deleteOperators();
+    m_processesLock->unlock();
     return true;
 }
 
@@ -779,6 +825,14 @@ bool FileDataSeparateManager::resumeFileSources() {
         result = attempt([file = op] { return file->reloadFile(); });
         if (!result)
             DM_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
+    }
+    // The walk does nothing to a file: what a suspend image had closed is loaded again here.
+    for (const auto& [category, op] : m_fileOperators) {
+        auto* const released = dynamic_cast<AbstractFileOperator*>(op);
+        if (released != nullptr && !attempt([=] { return released->loadIfReleased(); })) {
+            DM_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
+            result = false;
+        }
     }
     DM_INFO("resume all data files successfully when before making STD image. \n");
     return result;

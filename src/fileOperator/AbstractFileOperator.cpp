@@ -36,7 +36,7 @@ int elapsedMilliseconds() {
 AbstractFileOperator::AbstractFileOperator(const char* fileName, const char* version) {
     copyBounded(fileName, m_fileName, sizeof m_fileName);
     copyBounded(version, m_version, sizeof m_version);
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
 }
 
@@ -89,7 +89,7 @@ void AbstractFileOperator::leaveCriticalSection() {
 bool AbstractFileOperator::tryEnterCriticalSection() {
     if (!m_criticalSection.tryLock())
         return false;
-    if (m_otaLoading) {
+    if (m_otaLoading || !m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName))) {
         m_criticalSection.unlock();
         return false;
     }
@@ -223,6 +223,14 @@ void AbstractFileOperator::closeFile() {
     m_open = OpenFile();
 }
 
+void AbstractFileOperator::shareFiles() {
+    m_criticalSection.shareFiles(paths::lockFile(m_fileName));
+}
+
+bool AbstractFileOperator::takeFiles() {
+    return m_criticalSection.takeFiles(paths::lockFile(m_fileName));
+}
+
 void AbstractFileOperator::closeIfReleased() {
     if (!m_loaded)
         closeFile();
@@ -257,6 +265,7 @@ void AbstractFileOperator::adoptSummary(const Summary& summary, SummaryState sta
 bool AbstractFileOperator::openCurrent() {
     if (m_otaLoading)
         return false;
+    shareFiles();
     m_sectionSkipped = false;
     const std::string path = getWorkPath(NORMAL_LOAD) + m_fileName;
     m_loadMode = NORMAL_LOAD;
@@ -279,6 +288,7 @@ bool AbstractFileOperator::openCurrent() {
 bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
     if (m_parent == nullptr)
         return false;
+    shareFiles();
     const std::string path = mode == MANUFACTORY_LOAD ? factoryPath() : getWorkPath(mode) + m_fileName;
     closeFile();
     setPath(path);
@@ -308,6 +318,7 @@ bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
 }
 
 bool AbstractFileOperator::loadSummary(const char* path) {
+    shareFiles();
     closeFile();
     if (path == nullptr || std::strlen(path) >= static_cast<std::size_t>(paths::PATH_SIZE))
         return false;
@@ -495,7 +506,7 @@ bool AbstractFileOperator::loadFile() {
         DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
         return false;
     }
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     if (checkReloadFile() && m_loaded) {
         DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
         return true;
@@ -512,6 +523,7 @@ bool AbstractFileOperator::loadFile() {
         return false;
     }
     m_loaded = true;
+    m_releasedLoaded = false;
     if (m_otaLoading)
         startMergeThread();
     return true;
@@ -531,6 +543,10 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
             break;
         if (fatal || reading == Reading::Failed)
             return false;
+        if (mode == NORMAL_LOAD && currentWasMended()) {
+            m_otaLoading = false;
+            continue;
+        }
         mode = stateChanged(mode);
         if (mode == INVALID_LOAD) {
             DM_ERROR("load file [%s] failed.\n", m_path.load());
@@ -546,6 +562,11 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         return true;
     DM_WARNING("switch to normal load failed.\n");
     return false;
+}
+
+/// Another process may have found the same damage, or the same old version, and be done with it.
+bool AbstractFileOperator::currentWasMended() {
+    return takeFiles() && fileVerifies((getWorkPath(NORMAL_LOAD) + m_fileName).c_str(), m_version);
 }
 
 AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mode) {
@@ -633,9 +654,12 @@ bool AbstractFileOperator::readFactoryTable() {
 void AbstractFileOperator::startMergeThread() {
     TimeUtil::instance()->start();
     OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
+    // No other process may merge the same file, or store in it, before this one has written what it read.
+    m_criticalSection.keepFiles(true);
     if (OsalThreads::create("DataModuleMerge", mergeProc, this, handle)) {
         m_mergeThread = handle;
     } else {
+        m_criticalSection.keepFiles(false);
         DM_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
         createFileProc(this);
     }
@@ -644,7 +668,8 @@ void AbstractFileOperator::startMergeThread() {
 
 void* AbstractFileOperator::mergeProc(void* self) {
     auto* op = static_cast<AbstractFileOperator*>(self);
-    MutexLock lock(op->m_criticalSection);
+    SectionLock lock(op->m_criticalSection);
+    op->m_criticalSection.keepFiles(false);
     try {
         return createFileProc(op);
     } catch (...) {
@@ -685,7 +710,7 @@ bool AbstractFileOperator::createFile() {
 void AbstractFileOperator::waitForMerge() {
     OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         std::swap(handle, m_mergeThread);
     }
     if (handle != OsalThreads::INVALID_HANDLE)
@@ -718,7 +743,7 @@ bool AbstractFileOperator::switchToManufactory() {
 }
 
 bool AbstractFileOperator::loadFile(const char* path) {
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     const std::string before = m_path.load();
     bool loaded = loadSummary(path);
     if (!loaded) {
@@ -734,7 +759,7 @@ bool AbstractFileOperator::loadFile(const char* path) {
 }
 
 bool AbstractFileOperator::refreshDataFromManufactory() {
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     DM_INFO("Load file from manufactory.\n");
     const bool loaded = switchToManufactory() && m_file.setPos(contentPosition()) && loadContents();
     if (loaded) {
@@ -750,7 +775,7 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
 }
 
 bool AbstractFileOperator::refreshDataFromCurrent() {
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     DM_INFO("Load file from manufactory.\n");
     const bool loaded = openCurrent() && m_file.setPos(contentPosition()) && loadContents();
     if (loaded)
@@ -764,8 +789,9 @@ bool AbstractFileOperator::refreshDataFromCurrent() {
 bool AbstractFileOperator::releaseFile() {
     // Nobody writes a file that was released.
     waitForMerge();
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     closeFile();
+    m_releasedLoaded = m_loaded || m_releasedLoaded;
     m_loaded = false;
     return true;
 }
@@ -774,9 +800,13 @@ bool AbstractFileOperator::reloadFile() {
     return true;
 }
 
+bool AbstractFileOperator::loadIfReleased() {
+    return !m_releasedLoaded || loadFile();
+}
+
 bool AbstractFileOperator::resetForLoadFile() {
     waitForMerge();
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     m_loaded = false;
     closeFile();
     DM_INFO("@@@@@@@@@@ close file [%s] when reset \n", m_path.load());
@@ -786,11 +816,12 @@ bool AbstractFileOperator::resetForLoadFile() {
 // --- making, copying and removing copies ---
 
 bool AbstractFileOperator::initFile(bool defaults) {
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     return writeNewFile(defaults);
 }
 
 bool AbstractFileOperator::writeNewFile(bool defaults) {
+    takeFiles();
     closeFile();
     m_loadMode = NORMAL_LOAD;
     const std::string directory = getWorkPath(NORMAL_LOAD);
@@ -875,6 +906,7 @@ bool AbstractFileOperator::recoverFile() {
         DM_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(m_loadMode));
         return false;
     }
+    takeFiles();
     DM_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(m_loadMode));
     const std::string directory = getWorkPath(NORMAL_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
@@ -896,6 +928,7 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
         DM_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(m_loadMode));
         return false;
     }
+    takeFiles();
     const std::string directory = getWorkPath(BACKUP_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
         DM_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
@@ -932,9 +965,10 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
 }
 
 bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     const std::string factory = factoryPath();
     const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    takeFiles();
     closeFile();
     setPath(current);
     // Invariant 1.
@@ -949,7 +983,8 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
 }
 
 bool AbstractFileOperator::removeFile() {
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
+    takeFiles();
     closeFile();
     removeCopy(paths::defaultFactoryDirectory() + m_fileName);
     removeCopy(getWorkPath(BACKUP_LOAD) + m_fileName);
@@ -957,7 +992,8 @@ bool AbstractFileOperator::removeFile() {
 }
 
 bool AbstractFileOperator::removeCurrentFile() {
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
+    takeFiles();
     closeFile();
     return removeCopy(getWorkPath(NORMAL_LOAD) + m_fileName);
 }
@@ -1012,6 +1048,7 @@ bool AbstractFileOperator::searchSectionId(const char* id) {
 
 bool AbstractFileOperator::updateSummary() {
     DM_INFO("update summary info for file [%s] ...\n", m_path.load());
+    takeFiles();
     // The lines are rewritten in place, so the ones that stand there must have the written widths (invariant 3).
     if ((!m_creating && !openCurrent()) || scanFor(text::SUMMARY_HEADER) != Found::Yes ||
         m_summaryLength != text::SUMMARY_LENGTH) {
@@ -1039,6 +1076,7 @@ bool AbstractFileOperator::updateSummary() {
 bool AbstractFileOperator::updateCrcCode() {
     if (std::exchange(m_sectionSkipped, false) || m_otaLoading)
         return true;
+    takeFiles();
     const bool opened = openCurrent();
     if (!opened)
         DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
@@ -1123,6 +1161,9 @@ bool AbstractFileOperator::generateCRC32(const char* path) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
         return false;
     }
+    const std::string name = path;
+    FileLock lock;
+    lock.lock(paths::lockFile(name.substr(name.find_last_of('/') + 1)), FileLock::Kind::Exclusive);
     FileUtil file;
     if (!file.openFile(path, "r+")) {
         DM_WARNING("open file [%s] failed.\n", path);

@@ -26,6 +26,7 @@
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
+#include <dataModule/fileOperator/CriticalSection.h>
 #include <dataModule/fileOperator/SnapshotFloor.h>
 #include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/IDataSeparateManagerInner.h>
@@ -81,7 +82,7 @@ public:
     bool searchSectionId(const char* id) override TD_REQUIRES(m_criticalSection);
     int enableDebugLog() override;
     bool removeCurrentFile() override TD_EXCLUDES(m_criticalSection);
-    /// Also false while a merged file waits to be written.
+    /// Also false while a merged file waits to be written, and while another process is at work on the category.
     bool tryEnterCriticalSection() override TD_TRY_ACQUIRE(true, m_criticalSection);
 
     /// The parent answers for names, directories and flags, and takes events; not owned. Set it before loading.
@@ -110,6 +111,8 @@ public:
     /// Recomputes and rewrites the checksum line of the file at `path`. Needs no operator.
     static bool generateCRC32(const char* path);
 
+    /// Loads again what releaseFile() found loaded and nobody has loaded since. True when there is nothing to do.
+    bool loadIfReleased() TD_EXCLUDES(m_criticalSection);
     /// Waits until a merged file, if any, has been written. Hold no critical section.
     void waitForMerge() TD_EXCLUDES(m_criticalSection);
     /// Sets the process-wide detail-log switch.
@@ -120,6 +123,11 @@ protected:
     /// that copy is of another version or cannot be written to now, and while a merged file waits to be written.
     bool openCurrent() TD_REQUIRES(m_criticalSection);
     void closeFile() TD_REQUIRES(m_criticalSection);
+    /// From here until the critical section is left no other process changes the category's files.
+    void shareFiles() TD_REQUIRES(m_criticalSection);
+    /// The same, and no other process reads them: before anything of them is written. True when a shared lock was given
+    /// up for it, so that what was read under it may have changed since.
+    bool takeFiles() TD_REQUIRES(m_criticalSection);
     /// A released category leaves no file open.
     void closeIfReleased() TD_REQUIRES(m_criticalSection);
     /// The name of the factory copy; differs from the file name where the factory has variants.
@@ -149,7 +157,7 @@ protected:
     /// One line with category and path after a message that names neither.
     void logWhere() const;
 
-    mutable Mutex m_criticalSection;                  ///< table and file
+    mutable CriticalSection m_criticalSection;        ///< table and file
     FileUtil m_file TD_GUARDED_BY(m_criticalSection); ///< the one open file
     SnapshotFloor m_snapshotFloor TD_GUARDED_BY(m_criticalSection);
     /// The comment block as last read or written.
@@ -180,6 +188,9 @@ private:
 
     bool loadFirstGoodCopy() TD_REQUIRES(m_criticalSection);
     enum class Reading { Done, TryNext, Failed };
+    /// After a failure to load the current copy, before another one takes its place: whether another process mended it
+    /// meanwhile.
+    bool currentWasMended() TD_REQUIRES(m_criticalSection);
     Reading readCopy(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
     Reading readForMerge() TD_REQUIRES(m_criticalSection);
     bool mergeBackup() TD_REQUIRES(m_criticalSection);
@@ -208,6 +219,7 @@ private:
     std::atomic<const char*> m_path{""};
     std::set<std::string> m_paths TD_GUARDED_BY(m_criticalSection); ///< every path ever set
     std::atomic<bool> m_loaded{false};
+    std::atomic<bool> m_releasedLoaded{false}; ///< it was loaded when it was released
     char m_fileType[text::TV_TYPE_WIDTH + 1] TD_GUARDED_BY(m_criticalSection) = {}; ///< SN of the last summary
     int m_summaryLength TD_GUARDED_BY(m_criticalSection) = 0;
     int m_crcPosition TD_GUARDED_BY(m_criticalSection) = 0;

@@ -300,7 +300,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadDataForGroup(const std::v
     DM_INFO("%s", m_messages.groupLoadStart);
     TimeUtil::instance()->start();
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         std::vector<int> indices = dims;
         for (int source = 0; source < static_cast<int>(std::size(data)); ++source) {
             indices[whitebalance::SOURCE] = source;
@@ -331,7 +331,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForGroup(const std::
     DM_INFO("%s", m_messages.groupStoreStart);
     TimeUtil::instance()->start();
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         std::vector<int> indices = dims;
         for (int source = 0; source < static_cast<int>(std::size(data)); ++source) {
             indices[whitebalance::SOURCE] = source;
@@ -358,7 +358,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadDataForSelfDefinedGroup(c
     DM_INFO("%s", m_messages.rangeLoadStart);
     TimeUtil::instance()->start();
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         for (const Indices& i : recordsBetween(start, end))
             getRow(i.data(), data[i[SOURCE]][i[DYNAMIC_RANGE]][i[COLOUR_TEMPERATURE]]);
     }
@@ -381,7 +381,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForSelfDefinedGroup(
     DM_INFO("%s", m_messages.rangeStoreStart);
     TimeUtil::instance()->start();
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         for (const Indices& i : recordsBetween(start, end))
             putRow(i.data(), data[i[SOURCE]][i[DYNAMIC_RANGE]][i[COLOUR_TEMPERATURE]]);
     }

@@ -82,7 +82,7 @@ bool TableOperator::loadData(const std::vector<int>& dims, std::vector<_Argument
     if (!checkRequest(dims))
         return false;
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         dumpRecord(dims.data());
         const int* record = recordAt(m_layout.recordIndex(dims.data()));
         if (args.empty())
@@ -107,7 +107,7 @@ bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_A
         return false;
     }
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         if (!completeRecord(dims))
             return false;
         bool changed = false;
@@ -203,7 +203,7 @@ void TableOperator::postRecord(const int* indices) {
 bool TableOperator::restoreSetting(const std::vector<int>& dims) {
     if (!checkRequest(dims))
         return false;
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     return restoreOne(dims);
 }
 
@@ -221,7 +221,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
         return AbstractFileOperator::restoreSettingFromCurrent(dims);
     if (!checkRequest(dims))
         return false;
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     if (!loadDataFromCurrentFile(dims)) {
         DM_WARNING(m_layout.restoreFromCurrentFailed, getFileFullPath());
         return false;
@@ -289,7 +289,7 @@ bool TableOperator::restoreSettingForAllSource(const std::vector<int>& dims) {
     }
     if (!checkRequest(dims))
         return false;
-    MutexLock lock(m_criticalSection);
+    SectionLock lock(m_criticalSection);
     return m_layout.restoreForAllSources.kind == BulkRestore::Kind::PostEach ? restoreEach(dims) : restoreChanged(dims);
 }
 
@@ -346,7 +346,7 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
         DM_INFO("%s", copy.startMessage);
     TimeUtil::instance()->start();
     {
-        MutexLock lock(m_criticalSection);
+        SectionLock lock(m_criticalSection);
         dumpRecord(dims.data());
         const bool written = copyRecord(copy, dims.data());
         if (written)
@@ -454,6 +454,7 @@ bool TableOperator::syncSectionToFile(Event* event) {
         noteSectionSkipped();
         return true;
     }
+    takeFiles();
     if (!openCurrent()) {
         DM_WARNING("open file [%s] failed for storing data.\n", getFileFullPath());
         return false;

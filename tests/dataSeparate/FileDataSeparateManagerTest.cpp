@@ -34,6 +34,7 @@ constexpr int PATIENCE_MILLISECONDS = 60000;
 /// A manager whose init() makes fake operators. They stay readable here until the manager deletes them.
 class FakeManager final : public FileDataSeparateManager {
 public:
+    FakeManager() { setListening(false); }
     ~FakeManager() override { stop(); }
 
     using FileDataSeparateManager::registerOperator;

@@ -37,23 +37,23 @@ template <class Category>
 class Tested final : public Category {
 public:
     bool backup(bool alsoFactory = false) {
-        const MutexLock lock(this->m_criticalSection);
+        const SectionLock lock(this->m_criticalSection);
         return this->backupFile(alsoFactory);
     }
     bool recover() {
-        const MutexLock lock(this->m_criticalSection);
+        const SectionLock lock(this->m_criticalSection);
         return this->recoverFile();
     }
     bool rewriteSummary() {
-        const MutexLock lock(this->m_criticalSection);
+        const SectionLock lock(this->m_criticalSection);
         return this->updateSummary();
     }
     unsigned int crcCode(const std::string& path) {
-        const MutexLock lock(this->m_criticalSection);
+        const SectionLock lock(this->m_criticalSection);
         return this->getCrcCode(path.c_str());
     }
     bool find(const char* id) {
-        const MutexLock lock(this->m_criticalSection);
+        const SectionLock lock(this->m_criticalSection);
         return this->searchSectionId(id);
     }
     bool buildContents(bool defaults) override TD_REQUIRES(AbstractFileOperator::m_criticalSection) {

@@ -71,7 +71,7 @@ void require(bool success, const std::string& what) {
 /// One run of the television's process: a manager from its start to its release.
 class Run {
 public:
-    Run() : m_manager(*td::FileDataSeparateManager::instance()) {}
+    Run() : m_manager(*td::FileDataSeparateManager::instance()) { td::FileDataSeparateManager::setListening(false); }
     ~Run() {
         m_manager.stop();
         td::FileDataSeparateManager::release();

@@ -70,6 +70,7 @@ Session::Session(const Options& options, Root root) {
                                          absolute.string(), absolute.string().size()));
         m_rootOption = "--root " + absolute.string() + " ";
     }
+    FileDataSeparateManager::setListening(false);
     m_manager = FileDataSeparateManager::instance();
     if (FileUtil::checkFile(underRootPrefix(paths::MODEL_INDEX_FILE).c_str()))
         m_manager->loadManufactoryPath();

@@ -1,0 +1,88 @@
+#include <dataModule/common/FileLock.h>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <dataModule/common/FileUtil.h>
+
+namespace td {
+
+namespace {
+
+constexpr mode_t FILE_MODE = 0666;
+
+/// The lock file, open for reading only: that is enough to lock, for processes of other users too. -1 on failure.
+int openLockFile(const std::string& path) {
+    constexpr int FLAGS = O_RDONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    int descriptor = open(path.c_str(), FLAGS, FILE_MODE);
+    if (descriptor < 0 && errno == ENOENT) {
+        const std::string directory = path.substr(0, path.find_last_of('/'));
+        if (FileUtil::checkPath(directory.c_str(), true))
+            descriptor = open(path.c_str(), FLAGS, FILE_MODE);
+    }
+    // A file that exists can be locked on a read-only file system.
+    if (descriptor < 0 && errno == EROFS)
+        descriptor = open(path.c_str(), FLAGS & ~O_CREAT);
+    return descriptor;
+}
+
+/// Whoever waited for a lock may hold one on a file that was removed meanwhile.
+bool isAt(const std::string& path, int descriptor) {
+    struct stat open {};
+    struct stat named {};
+    return fstat(descriptor, &open) == 0 && lstat(path.c_str(), &named) == 0 && open.st_dev == named.st_dev &&
+           open.st_ino == named.st_ino;
+}
+
+} // namespace
+
+FileLock::~FileLock() {
+    unlock();
+}
+
+bool FileLock::lock(const std::string& path, Kind kind) {
+    return take(path, kind, true) == Attempt::Locked;
+}
+
+FileLock::Attempt FileLock::tryLock(const std::string& path, Kind kind) {
+    return take(path, kind, false);
+}
+
+FileLock::Attempt FileLock::take(const std::string& path, Kind kind, bool wait) {
+    constexpr int ATTEMPTS = 100;
+    unlock();
+    const int operation = (kind == Kind::Exclusive ? LOCK_EX : LOCK_SH) | (wait ? 0 : LOCK_NB);
+    for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
+        const int descriptor = openLockFile(path);
+        if (descriptor < 0)
+            return Attempt::NotAvailable;
+        int result = flock(descriptor, operation);
+        while (result != 0 && errno == EINTR)
+            result = flock(descriptor, operation);
+        const bool busy = result != 0 && errno == EWOULDBLOCK;
+        if (result == 0 && isAt(path, descriptor)) {
+            m_descriptor = descriptor;
+            m_kind = kind;
+            return Attempt::Locked;
+        }
+        close(descriptor);
+        if (result != 0)
+            return busy ? Attempt::Busy : Attempt::NotAvailable;
+    }
+    return Attempt::NotAvailable;
+}
+
+void FileLock::unlock() {
+    if (m_descriptor < 0)
+        return;
+    // Closing alone would leave the lock to a child that was forked meanwhile.
+    flock(m_descriptor, LOCK_UN);
+    close(m_descriptor);
+    m_descriptor = -1;
+}
+
+} // namespace td

@@ -1,0 +1,42 @@
+/// Keeps processes apart that work on the same settings files: an advisory lock (flock) on a lock file of its own,
+/// which no settings file is. A process that dies gives its locks back.
+///
+/// An object belongs to one thread at a time. Locks of two objects exclude each other, in one process too.
+#pragma once
+
+#include <string>
+
+#include <dataModule/Export.h>
+
+namespace td {
+
+class DATAMODULE_API FileLock {
+public:
+    enum class Kind { Shared, Exclusive };
+    enum class Attempt { Locked, Busy, NotAvailable };
+
+    FileLock() = default;
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    /// Waits for the lock at `path`; the file, and its directory in a directory that exists, are made if missing. Gives
+    /// back what the object held before. False, holding nothing, when there is no lock file to be had (a directory that
+    /// cannot be written to, no descriptor left): then there is nobody to be kept apart, or no way to.
+    bool lock(const std::string& path, Kind kind);
+    /// The same without waiting.
+    Attempt tryLock(const std::string& path, Kind kind);
+    /// Gives the lock back, if one is held.
+    void unlock();
+    bool isHeld() const { return m_descriptor >= 0; }
+    /// Of the lock that is held.
+    Kind kind() const { return m_kind; }
+
+private:
+    Attempt take(const std::string& path, Kind kind, bool wait);
+
+    int m_descriptor = -1;
+    Kind m_kind = Kind::Shared;
+};
+
+} // namespace td

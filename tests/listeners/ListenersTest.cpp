@@ -1,0 +1,214 @@
+// The listeners over the system's own semaphores and shared memory, posted by another process.
+#include <csignal>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <semaphore.h>
+#include <sys/shm.h>
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/common/ListenerNames.h>
+#include <dataModule/FileDataSeparateManager.h>
+#include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/OperatorFactory.h>
+
+#include "LogCapture.h"
+#include "Process.h"
+#include "SettingsRoot.h"
+
+namespace td::test {
+namespace {
+
+constexpr int PATIENCE_MILLISECONDS = 60000;
+const std::vector<int> DIMS{4, 3, 1};
+
+bool semaphoreExists(const char* name) {
+    sem_t* const semaphore = sem_open(name, 0);
+    if (semaphore == SEM_FAILED)
+        return false;
+    sem_close(semaphore);
+    return true;
+}
+
+bool post(const char* name) {
+    return Process::run({"post", name}) == 0;
+}
+
+/// Leaves no name behind, whoever made it.
+void removeNames() {
+    for (const char* name : {names::RELEASE_SEMAPHORE, names::RELOAD_SEMAPHORE, names::LOG_SEMAPHORE})
+        sem_unlink(name);
+    const int id = shmget(names::DETAIL_LOG_KEY, 0, 0);
+    if (id >= 0)
+        shmctl(id, IPC_RMID, nullptr);
+}
+
+class SmallSet final : public FileDataSeparateManager {
+public:
+    ~SmallSet() override { stop(); }
+
+protected:
+    IFileOperator* makeOperator(_DataCategory_t category) override {
+        return category == PICTURE_GLOBAL || category == PICTURE_MODE ? createOperator(category) : nullptr;
+    }
+};
+
+class ListenersTest : public testing::Test {
+protected:
+    ListenersTest() { removeNames(); }
+    ~ListenersTest() override {
+        if (m_listener.joinable())
+            m_listener.join();
+        umask(m_umask);
+        removeNames();
+    }
+
+    void listenWith(IDataSeparateManager* manager) {
+        m_listener = std::thread([manager] { FileDataSeparateManager::listenSTDSignal(manager); });
+    }
+    static std::unique_ptr<SmallSet> boot() {
+        auto set = std::make_unique<SmallSet>();
+        EXPECT_TRUE(set->init(DS_SCOPE_ALL));
+        EXPECT_TRUE(set->initAllData());
+        set->loadAllData();
+        return set;
+    }
+    static int contrast(IDataSeparateManager& set) {
+        std::vector<_Argument_t> args{{"Contrast", -1}};
+        return set.loadData(PICTURE_MODE, DIMS, args) ? args.front().value : -1;
+    }
+
+    const mode_t m_umask = umask(022);
+    SettingsRoot m_root;
+    LogCapture m_log;
+    std::thread m_listener;
+};
+
+TEST_F(ListenersTest, ASuspendCycleClosesAndReopensTheFiles) {
+    const auto set = boot();
+    listenWith(set.get());
+    ASSERT_TRUE(m_log.waitFor("1.1 just waitting"));
+    // A signal is no reason to stop waiting.
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, nullptr);
+    pthread_kill(m_listener.native_handle(), SIGUSR1);
+
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Contrast", 71}}));
+    ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
+    ASSERT_TRUE(m_log.waitFor("2.1 just waitting"));
+    EXPECT_TRUE(m_log.contains("1.2 release data Module for STD successfully.\n"));
+    EXPECT_EQ(set->getFileHandler(PICTURE_MODE), nullptr);
+    EXPECT_EQ(set->getFileHandler(PICTURE_GLOBAL), nullptr);
+    EXPECT_EQ(contrast(*set), -1) << "no requests while released";
+    EXPECT_NE(m_root.read(Copy::Current, "pic_mode_usr.ini").find("Contrast                 = 0071"), std::string::npos)
+        << "the image holds nothing unwritten";
+
+    ASSERT_TRUE(post(names::RELOAD_SEMAPHORE));
+    m_listener.join();
+    EXPECT_TRUE(m_log.contains("3.listen STD signal thread is over ,so close the semphore.\n"));
+    EXPECT_EQ(contrast(*set), 71);
+    EXPECT_NE(set->getFileHandler(PICTURE_MODE), nullptr);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Contrast", 72}}));
+    EXPECT_TRUE(set->waitStored(PATIENCE_MILLISECONDS));
+    EXPECT_FALSE(semaphoreExists(names::RELEASE_SEMAPHORE));
+    EXPECT_FALSE(semaphoreExists(names::RELOAD_SEMAPHORE));
+    EXPECT_EQ(umask(022), 026U);
+}
+
+TEST_F(ListenersTest, AReloadBeforeTheReleaseWaitsForIt) {
+    const auto set = boot();
+    ASSERT_TRUE(post(names::RELOAD_SEMAPHORE));
+    listenWith(set.get());
+    ASSERT_TRUE(m_log.waitFor("1.1 just waitting"));
+    EXPECT_EQ(contrast(*set), 50);
+    ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
+    m_listener.join();
+    EXPECT_TRUE(m_log.contains("2.2 reload data Module for STD successfully.\n"));
+    EXPECT_EQ(contrast(*set), 50);
+}
+
+TEST_F(ListenersTest, AFailedReleaseEndsTheCycleAndLeavesTheNames) {
+    SmallSet empty; // no operators: nothing to release, which counts as a failure
+    ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
+    ASSERT_TRUE(post(names::RELOAD_SEMAPHORE));
+    listenWith(&empty);
+    m_listener.join();
+    EXPECT_TRUE(m_log.contains("release dataModule failed for STD.\n"));
+    EXPECT_FALSE(m_log.contains("2.1 just waitting"));
+    EXPECT_TRUE(semaphoreExists(names::RELEASE_SEMAPHORE));
+    EXPECT_TRUE(semaphoreExists(names::RELOAD_SEMAPHORE));
+}
+
+TEST_F(ListenersTest, AFileThatCannotBeLoadedAgainIsReported) {
+    const auto set = boot();
+    EXPECT_TRUE(set->releaseFileSources());
+    for (const Copy copy : {Copy::Current, Copy::Backup, Copy::Factory})
+        m_root.remove(copy, "pic_mode_usr.ini");
+    EXPECT_FALSE(set->resumeFileSources());
+    EXPECT_TRUE(m_log.contains(" reload file [pic_mode_usr.ini] failed.\n"));
+    EXPECT_TRUE(m_log.contains("resume all data files successfully"));
+}
+
+TEST_F(ListenersTest, WhatWasNotLoadedStaysSo) {
+    SmallSet set;
+    ASSERT_TRUE(set.init(DS_SCOPE_ALL));
+    ASSERT_TRUE(set.initAllData());
+    EXPECT_TRUE(set.releaseFileSources());
+    EXPECT_TRUE(set.resumeFileSources());
+    EXPECT_EQ(contrast(set), -1);
+}
+
+TEST_F(ListenersTest, AListenerEndsWhenItsManagerIsReleased) {
+    FileDataSeparateManager* const manager = FileDataSeparateManager::instance();
+    listenWith(manager);
+    ASSERT_TRUE(m_log.waitFor("1.1 just waitting"));
+    FileDataSeparateManager::release();
+    m_listener.join();
+    EXPECT_TRUE(m_log.contains("error occur when waitting release sem from STD.\n"));
+    EXPECT_EQ(FileDataSeparateManager::listenSTDSignal(nullptr), nullptr);
+}
+
+TEST_F(ListenersTest, TheDetailLogFollowsTheSharedWord) {
+    FileDataSeparateManager::setListening(true);
+    const auto set = boot();
+    ASSERT_TRUE(m_log.waitFor("just waitting the received sem from user ...\n"));
+    EXPECT_FALSE(m_log.contains("contrast = "));
+
+    ASSERT_EQ(Process::run({"switch", "5"}), 0);
+    ASSERT_TRUE(m_log.waitFor("make the detail log switch 'OPEN'.\n"));
+    EXPECT_TRUE(m_log.contains("received from shm values [5].\n"));
+    EXPECT_EQ(contrast(*set), 50);
+    EXPECT_TRUE(m_log.contains("contrast = "));
+
+    ASSERT_EQ(Process::run({"switch", "0"}), 0);
+    ASSERT_TRUE(m_log.waitFor("make the detail log switch 'OFF'.\n"));
+    m_log.clear();
+    EXPECT_EQ(contrast(*set), 50);
+    EXPECT_FALSE(m_log.contains("contrast = "));
+}
+
+TEST_F(ListenersTest, TheSharedWordIsMadeAndItsRemovalFails) {
+    EXPECT_TRUE(FileDataSeparateManager::createDetailLogSwitchSHM());
+    const int id = shmget(names::DETAIL_LOG_KEY, names::DETAIL_LOG_SIZE, 0);
+    ASSERT_GE(id, 0);
+    EXPECT_FALSE(FileDataSeparateManager::deleteDetailLogSwitchSHM()) << "the key is no segment's id";
+    EXPECT_TRUE(m_log.contains("remove shm [16909060] error.\n "));
+    EXPECT_EQ(shmget(names::DETAIL_LOG_KEY, names::DETAIL_LOG_SIZE, 0), id);
+    EXPECT_EQ(FileDataSeparateManager::listenDetailLogSwitch(nullptr), nullptr);
+}
+
+TEST_F(ListenersTest, WithoutTheSharedWordThereIsNoListening) {
+    ASSERT_GE(shmget(names::DETAIL_LOG_KEY, 1, IPC_CREAT | 0600), 0); // another one's, too small
+    FileDataSeparateManager::listenDetailLogSwitch(&m_log);
+    EXPECT_TRUE(m_log.contains("shmget error with key = [16909060].\n"));
+    EXPECT_TRUE(m_log.contains("create shm for detail log switch failed.\n"));
+}
+
+} // namespace
+} // namespace td::test
