@@ -115,11 +115,11 @@ public:
     }
     bool exists(Copy copy, const std::string& file) const { return m_directory.exists(inRoot(copy, file)); }
     void remove(Copy copy, const std::string& file) const { std::filesystem::remove(path(copy, file)); }
-    /// Every file below the root but the lock files, relative to it and sorted.
+    /// Every file below the root but lock files and redo records, relative to it and sorted.
     std::vector<std::string> files() const {
         std::vector<std::string> found;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(m_directory.path())) {
-            if (entry.is_regular_file() && entry.path().extension() != ".lock")
+            if (entry.is_regular_file() && entry.path().extension() != ".lock" && entry.path().extension() != ".redo")
                 found.push_back(entry.path().lexically_relative(m_directory.path()).string());
         }
         std::sort(found.begin(), found.end());

@@ -539,4 +539,28 @@ bool FileUtil::commitTemporary(const char* temporary, const char* to) {
     return syncDirectory(directory);
 }
 
+bool FileUtil::writeDurably(const char* path, const std::string& bytes) {
+    if (path == nullptr)
+        return false;
+    constexpr int FLAGS = O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
+    int opened = open(path, FLAGS);
+    const bool isNew = opened < 0 && errno == ENOENT;
+    if (isNew)
+        opened = open(path, FLAGS | O_CREAT | O_EXCL, FILE_MODE);
+    const Descriptor file(opened);
+    if (!file.isOpen() || !writeBlock(file.get(), bytes.data(), bytes.size()) || fsync(file.get()) != 0)
+        return false;
+    if (!isNew)
+        return true;
+    const Descriptor directory = openParent(path);
+    return directory.isOpen() && syncDirectory(directory);
+}
+
+bool FileUtil::emptyFile(const char* path) {
+    if (path == nullptr)
+        return false;
+    const Descriptor file(open(path, O_WRONLY | O_NOFOLLOW | O_CLOEXEC));
+    return file.isOpen() && ftruncate(file.get(), 0) == 0;
+}
+
 } // namespace td

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <string>
 
 #include <dataModule/Export.h>
 
@@ -100,6 +101,11 @@ public:
     static bool replaceFile(const char* from, const char* to);
     /// The last two steps of replaceFile for a temporary file that is complete and synced; the same on failure.
     static bool commitTemporary(const char* temporary, const char* to);
+    /// Makes `path` start with `bytes`, on the disk when this returns true; what the file held behind them stays. A
+    /// file that is missing is made (mode 0666), its name synced too. No symbolic link is followed.
+    static bool writeDurably(const char* path, const std::string& bytes);
+    /// Leaves nothing in a file. No sync; false also when there is none.
+    static bool emptyFile(const char* path);
     /// Ends the name of every unfinished file.
     static constexpr const char* TEMPORARY_SUFFIX = ".tmp";
 

@@ -93,6 +93,7 @@ bool AbstractFileOperator::tryEnterCriticalSection() {
         m_criticalSection.unlock();
         return false;
     }
+    endPendingWrite();
     // A failed bulk restore leaves the factory copy open, which is no reason to go without a backup. After a failed
     // load the mode stays: what was not loaded does not go over the backup.
     if (m_loaded && m_loadMode != NORMAL_LOAD) {
@@ -220,15 +221,31 @@ bool AbstractFileOperator::openFile(const std::string& path, const char* mode) {
 
 void AbstractFileOperator::closeFile() {
     m_file.closeFile();
+    m_redo.writes.clear();
     m_open = OpenFile();
 }
 
 void AbstractFileOperator::shareFiles() {
-    m_criticalSection.shareFiles(paths::lockFile(m_fileName));
+    if (!m_criticalSection.shareFiles(paths::lockFile(m_fileName)))
+        return;
+    if (redoIsPending(getWorkPath(NORMAL_LOAD) + m_fileName))
+        takeFiles();
 }
 
 bool AbstractFileOperator::takeFiles() {
-    return m_criticalSection.takeFiles(paths::lockFile(m_fileName));
+    const CriticalSection::Taken taken = m_criticalSection.takeFiles(paths::lockFile(m_fileName));
+    if (taken != CriticalSection::Taken::Before)
+        endPendingWrite();
+    return taken == CriticalSection::Taken::AfterSharing;
+}
+
+void AbstractFileOperator::endPendingWrite() {
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    m_redoStored = false;
+    if (!redoIsPending(current) || !replayRedo(current, m_crc))
+        return;
+    m_file.dropReadAhead();
+    m_backupOutdated = true;
 }
 
 void AbstractFileOperator::closeIfReleased() {
@@ -988,14 +1005,20 @@ bool AbstractFileOperator::removeFile() {
     closeFile();
     removeCopy(paths::defaultFactoryDirectory() + m_fileName);
     removeCopy(getWorkPath(BACKUP_LOAD) + m_fileName);
-    return removeCopy(getWorkPath(NORMAL_LOAD) + m_fileName);
+    return removeCurrentCopy();
 }
 
 bool AbstractFileOperator::removeCurrentFile() {
     SectionLock lock(m_criticalSection);
     takeFiles();
     closeFile();
-    return removeCopy(getWorkPath(NORMAL_LOAD) + m_fileName);
+    return removeCurrentCopy();
+}
+
+bool AbstractFileOperator::removeCurrentCopy() {
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    FileUtil::removeSingleFile(redoPath(current).c_str());
+    return removeCopy(current);
 }
 
 bool AbstractFileOperator::removeCopy(const std::string& path) {
@@ -1081,14 +1104,45 @@ bool AbstractFileOperator::updateCrcCode() {
     if (!opened)
         DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
     const bool updated = opened && rewriteChecksumLine();
+    // A record whose end failed stays, for the next time that the files are taken.
+    if (std::exchange(m_redoStored, false) && updated)
+        clearRedo(m_open.path);
     // With the file closed the next idle backup cannot mistake the new checksum for the backup's.
     closeFile();
     return updated;
 }
 
+bool AbstractFileOperator::addSection(const std::string& text) {
+    long position = 0;
+    if (!m_file.getCurrentPos(position))
+        return false;
+    m_redo.writes.push_back({static_cast<int>(position), text});
+    return true;
+}
+
+bool AbstractFileOperator::writeSections() {
+    m_redoStored = false;
+    if (m_redo.writes.empty())
+        return true;
+    m_redo.contentPosition = contentPosition();
+    m_redo.crcPosition = m_crcPosition;
+    m_redoStored = checksumAfter(m_open.path, m_redo, m_redo.crc) && storeRedo(m_open.path, m_redo);
+    if (!m_redoStored)
+        DM_INFO("no redo record for file [%s], the store goes on without.\n", m_open.path.c_str());
+    const std::vector<RedoRecord::Write> writes = std::exchange(m_redo.writes, {});
+    const DeferredSync deferred(m_file, true);
+    for (const RedoRecord::Write& write : writes) {
+        if (m_file.setPos(write.offset) && m_file.writeFile(write.bytes.c_str(), true))
+            continue;
+        m_redoStored = false;
+        return false;
+    }
+    return m_redoStored || m_file.syncFile();
+}
+
 bool AbstractFileOperator::rewriteChecksumLine() {
-    unsigned int crc = 0;
-    if (!contentChecksum(crc)) {
+    unsigned int crc = m_redo.crc;
+    if (!m_redoStored && !contentChecksum(crc)) {
         DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
         return false;
     }

@@ -5,12 +5,13 @@
 /// What must always be true; code and tests refer to these by number:
 ///   1. A copy that verifies is never overwritten by one that was not verified.
 ///   2. At every instant, and after a cut of power at any instant, one of the three copies of a category loads.
-///   3. A section write touches the bytes of that section and of the checksum line, in the current copy, and nothing
-///      else.
+///   3. A section write touches the bytes of that section and of the checksum line, in the current copy, its redo record
+///      and nothing else.
 ///   4. What a later write put in a section is never replaced by an earlier snapshot.
 ///   5. No lock is waited for while holding one that comes after it in the lock order (common/Mutex.h).
 ///   6. Nothing outside the record table, the caller's arrays and the stated buffers is ever touched, whatever a file
 ///      or a caller says.
+///   7. A store that a cut of power, or the end of the process, divides is found done, or not begun: never in parts.
 ///
 /// Threads: operations that say "the caller holds the critical section" are steps of others; all the rest take it
 /// themselves, at their outermost entry only, and may be called from any thread. It guards table and file.
@@ -27,6 +28,7 @@
 #include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/CriticalSection.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/SnapshotFloor.h>
 #include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/IDataSeparateManagerInner.h>
@@ -123,11 +125,18 @@ protected:
     /// that copy is of another version or cannot be written to now, and while a merged file waits to be written.
     bool openCurrent() TD_REQUIRES(m_criticalSection);
     void closeFile() TD_REQUIRES(m_criticalSection);
-    /// From here until the critical section is left no other process changes the category's files.
+    /// From here until the critical section is left no other process changes the category's files. A write that a cut
+    /// of power or a killed process left half done is ended first.
     void shareFiles() TD_REQUIRES(m_criticalSection);
     /// The same, and no other process reads them: before anything of them is written. True when a shared lock was given
     /// up for it, so that what was read under it may have changed since.
     bool takeFiles() TD_REQUIRES(m_criticalSection);
+    /// Puts `text` from the current position of the open current copy on, when writeSections() is called.
+    bool addSection(const std::string& text) TD_REQUIRES(m_criticalSection);
+    /// Writes what was added, as one piece that a cut of power does or does not divide from its checksum: a redo record
+    /// goes to the disk first, and updateCrcCode() syncs sections and checksum together and ends the record. Without a
+    /// record the sections are synced here.
+    bool writeSections() TD_REQUIRES(m_criticalSection);
     /// A released category leaves no file open.
     void closeIfReleased() TD_REQUIRES(m_criticalSection);
     /// The name of the factory copy; differs from the file name where the factory has variants.
@@ -179,6 +188,8 @@ private:
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
 
+    /// Once per critical section, as soon as it has the files for itself.
+    void endPendingWrite() TD_REQUIRES(m_criticalSection);
     void setPath(const std::string& path) TD_REQUIRES(m_criticalSection);
     bool openFile(const std::string& path, const char* mode) TD_REQUIRES(m_criticalSection);
     /// Whether the open file is still the one at `path`.
@@ -212,6 +223,8 @@ private:
     bool writeWholeText(bool defaults) TD_REQUIRES(m_criticalSection);
     bool rewriteChecksumLine() TD_REQUIRES(m_criticalSection);
     bool readStoredChecksum(const char* path, unsigned int& crc) TD_REQUIRES(m_criticalSection);
+    /// With its redo record, if there is one.
+    bool removeCurrentCopy() TD_REQUIRES(m_criticalSection);
     bool removeCopy(const std::string& path) TD_REQUIRES(m_criticalSection);
     std::string factoryPath();
 
@@ -233,6 +246,8 @@ private:
     bool m_backupRequest TD_GUARDED_BY(m_backupRequestMutex) = false;
     IDataSeparateManagerInner* m_parent = nullptr; ///< set before use
 
+    RedoRecord m_redo TD_GUARDED_BY(m_criticalSection);         ///< of the sections added or written last
+    bool m_redoStored TD_GUARDED_BY(m_criticalSection) = false; ///< it is on the disk; the checksum is still to follow
     OpenFile m_open TD_GUARDED_BY(m_criticalSection);
     bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made
     bool m_sectionSkipped TD_GUARDED_BY(m_criticalSection) = false;

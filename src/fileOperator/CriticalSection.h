@@ -25,19 +25,24 @@ public:
     }
     bool tryLock() TD_TRY_ACQUIRE(true) { return m_mutex.tryLock(); }
 
-    /// Nobody else writes the category's files from now on. Does nothing when the lock is held already, of either kind.
-    void shareFiles(const std::string& lockFile) TD_REQUIRES(this) {
-        if (!m_files.isHeld())
-            m_files.lock(lockFile, FileLock::Kind::Shared);
-    }
-    /// Nobody else reads or writes them from now on. A shared lock is given up first: what was read under it may have
-    /// changed. True when that happened.
-    bool takeFiles(const std::string& lockFile) TD_REQUIRES(this) {
-        if (m_files.isHeld() && m_files.kind() == FileLock::Kind::Exclusive)
+    /// Nobody else writes the category's files from now on. Does nothing, and returns false, when the lock is held
+    /// already, of either kind.
+    bool shareFiles(const std::string& lockFile) TD_REQUIRES(this) {
+        if (m_files.isHeld())
             return false;
+        m_files.lock(lockFile, FileLock::Kind::Shared);
+        return true;
+    }
+    /// When the lock that is held now was taken. After sharing: the shared lock was given up for it, and what was read
+    /// under that may have changed since.
+    enum class Taken { Before, Now, AfterSharing };
+    /// Nobody else reads or writes them from now on.
+    Taken takeFiles(const std::string& lockFile) TD_REQUIRES(this) {
+        if (m_files.isHeld() && m_files.kind() == FileLock::Kind::Exclusive)
+            return Taken::Before;
         const bool wasShared = m_files.isHeld();
         m_files.lock(lockFile, FileLock::Kind::Exclusive);
-        return wasShared;
+        return wasShared ? Taken::AfterSharing : Taken::Now;
     }
     /// The same for a section that holds no such lock, without waiting: false when another process is at work there.
     bool tryTakeFiles(const std::string& lockFile) TD_REQUIRES(this) {

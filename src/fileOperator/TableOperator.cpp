@@ -360,8 +360,7 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
 
 bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
     const int* given = recordAt(m_layout.recordIndex(indices));
-    bool written = false;
-    const DeferredSync deferred(m_file, copy.writesAtOnce);
+    bool added = false;
     for (AxisSweep sweep(m_layout, indices, copy.axes); !sweep.done(); sweep.next()) {
         int* other = recordAt(m_layout.recordIndex(sweep.indices()));
         if (other == given || (copy.equal != nullptr ? copy.equal(other, given) : sameValues(other, given)))
@@ -369,25 +368,24 @@ bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
         std::copy_n(given, m_layout.fieldCount(), other);
         dumpRecord(sweep.indices());
         if (copy.writesAtOnce)
-            written = writeAtOnce(sweep.indices()) || written;
+            added = addAtOnce(sweep.indices()) || added;
         else
             postRecord(sweep.indices());
     }
-    // The sections reach the disk before the checksum that covers them.
-    if (written && m_file.isOpend() && !m_file.syncFile())
+    if (added && !writeSections())
         DM_WARNING("write section %s for file [%s] failed!\n", idText(indices).c_str(), getFileFullPath());
-    return written;
+    return added;
 }
 
-/// Writes past the queue, so what is queued for the section is out of date afterwards (invariant 4).
-bool TableOperator::writeAtOnce(const int* indices) {
+/// Goes past the queue, so what is queued for the section is out of date afterwards (invariant 4).
+bool TableOperator::addAtOnce(const int* indices) {
     const int record = m_layout.recordIndex(indices);
     const std::unique_ptr<Event> event(makeEvent(toVector(m_layout, indices), recordAt(record)));
     m_writingAtOnce = true;
-    const bool written = syncSectionToFile(event.get());
+    const bool added = syncSectionToFile(event.get());
     m_snapshotFloor.raise(record, EventIdGenerator::instance()->peekNextEventId());
     noteChange(record);
-    return written;
+    return added;
 }
 
 // --- between a refresh from the factory copy and the reset of the current one ---
@@ -464,7 +462,7 @@ bool TableOperator::syncSectionToFile(Event* event) {
         closeIfReleased();
         return false;
     }
-    if (!writeRecord(dims.data(), record, false)) {
+    if (!addRecord(record) || (!atOnce && !writeSections())) {
         DM_WARNING("write section %s for file [%s] failed!\n", idText(dims.data()).c_str(), getFileFullPath());
         return false;
     }
@@ -491,6 +489,14 @@ int TableOperator::formatContent(const int* record, char* out, int size) {
     if (enableDebugLog() != 0)
         DM_DEBUG("section content:\n%s", out);
     return length;
+}
+
+bool TableOperator::addRecord(const int* record) {
+    char text[text::SECTION_BUFFER];
+    const int length = formatContent(record, text, text::SECTION_BUFFER);
+    // A widened line would run into the next section (invariant 3).
+    return length == m_layout.sectionLength() - m_layout.headerLength() && length < text::SECTION_BUFFER &&
+           addSection(text);
 }
 
 bool TableOperator::writeRecord(const int* indices, const int* record, bool withHeader) {

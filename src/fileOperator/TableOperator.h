@@ -105,7 +105,9 @@ private:
     bool copyToOthers(const BulkCopy& copy, const std::vector<int>& dims) TD_EXCLUDES(m_criticalSection);
     /// Copies the record to the others that the copy visits. Whether sections were written at once.
     bool copyRecord(const BulkCopy& copy, const int* indices) TD_REQUIRES(m_criticalSection);
-    bool writeAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
+    /// Adds the record's section to those that writeSections() is to write.
+    bool addRecord(const int* record) TD_REQUIRES(m_criticalSection);
+    bool addAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreEach(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);

@@ -1,0 +1,224 @@
+#include <dataModule/fileOperator/RedoRecord.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include <dataModule/common/CRC32Util.h>
+#include <dataModule/common/FileUtil.h>
+#include <dataModule/common/Log.h>
+#include <dataModule/fileOperator/SummaryReader.h>
+#include <dataModule/fileOperator/TextLayout.h>
+
+namespace td {
+
+namespace {
+
+constexpr const char* SUFFIX = ".redo";
+constexpr const char* FIRST_LINE = "redo 1\n";
+/// What a copy to all sources of the widest category needs, many times over.
+constexpr std::size_t LONGEST_RECORD = std::size_t{1} << 20;
+constexpr std::size_t BLOCK_SIZE = 16384;
+
+unsigned int checksumOf(const char* bytes, std::size_t length, unsigned int crc = CRC32Util::INITIAL) {
+    CRC32Util::instance()->init_crc_table();
+    std::string copy(bytes, length); // crc32 takes what it does not change as changeable
+    return CRC32Util::instance()->crc32(crc, reinterpret_cast<unsigned char*>(copy.data()),
+                                        static_cast<unsigned int>(length));
+}
+
+/// Reads a text from its start on; every step fails once one has failed.
+class TextReader {
+public:
+    explicit TextReader(const std::string& text) : m_text(text) {}
+
+    bool expect(const char* word) {
+        const std::size_t length = std::strlen(word);
+        if (m_text.compare(m_position, length, word) != 0)
+            return false;
+        m_position += length;
+        return true;
+    }
+    /// Decimal digits that make an int.
+    bool number(int& value) {
+        constexpr std::size_t MOST_DIGITS = 9;
+        std::size_t end = m_position;
+        int read = 0;
+        while (end < m_text.size() && end - m_position < MOST_DIGITS && m_text[end] >= '0' && m_text[end] <= '9')
+            read = 10 * read + (m_text[end++] - '0');
+        if (end == m_position)
+            return false;
+        m_position = end;
+        value = read;
+        return true;
+    }
+    /// "0x" and eight digits.
+    bool checksum(unsigned int& value) {
+        char digits[11] = {};
+        if (m_text.size() - m_position < 10)
+            return false;
+        std::memcpy(digits, m_text.data() + m_position, 10);
+        char tail = 0;
+        if (std::strspn(digits + 2, "0123456789abcdef") != 8 || std::sscanf(digits, "0x%8x%c", &value, &tail) != 1)
+            return false;
+        m_position += 10;
+        return true;
+    }
+    bool bytes(int count, std::string& out) {
+        if (static_cast<std::size_t>(count) > m_text.size() - m_position)
+            return false;
+        out.assign(m_text, m_position, static_cast<std::size_t>(count));
+        m_position += static_cast<std::size_t>(count);
+        return true;
+    }
+    std::size_t position() const { return m_position; }
+
+private:
+    const std::string& m_text;
+    std::size_t m_position = 0;
+};
+
+bool readWrite(TextReader& reader, RedoRecord::Write& write) {
+    int length = 0;
+    return reader.number(write.offset) && reader.expect(" ") && reader.number(length) && reader.expect("\n") &&
+           reader.bytes(length, write.bytes) && reader.expect("\n") && write.bytes.find('\0') == std::string::npos;
+}
+
+/// Only sections and the checksum line are ever written in place (invariant 3).
+bool staysInPlace(const RedoRecord& record) {
+    return record.crcPosition + text::CRC_LINE_LENGTH <= record.contentPosition &&
+           std::all_of(record.writes.begin(), record.writes.end(),
+                       [&](const RedoRecord::Write& write) { return write.offset >= record.contentPosition; });
+}
+
+bool readAll(const std::string& path, std::string& text) {
+    FileUtil file;
+    if (!FileUtil::isFile(path.c_str()) || !file.openFile(path.c_str(), "r"))
+        return false;
+    char block[BLOCK_SIZE];
+    std::size_t count = 0;
+    while (text.size() <= LONGEST_RECORD && (count = std::fread(block, 1, sizeof block, file.stream())) > 0)
+        text.append(block, count);
+    return std::ferror(file.stream()) == 0 && text.size() <= LONGEST_RECORD;
+}
+
+/// Puts the writes that meet the block at `offset` over it.
+void overlay(const RedoRecord& record, int offset, unsigned char* block, int length) {
+    for (const RedoRecord::Write& write : record.writes) {
+        const int first = std::max(offset, write.offset);
+        const int last = std::min(offset + length, write.offset + static_cast<int>(write.bytes.size()));
+        if (first < last)
+            std::memcpy(block + (first - offset), write.bytes.data() + (first - write.offset),
+                        static_cast<std::size_t>(last - first));
+    }
+}
+
+bool writeBack(const std::string& settingsFile, const RedoRecord& record) {
+    FileUtil file;
+    if (!file.openFile(settingsFile.c_str(), "r+"))
+        return false;
+    file.deferSync(true);
+    for (const RedoRecord::Write& write : record.writes) {
+        if (!file.setPos(write.offset) || !file.writeFile(write.bytes.c_str(), true))
+            return false;
+    }
+    return file.setPos(record.crcPosition) && file.writeFile(text::crcLine(record.crc).c_str(), true) &&
+           file.syncFile();
+}
+
+} // namespace
+
+std::string redoText(const RedoRecord& record) {
+    char line[text::LINE_BUFFER];
+    std::snprintf(line, sizeof line, "contents %d\nchecksum %d 0x%08x\n", record.contentPosition, record.crcPosition,
+                  record.crc);
+    std::string text = std::string(FIRST_LINE) + line;
+    for (const RedoRecord::Write& write : record.writes) {
+        std::snprintf(line, sizeof line, "write %d %d\n", write.offset, static_cast<int>(write.bytes.size()));
+        text += line + write.bytes + '\n';
+    }
+    std::snprintf(line, sizeof line, "end 0x%08x\n", checksumOf(text.data(), text.size()));
+    return text + line;
+}
+
+bool parseRedo(const std::string& text, RedoRecord& record) {
+    record = RedoRecord();
+    TextReader reader(text);
+    if (!reader.expect(FIRST_LINE) || !reader.expect("contents ") || !reader.number(record.contentPosition) ||
+        !reader.expect("\nchecksum ") || !reader.number(record.crcPosition) || !reader.expect(" ") ||
+        !reader.checksum(record.crc) || !reader.expect("\n"))
+        return false;
+    while (reader.expect("write ")) {
+        if (!readWrite(reader, record.writes.emplace_back()))
+            return false;
+    }
+    const std::size_t covered = reader.position();
+    unsigned int stated = 0;
+    return reader.expect("end ") && reader.checksum(stated) && reader.expect("\n") &&
+           stated == checksumOf(text.data(), covered) && staysInPlace(record);
+}
+
+std::string redoPath(const std::string& settingsFile) {
+    return settingsFile + SUFFIX;
+}
+
+bool redoIsPending(const std::string& settingsFile) {
+    return FileUtil::getFileSize(redoPath(settingsFile).c_str()) > 0;
+}
+
+bool storeRedo(const std::string& settingsFile, const RedoRecord& record) {
+    return FileUtil::writeDurably(redoPath(settingsFile).c_str(), redoText(record));
+}
+
+void clearRedo(const std::string& settingsFile) {
+    FileUtil::emptyFile(redoPath(settingsFile).c_str());
+}
+
+bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc) {
+    FileUtil file;
+    if (!file.openFile(settingsFile.c_str(), "r") || !file.setPos(record.contentPosition))
+        return false;
+    CRC32Util::instance()->init_crc_table();
+    unsigned char block[BLOCK_SIZE];
+    unsigned int computed = CRC32Util::INITIAL;
+    int offset = record.contentPosition;
+    int count = 0;
+    while (offset <= text::MAX_FILE_SIZE &&
+           (count = static_cast<int>(std::fread(block, 1, sizeof block, file.stream()))) > 0) {
+        overlay(record, offset, block, count);
+        computed = CRC32Util::instance()->crc32(computed, block, static_cast<unsigned int>(count));
+        offset += count;
+    }
+    const bool reaches = std::all_of(record.writes.begin(), record.writes.end(), [&](const RedoRecord::Write& write) {
+        return write.offset + static_cast<int>(write.bytes.size()) <= offset;
+    });
+    if (std::ferror(file.stream()) != 0 || !reaches || offset > text::MAX_FILE_SIZE)
+        return false;
+    crc = computed;
+    return true;
+}
+
+bool replayRedo(const std::string& settingsFile, unsigned int& crc) {
+    std::string text;
+    RedoRecord record;
+    if (!readAll(redoPath(settingsFile), text) || !parseRedo(text, record))
+        return false;
+    // It was done, or another file has taken the place of the one that it was made for.
+    if (fileVerifies(settingsFile.c_str(), nullptr)) {
+        clearRedo(settingsFile);
+        return false;
+    }
+    unsigned int after = 0;
+    if (!checksumAfter(settingsFile, record, after) || after != record.crc)
+        return false;
+    if (!writeBack(settingsFile, record)) {
+        DM_WARNING("a store in file [%s] was cut short and could not be ended.\n", settingsFile.c_str());
+        return false;
+    }
+    DM_INFO("a store in file [%s] was cut short and has been ended.\n", settingsFile.c_str());
+    clearRedo(settingsFile);
+    crc = record.crc;
+    return true;
+}
+
+} // namespace td

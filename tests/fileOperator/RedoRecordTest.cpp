@@ -1,0 +1,188 @@
+// The redo record: what is one, and when it is replayed.
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/fileOperator/FileUserPictureMode.h>
+#include <dataModule/fileOperator/RedoRecord.h>
+
+#include "FakeParent.h"
+#include "LogCapture.h"
+#include "SettingsRoot.h"
+
+namespace td::test {
+namespace {
+
+constexpr const char* FILE_NAME = "pic_mode_usr.ini";
+constexpr const char* REDO_NAME = "pic_mode_usr.ini.redo";
+const std::vector<int> DIMS{4, 3, 1};
+
+RedoRecord example() {
+    RedoRecord record;
+    record.contentPosition = 200;
+    record.crcPosition = 160;
+    record.crc = 0x0badcafeU;
+    record.writes = {{300, "Hue                      = 0007\n"}, {200, "write 1 1\n"}};
+    return record;
+}
+
+TEST(RedoRecordText, IsReadAsItWasWrittenWhateverFollows) {
+    RedoRecord read;
+    ASSERT_TRUE(parseRedo(redoText(example()) + "rest of a longer record", read));
+    EXPECT_EQ(redoText(read), redoText(example()));
+    EXPECT_EQ(read.writes.at(1).bytes, "write 1 1\n");
+}
+
+TEST(RedoRecordText, TornOrChangedItIsNone) {
+    const std::string text = redoText(example());
+    RedoRecord read;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        EXPECT_FALSE(parseRedo(text.substr(0, i), read)) << "cut at " << i;
+        std::string changed = text;
+        changed[i] = static_cast<char>(changed[i] ^ 1);
+        EXPECT_FALSE(parseRedo(changed, read)) << "changed at " << i;
+    }
+}
+
+TEST(RedoRecordText, WritesNowhereButInSectionsAndTheChecksumLine) {
+    RedoRecord read;
+    RedoRecord record = example();
+    record.writes.front().offset = record.contentPosition - 1;
+    EXPECT_FALSE(parseRedo(redoText(record), read));
+    record = example();
+    record.crcPosition = record.contentPosition - 1;
+    EXPECT_FALSE(parseRedo(redoText(record), read));
+}
+
+class RedoRecordTest : public testing::Test {
+protected:
+    RedoRecordTest() {
+        auto op = makeOperator();
+        EXPECT_TRUE(op->initFile(true));
+        EXPECT_TRUE(op->loadFile());
+        m_before = current();
+        op->storeData(DIMS, {{"Contrast", 77}, {"Hue", -5}});
+        EXPECT_TRUE(m_parent.takePosted().front()->handle());
+        m_after = current();
+        m_redo = recordFor(m_before, m_after);
+    }
+    std::unique_ptr<FileUserPictureMode> makeOperator() {
+        auto op = std::make_unique<FileUserPictureMode>();
+        op->setParent(&m_parent);
+        return op;
+    }
+    std::string current() const { return m_root.read(Copy::Current, FILE_NAME); }
+
+    /// The record of the one section that differs, made by hand.
+    static std::string recordFor(const std::string& before, const std::string& after) {
+        RedoRecord record;
+        record.contentPosition = static_cast<int>(contentAt(after));
+        record.crcPosition = static_cast<int>(lineAt(after, "CRC "));
+        record.crc = checksum(after.substr(contentAt(after)));
+        std::size_t first = contentAt(after);
+        while (before[first] == after[first])
+            ++first;
+        std::size_t last = after.size();
+        while (before[last - 1] == after[last - 1])
+            --last;
+        record.writes = {{static_cast<int>(first), after.substr(first, last - first)}};
+        return redoText(record);
+    }
+    /// The file with the first `count` bytes of the write done.
+    std::string partly(std::size_t count) const {
+        RedoRecord record;
+        EXPECT_TRUE(parseRedo(m_redo, record));
+        std::string text = m_before;
+        const RedoRecord::Write& write = record.writes.front();
+        return text.replace(static_cast<std::size_t>(write.offset), count, write.bytes, 0, count);
+    }
+    /// What a start finds after a cut that left this file and the record.
+    std::string fileAfterStart(const std::string& text, const std::string& redo) {
+        m_root.write(Copy::Current, FILE_NAME, text);
+        m_root.write(Copy::Current, REDO_NAME, redo);
+        auto op = makeOperator();
+        EXPECT_TRUE(op->loadFile());
+        return current();
+    }
+
+    SettingsRoot m_root;
+    FakeParent m_parent;
+    LogCapture m_log;
+    std::string m_before;
+    std::string m_after;
+    std::string m_redo; ///< the record's text
+};
+
+TEST_F(RedoRecordTest, AStoreLeavesNothingPending) {
+    EXPECT_EQ(m_root.read(Copy::Current, REDO_NAME), "");
+    EXPECT_TRUE(checksumIsRight(m_after));
+}
+
+TEST_F(RedoRecordTest, EndsAStoreThatWasCutWithinOrBeforeItsChecksum) {
+    RedoRecord record;
+    ASSERT_TRUE(parseRedo(m_redo, record));
+    for (const std::size_t count : {std::size_t{1}, record.writes.front().bytes.size()}) {
+        m_log.clear();
+        EXPECT_EQ(fileAfterStart(partly(count), m_redo), m_after);
+        EXPECT_EQ(m_root.read(Copy::Current, REDO_NAME), "") << "done";
+        EXPECT_TRUE(m_log.contains("was cut short and has been ended.\n"));
+        EXPECT_FALSE(m_log.contains("RECOVER")) << "before the file is judged";
+    }
+    std::string torn = m_after;
+    torn.replace(lineAt(torn, "CRC ") + 20, 8, "########");
+    EXPECT_EQ(fileAfterStart(torn, m_redo), m_after) << "the checksum line itself";
+}
+
+TEST_F(RedoRecordTest, LeavesAFileAloneThatVerifies) {
+    EXPECT_EQ(fileAfterStart(m_before, m_redo), m_before) << "a store of which nothing reached the disk";
+    EXPECT_EQ(m_root.read(Copy::Current, REDO_NAME), "");
+    EXPECT_EQ(fileAfterStart(m_after, m_redo), m_after);
+}
+
+TEST_F(RedoRecordTest, ATornOrForeignRecordChangesNothing) {
+    m_root.write(Copy::Backup, FILE_NAME, m_before);
+    EXPECT_EQ(fileAfterStart(partly(3), m_redo.substr(0, m_redo.size() - 5)), m_before) << "the backup is taken";
+    // Damage elsewhere is none that the record could mend.
+    std::string damaged = partly(3);
+    damaged[damaged.size() - 10] ^= 1;
+    EXPECT_EQ(fileAfterStart(damaged, m_redo), m_before);
+}
+
+TEST_F(RedoRecordTest, AnotherStoreEndsThePendingOneFirst) {
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    // Another process was killed within a store.
+    m_root.write(Copy::Current, FILE_NAME, partly(3));
+    m_root.write(Copy::Current, REDO_NAME, m_redo);
+    ASSERT_TRUE(op->storeData({0, 0, 0}, {{"Contrast", 33}}));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_TRUE(checksumIsRight(current()));
+    auto other = makeOperator();
+    ASSERT_TRUE(other->loadFile());
+    EXPECT_EQ(valueOf(*other, DIMS, "Contrast"), 77);
+    EXPECT_EQ(valueOf(*other, DIMS, "Hue"), -5);
+    EXPECT_EQ(valueOf(*other, {0, 0, 0}, "Contrast"), 33);
+}
+
+TEST_F(RedoRecordTest, WithoutARecordTheStoreGoesOn) {
+    m_root.remove(Copy::Current, REDO_NAME);
+    std::filesystem::create_symlink("/dev/full", SettingsRoot::path(Copy::Current, REDO_NAME));
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    ASSERT_TRUE(op->storeData({0, 0, 0}, {{"Contrast", 33}}));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_TRUE(checksumIsRight(current()));
+    m_root.remove(Copy::Current, REDO_NAME);
+}
+
+TEST_F(RedoRecordTest, GoesWithItsFile) {
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(op->removeCurrentFile());
+    EXPECT_FALSE(m_root.exists(Copy::Current, REDO_NAME));
+}
+
+} // namespace
+} // namespace td::test
