@@ -19,10 +19,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <set>
 #include <string>
-
-#include <sys/types.h>
 
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Mutex.h>
@@ -180,8 +179,9 @@ private:
     /// The file that is open, so that a write never goes to another one.
     struct OpenFile {
         std::string path;
-        dev_t device = 0;
-        ino_t inode = 0;
+        // Of fixed width: the size of ino_t depends on a client's definitions where long has 32 bits.
+        std::uint64_t device = 0;
+        std::uint64_t inode = 0;
         bool writable = false;
         bool lengthsRead = false; ///< the lengths were read from this file
     };
