@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -120,9 +121,9 @@ protected:
     }
     /// Another value for every field of every record, over the whole width of the columns.
     int spread(int record, int field) const {
-        const auto low = static_cast<long>(narrowest(m_row));
-        const long span = widest(m_row) - low + 1;
-        return static_cast<int>(low + (record * 104729L + field * 1299709L + 17) % span);
+        const std::int64_t low = narrowest(m_row);
+        const std::int64_t span = widest(m_row) - low + 1;
+        return static_cast<int>(low + (std::int64_t{record} * 104729 + std::int64_t{field} * 1299709 + 17) % span);
     }
     OracleValues spreadValues() const {
         return [this](int record, int field) { return spread(record, field); };
