@@ -22,6 +22,12 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
 endif()
 
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # A settings file is far below 2 GiB, but with 32-bit inode numbers and times stat() fails for a small file too, where
+  # the file system gives it a higher inode number or the clock has passed 2038. No exported header depends on these.
+  add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
+
 add_library(dataModule_flags INTERFACE)
 target_compile_options(dataModule_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(DATAMODULE_WERROR)
