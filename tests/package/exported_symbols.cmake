@@ -1,0 +1,26 @@
+# Everything that the library exports is of its own namespace and bears the version node; no symbol of Boost or of the
+# C++ library gets out, where it would meet a client's own.
+cmake_minimum_required(VERSION 3.25)
+execute_process(COMMAND ${NM} --dynamic --defined-only --demangle ${LIBRARY}
+  OUTPUT_VARIABLE symbols RESULT_VARIABLE status)
+if(NOT status EQUAL 0)
+  message(FATAL_ERROR "${NM} fails on ${LIBRARY}: ${status}")
+endif()
+string(REPLACE ";" "," symbols "${symbols}")
+string(REPLACE "\n" ";" symbols "${symbols}")
+set(own "((vtable|VTT|typeinfo|typeinfo name|guard variable) for |(non-virtual|virtual) thunk to )?td::.*@@${NODE}")
+set(count 0)
+foreach(line IN LISTS symbols)
+  if(line MATCHES "^[0-9a-f]+ [A-Za-z] ${own}$")
+    math(EXPR count "${count} + 1")
+  elseif(NOT line MATCHES "^([0-9a-f]+ A ${NODE})?$")
+    message(SEND_ERROR "${line}")
+  endif()
+endforeach()
+foreach(needed "td::FileDataSeparateManager::instance\\(\\)" "vtable for td::AbstractFileOperator"
+               "typeinfo for td::FileUserPictureMode")
+  if(NOT symbols MATCHES "${needed}@@${NODE}")
+    message(SEND_ERROR "${needed} is not exported")
+  endif()
+endforeach()
+message(STATUS "${count} symbols")
