@@ -71,6 +71,19 @@ CheckedCopy check(const Session& session, const CategoryLayout& layout, Copy cop
     return checked;
 }
 
+std::vector<CheckedCategory> checkAll(const Session& session, const std::vector<const CategoryLayout*>& layouts) {
+    std::vector<CheckedCategory> categories;
+    Progress progress("checking", static_cast<int>(layouts.size()));
+    for (const CategoryLayout* layout : layouts) {
+        CheckedCategory& category = categories.emplace_back();
+        category.layout = layout;
+        for (const Copy copy : COPIES)
+            category.copies.push_back(check(session, *layout, copy));
+        progress.step();
+    }
+    return categories;
+}
+
 Counts countVerdicts(const std::vector<CheckedCategory>& categories) {
     Counts counts;
     for (const CheckedCategory& category : categories) {
@@ -117,13 +130,16 @@ void printCategory(const CheckedCategory& category) {
     for (const CheckedCopy& copy : category.copies) {
         const char* const name = copyName(copy.copy);
         if (copy.verdict == Verdict::Missing)
-            fmt::print("  {:<8} MISSING  {}\n", name, copy.path);
+            fmt::print("  {:<8} {}  {}\n", name, terminal::painted("MISSING", Style::Bad), copy.path);
         else if (copy.verdict == Verdict::NotMadeYet)
             fmt::print("  {:<8} not made yet; the library makes it when it is idle\n", name);
         else if (!copy.unreadable.empty())
-            fmt::print("  {:<8} DAMAGED  {} cannot be read: {}\n", name, copy.path, copy.unreadable);
+            fmt::print("  {:<8} {}  {} cannot be read: {}\n", name, terminal::painted("DAMAGED", Style::Bad), copy.path,
+                       copy.unreadable);
         else
-            fmt::print("  {:<8} {}  {}\n", name, copy.verdict == Verdict::Good ? "good   " : "DAMAGED",
+            fmt::print("  {:<8} {}  {}\n", name,
+                       copy.verdict == Verdict::Good ? terminal::painted("good   ", Style::Good)
+                                                     : terminal::painted("DAMAGED", Style::Bad),
                        facts(*category.layout, copy));
         if (copy.verdict == Verdict::Damaged)
             fmt::print("    {}\n", copy.path);
@@ -199,13 +215,7 @@ void printResult(const std::vector<CheckedCategory>& categories, const Counts& c
 int runVerify(const Options& options, const Words& words) {
     const std::vector<const CategoryLayout*> layouts = categoriesNamed(words);
     Session session(options);
-    std::vector<CheckedCategory> categories;
-    for (const CategoryLayout* layout : layouts) {
-        CheckedCategory& category = categories.emplace_back();
-        category.layout = layout;
-        for (const Copy copy : COPIES)
-            category.copies.push_back(check(session, *layout, copy));
-    }
+    const std::vector<CheckedCategory> categories = checkAll(session, layouts);
     const Counts counts = countVerdicts(categories);
     if (options.json)
         printJson(resultJson(categories, counts));
