@@ -46,7 +46,7 @@ std::size_t editDistance(const std::string& one, const std::string& other) {
     return distance[one.size()][other.size()];
 }
 
-/// The candidates that are likely meant, the nearest first.
+/// The candidates that are likely meant, the nearest first. Of those that a pattern may mean the begin counts.
 std::vector<std::string> near(const std::string& word, const std::vector<std::string>& candidates) {
     constexpr std::size_t MOST = 5;
     std::string wanted = folded(word);
@@ -55,7 +55,7 @@ std::vector<std::string> near(const std::string& word, const std::vector<std::st
     const std::size_t limit = std::max<std::size_t>(1, wanted.size() / 3);
     std::vector<std::pair<std::size_t, std::string>> found;
     for (const std::string& candidate : candidates) {
-        const std::string name = folded(candidate);
+        const std::string name = folded(candidate).substr(0, isPattern(word) ? wanted.size() : std::string::npos);
         const bool part = wanted.size() > 2 && name.find(wanted) != std::string::npos;
         const std::size_t distance = editDistance(wanted, name);
         if (part || distance <= limit)

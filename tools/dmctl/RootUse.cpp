@@ -27,13 +27,16 @@ std::string processName(const std::string& pid) {
     return name.empty() ? fmt::format("process {}", pid) : fmt::format("{} (process {})", name, pid);
 }
 
-/// Who holds a lock on the file, as the kernel lists it: "1: FLOCK  ADVISORY  READ 1234 08:01:131 0 EOF".
+/// Who holds a lock on the file, as the kernel lists it: "1: FLOCK  ADVISORY  READ 1234 08:01:131 0 EOF". Some file
+/// systems show programs another device than the kernel's; then the inode has to do.
 std::vector<std::string> holdersOf(const std::string& path) {
     struct stat status = {};
     if (stat(path.c_str(), &status) != 0)
         return {};
-    const std::string file = fmt::format("{:02x}:{:02x}:{}", major(status.st_dev), minor(status.st_dev), status.st_ino);
+    const std::string inode = fmt::format(":{}", status.st_ino);
+    const std::string file = fmt::format("{:02x}:{:02x}{}", major(status.st_dev), minor(status.st_dev), inode);
     std::vector<std::string> holders;
+    std::vector<std::string> likely;
     std::ifstream locks("/proc/locks");
     for (std::string line; std::getline(locks, line);) {
         std::istringstream words(line);
@@ -43,10 +46,14 @@ std::vector<std::string> holdersOf(const std::string& path) {
         std::string access;
         std::string pid;
         std::string place;
-        if (words >> number >> kind >> strictness >> access >> pid >> place && kind == "FLOCK" && place == file)
+        if (!(words >> number >> kind >> strictness >> access >> pid >> place) || kind != "FLOCK")
+            continue;
+        if (place == file)
             holders.push_back(processName(pid));
+        else if (place.size() > inode.size() && place.substr(place.size() - inode.size()) == inode)
+            likely.push_back(processName(pid));
     }
-    return holders;
+    return holders.empty() ? likely : holders;
 }
 
 } // namespace
