@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include <dataModule/fileOperator/RedoRecord.h>
+
 #include "dmctl/DmctlFixture.h"
 
 namespace td::test {
@@ -127,6 +129,29 @@ TEST_F(DmctlTest, VerifyFindsAFlippedByteAndChangesNothing) {
     const Result get = run({"get", "PICTURE_MODE", "0", "0", "0", "Gamma"});
     EXPECT_EQ(get.output, "Gamma = 3\n");
     EXPECT_THAT(get.errors, AllOf(StartsWith("library: The CRC ["), Not(HasSubstr(".cpp:"))));
+    EXPECT_EQ(verify().code, 0);
+}
+
+TEST_F(DmctlTest, VerifyTellsOfAStoreThatWasCut) {
+    makeFiles();
+    const std::string before = m_root.read(CURRENT + MODE_FILE);
+    ASSERT_EQ(run({"set", "PICTURE_MODE", "0", "0", "0", "Hue=3"}).code, 0);
+    const std::string after = m_root.read(CURRENT + MODE_FILE);
+    const FileInspection inspection = inspectFile(*layoutOf(PICTURE_MODE), after);
+    const auto start = static_cast<std::size_t>(inspection.contentOffset);
+    const std::string section = after.substr(start, after.find('[', start + 1) - start);
+    const RedoRecord record{inspection.contentOffset,
+                            inspection.checksumOffset,
+                            inspection.statedChecksum,
+                            {{inspection.contentOffset, section}}};
+    m_root.write(CURRENT + MODE_FILE, before.substr(0, start) + after.substr(start));
+    EXPECT_THAT(run({"verify", "PICTURE_MODE"}).output, Not(HasSubstr("a store was cut off")));
+    m_root.write(redoPath(CURRENT + MODE_FILE), redoText(record));
+    const Result cut = run({"verify", "PICTURE_MODE"});
+    EXPECT_EQ(cut.code, 1);
+    EXPECT_THAT(cut.output, AllOf(HasSubstr("current  DAMAGED"), HasSubstr("a store was cut off")));
+    EXPECT_EQ(run({"get", "PICTURE_MODE", "0", "0", "0", "Hue"}).output, "Hue = 3\n");
+    EXPECT_EQ(m_root.read(CURRENT + MODE_FILE), after);
     EXPECT_EQ(verify().code, 0);
 }
 

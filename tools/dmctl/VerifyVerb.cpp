@@ -1,10 +1,12 @@
 // verify: inspects every copy of every file without the library's loading, which would repair what it finds.
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include <fmt/core.h>
 
 #include <dataModule/fileOperator/FileInspection.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 
 #include "Names.h"
 #include "Output.h"
@@ -23,6 +25,7 @@ struct CheckedCopy {
     Verdict verdict = Verdict::Missing;
     std::string unreadable; ///< why it could not be read at all
     std::size_t size = 0;
+    bool cutStore = false; ///< a record lies beside it with which the next load may end a store that was cut
     FileInspection inspection;
 };
 
@@ -52,6 +55,12 @@ const char* verdictName(Verdict verdict) {
     return "not made yet";
 }
 
+bool hasRedoRecord(const std::string& path) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(redoPath(path), error);
+    return !error && size > 0;
+}
+
 CheckedCopy check(const Session& session, const CategoryLayout& layout, Copy copy) {
     CheckedCopy checked;
     checked.copy = copy;
@@ -68,6 +77,8 @@ CheckedCopy check(const Session& session, const CategoryLayout& layout, Copy cop
     checked.inspection = inspectFile(layout, bytes);
     if (checked.inspection.isGood())
         checked.verdict = Verdict::Good;
+    else
+        checked.cutStore = copy == Copy::Current && hasRedoRecord(checked.path);
     return checked;
 }
 
@@ -144,6 +155,8 @@ void printCategory(const CheckedCategory& category) {
         if (copy.verdict == Verdict::Damaged)
             fmt::print("    {}\n", copy.path);
         printProblems(copy);
+        if (copy.cutStore)
+            fmt::print("      a store was cut off; its record {} lets the next load end it\n", redoPath(copy.path));
     }
 }
 
@@ -175,6 +188,7 @@ Json copyJson(const CheckedCopy& copy) {
     json["computedCrc"] =
         inspection.contentOffset >= 0 ? Json(fmt::format("{:#010x}", inspection.computedChecksum)) : Json();
     json["sections"] = inspection.readableRecords();
+    json["cutStore"] = copy.cutStore;
     json["faults"] = inspection.faultCount;
     json["notes"] = inspection.noteCount;
     json["problems"] = problems;
