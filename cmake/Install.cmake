@@ -46,3 +46,8 @@ if(NOT IS_ABSOLUTE ${CMAKE_INSTALL_BINDIR} AND NOT IS_ABSOLUTE ${CMAKE_INSTALL_L
   set_target_properties(dmctl PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
 endif()
 install(TARGETS dmctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+if(TARGET dmctl_pages)
+  set(pages ${CMAKE_BINARY_DIR}/tools/dmctl/pages)
+  install(FILES ${pages}/dmctl DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+  install(FILES ${pages}/dmctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+endif()

@@ -5,7 +5,8 @@
 /// What must always be true; code and tests refer to these by number:
 ///   1. A copy that verifies is never overwritten by one that was not verified.
 ///   2. At every instant, and after a cut of power at any instant, one of the three copies of a category loads.
-///   3. A section write touches the bytes of that section and of the checksum line, in the current copy, its redo record
+///   3. A section write touches the bytes of that section and of the checksum line, in the current copy, its redo
+///   record
 ///      and nothing else.
 ///   4. What a later write put in a section is never replaced by an earlier snapshot.
 ///   5. No lock is waited for while holding one that comes after it in the lock order (common/Mutex.h).

@@ -1,19 +1,11 @@
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include <sys/wait.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
-#include <dataModule/fileOperator/FileInspection.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-
-#include "TemporaryDirectory.h"
+#include "dmctl/DmctlFixture.h"
 
 namespace td::test {
 namespace {
@@ -24,67 +16,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-using Json = nlohmann::json;
-
-const std::string CURRENT = "/var/local/dataModule/current/";
-const std::string BACKUP = "/var/local/dataModule/backup/";
-const std::string FACTORY = "/ovdata/model/dataModule/manufactory/";
-const std::string MODE_FILE = "pic_mode_usr.ini";
-
-struct Result {
-    int code = -1; ///< -1: did not end by itself
-    std::string output;
-    std::string errors;
-};
-
-std::string quoted(const std::string& word) {
-    std::string result = "'";
-    for (const char c : word)
-        result += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return result + "'";
-}
-
-class DmctlTest : public testing::Test {
-protected:
-    /// Runs dmctl with these words only.
-    Result runBare(const std::vector<std::string>& words) const {
-        std::string command = quoted(DMCTL_PROGRAM);
-        for (const std::string& word : words)
-            command += " " + quoted(word);
-        command += " >" + quoted(m_output.file("out")) + " 2>" + quoted(m_output.file("err"));
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, m_output.read("out"), m_output.read("err")};
-    }
-    /// Runs dmctl on the test's root.
-    Result run(std::vector<std::string> words) const {
-        words.insert(words.begin(), {"--root", m_root.string()});
-        return runBare(words);
-    }
-    Json runJson(std::vector<std::string> words) const {
-        words.emplace_back("--json");
-        const Result result = run(words);
-        EXPECT_EQ(result.code, 0) << result.errors;
-        return Json::parse(result.output);
-    }
-    /// Makes the files of the two categories that the tests use, as init would make them among all others.
-    void makeFiles(const char* tvType = "") const {
-        for (const _DataCategory_t category : {PICTURE_GLOBAL, PICTURE_MODE}) {
-            const CategoryLayout& layout = *layoutOf(category);
-            const std::string bytes = wholeFile(layout, tvType, defaultTable(layout));
-            for (const std::string& directory : {CURRENT, BACKUP, FACTORY})
-                m_root.write(directory + layout.file, bytes);
-        }
-    }
-    Result verify() const { return run({"verify", "PICTURE_GLOBAL", "PICTURE_MODE"}); }
-    void changeByte(const std::string& file, std::size_t at) const {
-        std::string bytes = m_root.read(file);
-        bytes.at(at) = static_cast<char>(bytes.at(at) ^ 1);
-        m_root.write(file, bytes);
-    }
-
-    const TemporaryDirectory m_root;
-    const TemporaryDirectory m_output;
-};
 
 TEST_F(DmctlTest, InitMakesACompleteRootAndLeavesAloneWhatIsThere) {
     const Result first = run({"init"});
@@ -124,7 +55,8 @@ TEST_F(DmctlTest, SetSurvivesAndTouchesOneSection) {
     const std::string before = m_root.read(CURRENT + MODE_FILE);
     const Result set = run({"set", "picture_mode", "hdmi1", "3", "sdr_uhd", "contrast=55", "Hue=-7", "Color=50"});
     EXPECT_EQ(set.code, 0) << set.errors;
-    EXPECT_EQ(set.output, "Contrast  50 -> 55\nHue       0 -> -7\nColor     50 (unchanged)\n");
+    EXPECT_EQ(set.output, "Contrast  50 -> 55\nHue       0 -> -7\n"
+                          "2 values changed, 1 unchanged: pic_mode_usr.ini holds all of it.\n");
     EXPECT_THAT(set.errors, IsEmpty());
 
     EXPECT_EQ(run({"get", "PICTURE_MODE", "4", "MOVIE", "1", "Contrast", "Hue"}).output,
@@ -145,6 +77,7 @@ TEST_F(DmctlTest, SetSaysHowManySourcesChangedWithIt) {
     ASSERT_EQ(run({"set", "PICTURE_GLOBAL", "ApplyModeToSource=1"}).code, 0);
     ASSERT_EQ(run({"get", "PICTURE_GLOBAL", "ApplyModeToSource"}).output, "ApplyModeToSource = 1\n");
     const Result set = run({"set", "PICTURE_MODE", "HDMI1", "ENERGY_SAVING", "SDR_UHD", "Contrast=61"});
+    EXPECT_THAT(set.output, HasSubstr("16 values changed, 0 unchanged"));
     EXPECT_THAT(set.output, HasSubstr("ApplyModeToSource is set: 15 other records changed with it."));
     EXPECT_EQ(run({"get", "PICTURE_MODE", "AMAZON", "ENERGY SAVING", "SDR_UHD", "Contrast"}).output, "Contrast = 61\n");
     EXPECT_EQ(run({"get", "PICTURE_MODE", "AMAZON", "MOVIE", "SDR_UHD", "Contrast"}).output, "Contrast = 50\n");
@@ -154,9 +87,9 @@ TEST_F(DmctlTest, SetSaysHowManySourcesChangedWithIt) {
 TEST_F(DmctlTest, WholeRecordHasEveryFieldByName) {
     makeFiles();
     const Json record = runJson({"get", "PICTURE_GLOBAL"});
-    EXPECT_EQ(record["fields"].size(), layoutOf(PICTURE_GLOBAL)->fields.size());
+    EXPECT_EQ(record["records"][0]["fields"].size(), layoutOf(PICTURE_GLOBAL)->fields.size());
     for (const char* field : {"RGBOnly", "ApplyWB10Point", "LaserScreenSize", "FpsSwitch"})
-        EXPECT_TRUE(record["fields"].contains(field)) << field;
+        EXPECT_TRUE(record["records"][0]["fields"].contains(field)) << field;
 }
 
 TEST_F(DmctlTest, AnswersAsJson) {
@@ -165,10 +98,11 @@ TEST_F(DmctlTest, AnswersAsJson) {
     EXPECT_EQ(categories[0]["dimensions"][0]["values"][4]["name"], "HDMI1");
     EXPECT_EQ(categories[0]["fields"][0], Json({{"name", "Contrast"}, {"key", "Contrast"}, {"default", 50}}));
     const Json set = runJson({"set", "PICTURE_MODE", "HDMI1", "MOVIE", "SDR_UHD", "Contrast=55"});
-    EXPECT_EQ(set["fields"]["Contrast"], Json({{"before", 50}, {"after", 55}}));
+    EXPECT_EQ(set["changed"][0]["fields"], Json({{"Contrast", {{"before", 50}, {"after", 55}}}}));
+    EXPECT_EQ(set["changed"][0]["record"]["dr"], Json({{"number", 1}, {"name", "SDR_UHD"}}));
     const Json get = runJson({"get", "PICTURE_MODE", "HDMI1", "MOVIE", "SDR_UHD", "Contrast"});
-    EXPECT_EQ(get["fields"], Json({{"Contrast", 55}}));
-    EXPECT_EQ(get["record"]["source"], Json({{"number", 4}, {"name", "HDMI1"}}));
+    EXPECT_EQ(get["records"][0]["fields"], Json({{"Contrast", 55}}));
+    EXPECT_EQ(get["records"][0]["record"]["source"], Json({{"number", 4}, {"name", "HDMI1"}}));
     const Json verify = runJson({"verify", "PICTURE_MODE"});
     EXPECT_EQ(verify["good"], 3);
     EXPECT_EQ(verify["categories"][0]["copies"][0]["sections"], 1536);
@@ -195,6 +129,29 @@ TEST_F(DmctlTest, VerifyFindsAFlippedByteAndChangesNothing) {
     const Result get = run({"get", "PICTURE_MODE", "0", "0", "0", "Gamma"});
     EXPECT_EQ(get.output, "Gamma = 3\n");
     EXPECT_THAT(get.errors, AllOf(StartsWith("library: The CRC ["), Not(HasSubstr(".cpp:"))));
+    EXPECT_EQ(verify().code, 0);
+}
+
+TEST_F(DmctlTest, VerifyTellsOfAStoreThatWasCut) {
+    makeFiles();
+    const std::string before = m_root.read(CURRENT + MODE_FILE);
+    ASSERT_EQ(run({"set", "PICTURE_MODE", "0", "0", "0", "Hue=3"}).code, 0);
+    const std::string after = m_root.read(CURRENT + MODE_FILE);
+    const FileInspection inspection = inspectFile(*layoutOf(PICTURE_MODE), after);
+    const auto start = static_cast<std::size_t>(inspection.contentOffset);
+    const std::string section = after.substr(start, after.find('[', start + 1) - start);
+    const RedoRecord record{inspection.contentOffset,
+                            inspection.checksumOffset,
+                            inspection.statedChecksum,
+                            {{inspection.contentOffset, section}}};
+    m_root.write(CURRENT + MODE_FILE, before.substr(0, start) + after.substr(start));
+    EXPECT_THAT(run({"verify", "PICTURE_MODE"}).output, Not(HasSubstr("a store was cut off")));
+    m_root.write(redoPath(CURRENT + MODE_FILE), redoText(record));
+    const Result cut = run({"verify", "PICTURE_MODE"});
+    EXPECT_EQ(cut.code, 1);
+    EXPECT_THAT(cut.output, AllOf(HasSubstr("current  DAMAGED"), HasSubstr("a store was cut off")));
+    EXPECT_EQ(run({"get", "PICTURE_MODE", "0", "0", "0", "Hue"}).output, "Hue = 3\n");
+    EXPECT_EQ(m_root.read(CURRENT + MODE_FILE), after);
     EXPECT_EQ(verify().code, 0);
 }
 
@@ -298,7 +255,8 @@ TEST_F(DmctlTest, WrongRoots) {
 }
 
 TEST_F(DmctlTest, HelpAndVersion) {
-    for (const char* verb : {"init", "categories", "get", "set", "verify"}) {
+    for (const char* verb : {"init", "categories", "get", "set", "restore", "apply", "factory-reset", "first-boot",
+                             "verify", "document", "completion", "man"}) {
         const Result help = runBare({verb, "--help"});
         EXPECT_EQ(help.code, 0);
         EXPECT_THAT(help.output, AllOf(HasSubstr("Examples:"), HasSubstr(std::string("dmctl [OPTIONS] ") + verb),

@@ -13,7 +13,7 @@ namespace td::dmctl {
 namespace {
 
 std::string counted(int count, const char* what) {
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+    return dmctl::counted(static_cast<std::size_t>(count), what);
 }
 
 std::string dimensionsText(const CategoryLayout& layout) {
@@ -24,11 +24,25 @@ std::string dimensionsText(const CategoryLayout& layout) {
 }
 
 void printTable(const std::vector<const CategoryLayout*>& layouts) {
-    std::vector<std::vector<std::string>> rows{{"NAME", "FILE", "VERSION", "DIMENSIONS", "FIELDS"}};
+    Rows rows{headings({"NAME", "FILE", "VERSION", "DIMENSIONS", "FIELDS"})};
     for (const CategoryLayout* layout : layouts)
         rows.push_back({categoryName(*layout), layout->file, layout->version, dimensionsText(*layout),
                         std::to_string(layout->fieldCount())});
     printColumns(rows);
+}
+
+/// The requests for many records that the category offers, as they are written.
+std::vector<std::string> offers(const CategoryLayout& layout) {
+    std::vector<std::string> texts;
+    if (layout.applyToAllSources.axes != 0)
+        texts.emplace_back("apply --all-sources");
+    if (layout.applyToAllModes.axes != 0)
+        texts.emplace_back("apply --all-modes");
+    if (offersRestoreForAllSources(layout))
+        texts.emplace_back("restore --all-sources");
+    if (layout.restoresFromCurrent)
+        texts.emplace_back("restore --from current");
+    return texts;
 }
 
 void printDetails(const CategoryLayout& layout) {
@@ -37,6 +51,8 @@ void printDetails(const CategoryLayout& layout) {
     fmt::print("  {}, {}\n", counted(layout.recordCount(), "record"), counted(layout.fieldCount(), "field"));
     if (layout.applyFlag != nullptr)
         fmt::print("  flag that makes a change go to all sources: {}\n", layout.applyFlag);
+    if (!offers(layout).empty())
+        fmt::print("  offers {}\n", joined(offers(layout)));
     for (const Dimension& dimension : layout.dimensions) {
         fmt::print("\n  {}: {}\n", dimension.name, counted(dimension.count, "value"));
         for (int i = 0; i < dimension.count; ++i)
@@ -67,6 +83,7 @@ Json detailsJson(const CategoryLayout& layout) {
             {"purpose", layout.purpose},
             {"records", layout.recordCount()},
             {"applyFlag", layout.applyFlag != nullptr ? Json(layout.applyFlag) : Json()},
+            {"offers", offers(layout)},
             {"dimensions", dimensions},
             {"fields", fields}};
 }

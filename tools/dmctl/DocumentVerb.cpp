@@ -75,7 +75,9 @@ void printCategory(const CategoryLayout& layout) {
 
 } // namespace
 
-int runDocument(const Options&, const Words& words) {
+int runDocument(const Options& options, const Words& words) {
+    if (options.json)
+        return runCategories(options, words);
     fmt::print(
         "# The categories\n\nMade from the declarations in `src/fileOperator/` by `dmctl document`; a test keeps "
         "it current.\n\n");

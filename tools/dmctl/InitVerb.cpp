@@ -1,6 +1,5 @@
 // init: makes what a root lacks and leaves alone what it has.
 #include <cstdio>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -15,8 +14,6 @@
 #include "Session.h"
 #include "Verb.h"
 
-namespace fs = std::filesystem;
-
 namespace td::dmctl {
 
 namespace {
@@ -28,21 +25,6 @@ struct Outcome {
     std::vector<std::string> present;
     std::vector<std::string> failed;
 };
-
-std::vector<std::string> makeDirectories(const Session& session) {
-    std::vector<std::string> made;
-    for (const Copy copy : COPIES) {
-        const std::string& directory = session.directory(copy);
-        std::error_code error;
-        if (fs::is_directory(directory, error))
-            continue;
-        fs::create_directories(fs::path(directory).parent_path(), error);
-        if (error)
-            throw Failure(fmt::format("the directory {} cannot be made: {}", directory, error.message()));
-        made.push_back(directory);
-    }
-    return made;
-}
 
 /// Only a copy without faults is taken over.
 bool copyCurrentToBackup(const Session& session, const CategoryLayout& layout) {
@@ -145,15 +127,17 @@ int runInit(const Options& options, const Words& words) {
     if (!options.rootGiven)
         throw UsageError("it needs --root DIR; --root / is this machine's own");
     Session session(options, Session::Root::IsMade);
-    const std::vector<std::string> directories = makeDirectories(session);
+    const std::vector<std::string> directories = session.makeDirectories({Copy::Current, Copy::Backup, Copy::Factory});
     session.start();
     std::vector<Outcome> outcomes;
     bool created = !directories.empty();
     bool failed = false;
-    for (const CategoryLayout* layout : allLayouts()) {
+    for (Progress progress("making", static_cast<int>(allLayouts().size()));
+         const CategoryLayout* layout : allLayouts()) {
         outcomes.push_back(complete(session, *layout));
         created = created || !outcomes.back().created.empty();
         failed = failed || !outcomes.back().failed.empty();
+        progress.step();
     }
     session.close();
 

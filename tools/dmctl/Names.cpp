@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
+
+#include <fnmatch.h>
 
 #include <fmt/core.h>
 
@@ -27,10 +28,6 @@ std::string folded(const std::string& text) {
     return result;
 }
 
-bool sameName(const std::string& one, const std::string& other) {
-    return folded(one) == folded(other);
-}
-
 /// Characters to insert, remove, replace or swap with the next until one text is the other.
 std::size_t editDistance(const std::string& one, const std::string& other) {
     std::vector<std::vector<std::size_t>> distance(one.size() + 1, std::vector<std::size_t>(other.size() + 1));
@@ -49,14 +46,16 @@ std::size_t editDistance(const std::string& one, const std::string& other) {
     return distance[one.size()][other.size()];
 }
 
-/// The candidates that are likely meant, the nearest first.
+/// The candidates that are likely meant, the nearest first. Of those that a pattern may mean the begin counts.
 std::vector<std::string> near(const std::string& word, const std::vector<std::string>& candidates) {
     constexpr std::size_t MOST = 5;
-    const std::string wanted = folded(word);
+    std::string wanted = folded(word);
+    wanted.erase(std::remove_if(wanted.begin(), wanted.end(), [](char c) { return c == '*' || c == '?'; }),
+                 wanted.end());
     const std::size_t limit = std::max<std::size_t>(1, wanted.size() / 3);
     std::vector<std::pair<std::size_t, std::string>> found;
     for (const std::string& candidate : candidates) {
-        const std::string name = folded(candidate);
+        const std::string name = folded(candidate).substr(0, isPattern(word) ? wanted.size() : std::string::npos);
         const bool part = wanted.size() > 2 && name.find(wanted) != std::string::npos;
         const std::size_t distance = editDistance(wanted, name);
         if (part || distance <= limit)
@@ -69,79 +68,19 @@ std::vector<std::string> near(const std::string& word, const std::vector<std::st
     return result;
 }
 
-std::vector<std::string> fieldNames(const CategoryLayout& layout) {
-    std::vector<std::string> names;
-    for (const Field& field : layout.fields)
-        names.emplace_back(field.argumentName());
-    return names;
-}
-
-std::vector<std::string> valueNames(const Dimension& dimension) {
-    std::vector<std::string> names;
-    names.reserve(static_cast<std::size_t>(dimension.count));
-    for (int i = 0; i < dimension.count; ++i)
-        names.push_back(valueName(dimension, i));
-    return names;
-}
-
-bool isField(const CategoryLayout& layout, const std::string& word) {
-    const std::vector<std::string> names = fieldNames(layout);
-    return std::any_of(names.begin(), names.end(), [&](const std::string& name) { return sameName(name, word); });
-}
-
-/// The dimensions with their values: what a request has to choose from.
-std::string dimensionsText(const CategoryLayout& layout) {
-    std::string text;
-    for (const Dimension& dimension : layout.dimensions)
-        text += fmt::format("\n  {}: {}", dimension.name, joined(valueNames(dimension)));
-    return text;
-}
-
-bool isNumber(const std::string& word, int& number) {
-    const char* const end = word.data() + word.size();
-    const auto parsed = std::from_chars(word.data(), end, number);
-    if (word.empty() || parsed.ptr != end)
-        return false;
-    if (parsed.ec != std::errc())
-        number = -1; // beyond every dimension
-    return true;
-}
-
-/// The indices that a word may stand for; a number stands for itself even where names are numbers.
-std::vector<int> valuesNamed(const Dimension& dimension, const std::string& word) {
-    int number = 0;
-    if (isNumber(word, number))
-        return number >= 0 && number < dimension.count ? std::vector<int>{number} : std::vector<int>{};
-    std::vector<int> found;
-    for (int i = 0; i < dimension.count; ++i) {
-        if (sameName(valueName(dimension, i), word))
-            found.push_back(i);
-    }
-    return found;
-}
-
-int valueNamed(const Dimension& dimension, const std::string& word) {
-    const std::vector<int> found = valuesNamed(dimension, word);
-    if (found.size() == 1)
-        return found.front();
-    if (found.size() > 1)
-        throw UsageError(fmt::format("{} stands for {} and {} of dimension {}; give the number", word, found[0],
-                                     found[1], dimension.name));
-    int number = 0;
-    if (isNumber(word, number))
-        throw UsageError(fmt::format("{} is no value of dimension {}; its values are 0 to {}: {}", word, dimension.name,
-                                     dimension.count - 1, joined(valueNames(dimension))));
-    throw UsageError(unknownWord(fmt::format("value of dimension {}", dimension.name), word, valueNames(dimension),
-                                 "its values are"));
-}
-
-[[noreturn]] void refuseCount(const CategoryLayout& layout, std::size_t given) {
-    throw UsageError(fmt::format("{} has {} dimension{}, but {} value{} given; one of each is needed:{}",
-                                 categoryName(layout), layout.dimensionCount(), layout.dimensionCount() == 1 ? "" : "s",
-                                 given, given == 1 ? " is" : "s are", dimensionsText(layout)));
-}
-
 } // namespace
+
+bool sameName(const std::string& one, const std::string& other) {
+    return folded(one) == folded(other);
+}
+
+bool isPattern(const std::string& word) {
+    return word.find_first_of("*?") != std::string::npos;
+}
+
+bool matches(const std::string& pattern, const std::string& name) {
+    return fnmatch(folded(pattern).c_str(), folded(name).c_str(), FNM_NOESCAPE) == 0;
+}
 
 std::string joined(const std::vector<std::string>& texts) {
     std::string result;
@@ -178,34 +117,45 @@ std::vector<const CategoryLayout*> categoriesNamed(const Words& words) {
     if (words.empty())
         return allLayouts();
     std::vector<const CategoryLayout*> layouts;
-    for (const std::string& word : words) {
-        const CategoryLayout* const layout = &categoryNamed(word);
+    const auto add = [&](const CategoryLayout* layout) {
         if (std::find(layouts.begin(), layouts.end(), layout) == layouts.end())
             layouts.push_back(layout);
+    };
+    for (const std::string& word : words) {
+        if (!isPattern(word)) {
+            add(&categoryNamed(word));
+            continue;
+        }
+        bool found = false;
+        for (const CategoryLayout* layout : allLayouts()) {
+            if (!matches(word, categoryName(*layout)))
+                continue;
+            add(layout);
+            found = true;
+        }
+        if (!found)
+            categoryNamed(word); // which says what there is
     }
     return layouts;
 }
 
-std::string valueName(const Dimension& dimension, int index) {
-    return index < dimension.valueNames.count ? dimension.valueNames.texts[index] : std::to_string(index);
+std::vector<std::string> fieldNames(const CategoryLayout& layout) {
+    std::vector<std::string> names;
+    for (const Field& field : layout.fields)
+        names.emplace_back(field.argumentName());
+    return names;
 }
 
-std::vector<int> recordNamed(const CategoryLayout& layout, const Words& words) {
-    const std::size_t count = layout.dimensions.size();
-    if (count == 0 && !words.empty())
-        throw UsageError(
-            fmt::format("{} has no dimensions, so \"{}\" addresses nothing", categoryName(layout), words.front()));
-    std::vector<int> indices;
-    for (std::size_t d = 0; d < count; ++d) {
-        const Dimension& dimension = layout.dimensions[d];
-        // A field's name here means that values are missing before it.
-        if (d >= words.size() || (isField(layout, words[d]) && valuesNamed(dimension, words[d]).empty()))
-            refuseCount(layout, d);
-        indices.push_back(valueNamed(dimension, words[d]));
-    }
-    if (words.size() > count)
-        refuseCount(layout, words.size());
-    return indices;
+std::vector<std::string> valueNames(const Dimension& dimension) {
+    std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(dimension.count));
+    for (int i = 0; i < dimension.count; ++i)
+        names.push_back(valueName(dimension, i));
+    return names;
+}
+
+std::string valueName(const Dimension& dimension, int index) {
+    return index < dimension.valueNames.count ? dimension.valueNames.texts[index] : std::to_string(index);
 }
 
 std::string recordText(const CategoryLayout& layout, const std::vector<int>& indices) {
@@ -215,6 +165,16 @@ std::string recordText(const CategoryLayout& layout, const std::vector<int>& ind
     return joined(names);
 }
 
+bool offersRestoreForAllSources(const CategoryLayout& layout) {
+    const BulkRestore::Kind kind = layout.restoreForAllSources.kind;
+    return kind == BulkRestore::Kind::PostChanged || kind == BulkRestore::Kind::PostEach;
+}
+
+void refuseField(const CategoryLayout& layout, const std::string& word) {
+    throw UsageError(
+        unknownWord(fmt::format("field of {}", categoryName(layout)), word, fieldNames(layout), "its fields are"));
+}
+
 const Field& fieldNamed(const CategoryLayout& layout, const std::string& word) {
     if (const Field* exact = layout.fieldByArgument(word.c_str()))
         return *exact;
@@ -222,8 +182,7 @@ const Field& fieldNamed(const CategoryLayout& layout, const std::string& word) {
         if (sameName(field.argumentName(), word))
             return field;
     }
-    throw UsageError(
-        unknownWord(fmt::format("field of {}", categoryName(layout)), word, fieldNames(layout), "its fields are"));
+    refuseField(layout, word);
 }
 
 } // namespace td::dmctl

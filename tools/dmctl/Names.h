@@ -15,17 +15,29 @@ namespace td::dmctl {
 std::string categoryName(const CategoryLayout& layout);
 /// The category of that name, case ignored. An empty word stands for none given.
 const CategoryLayout& categoryNamed(const std::string& word);
-/// The categories of the words, all of them when there are none.
+/// The categories of the words, which may be patterns; all of them when there are none.
 std::vector<const CategoryLayout*> categoriesNamed(const Words& words);
 
 /// The name of a dimension's value, or its number where it has no name.
 std::string valueName(const Dimension& dimension, int index);
-/// The record that the words address, one word per dimension.
-std::vector<int> recordNamed(const CategoryLayout& layout, const Words& words);
+std::vector<std::string> valueNames(const Dimension& dimension);
 /// What addresses the record, for people: value names with commas between; empty without dimensions.
 std::string recordText(const CategoryLayout& layout, const std::vector<int>& indices);
 /// The field of that name in requests, case ignored if none is written exactly so.
 const Field& fieldNamed(const CategoryLayout& layout, const std::string& word);
+/// Says that the word names no field, and which would.
+[[noreturn]] void refuseField(const CategoryLayout& layout, const std::string& word);
+std::vector<std::string> fieldNames(const CategoryLayout& layout);
+
+/// Whether the category takes records back for all sources at once.
+bool offersRestoreForAllSources(const CategoryLayout& layout);
+
+/// Names are compared without case, and with '_' for blanks, which shells would split at.
+bool sameName(const std::string& one, const std::string& other);
+/// Whether a word has '*' or '?' in it.
+bool isPattern(const std::string& word);
+/// Whether a name is like a pattern.
+bool matches(const std::string& pattern, const std::string& name);
 
 /// "unknown KIND "WORD"" with the near candidates or, introduced by `all`, every one.
 std::string unknownWord(const std::string& kind, const std::string& word, const std::vector<std::string>& candidates,

@@ -10,11 +10,13 @@
 
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/SystemPaths.h>
+#include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/platform/DebugOutput.h>
 #include <dataModule/platform/RootPrefix.h>
 
 #include "Names.h"
+#include "RootUse.h"
 
 namespace fs = std::filesystem;
 
@@ -50,6 +52,16 @@ void checkRoot(const fs::path& root, Session::Root how) {
         throw Failure(fmt::format("the root {} is not a directory", root.string()));
 }
 
+void refuseRootInUse(const Options& options) {
+    if (!options.writes || options.force)
+        return;
+    const std::string users = usersOfRoot();
+    if (!users.empty())
+        throw RootInUse(fmt::format("the files are in use by {}, which would not notice the change or undo it. End it "
+                                    "first, or write all the same with --force",
+                                    users));
+}
+
 } // namespace
 
 const char* copyName(Copy copy) {
@@ -70,6 +82,8 @@ Session::Session(const Options& options, Root root) {
                                          absolute.string(), absolute.string().size()));
         m_rootOption = "--root " + absolute.string() + " ";
     }
+    refuseRootInUse(options);
+    // The posts that these listeners wait for are for the programs of the television.
     FileDataSeparateManager::setListening(false);
     m_manager = FileDataSeparateManager::instance();
     if (FileUtil::checkFile(underRootPrefix(paths::MODEL_INDEX_FILE).c_str()))
@@ -89,8 +103,7 @@ bool Session::currentIsSound(const CategoryLayout& layout) const {
     std::string reason;
     if (!readFile(path(layout, Copy::Current), bytes, reason))
         return false;
-    const FileInspection inspection = inspectFile(layout, bytes);
-    return inspection.isGood() || (!inspection.version.empty() && inspection.version != layout.version);
+    return inspectFile(layout, bytes).isGood();
 }
 
 void Session::close() {
@@ -121,9 +134,11 @@ void Session::load(const CategoryLayout& layout) {
         throw Failure(fmt::format("{} could not be loaded from any of its copies; what is wrong with them says: dmctl "
                                   "{}verify {}",
                                   name, m_rootOption, name));
+    auto* const op = dynamic_cast<AbstractFileOperator*>(m_manager->getFileOperator(layout.category));
+    if (op != nullptr)
+        op->waitForMerge();
 }
 
-/// A television states its type before it loads; here the files have to tell it, or a rewritten one would lose it.
 void Session::adoptTvType(const CategoryLayout& layout) {
     if (m_tvTypeKnown)
         return;
@@ -148,6 +163,21 @@ const std::string& Session::directory(Copy copy) const {
     return m_directories[static_cast<int>(copy)];
 }
 
+std::vector<std::string> Session::makeDirectories(std::initializer_list<Copy> copies) const {
+    std::vector<std::string> made;
+    for (const Copy copy : copies) {
+        const std::string& path = directory(copy);
+        std::error_code error;
+        if (fs::is_directory(path, error))
+            continue;
+        fs::create_directories(fs::path(path).parent_path(), error);
+        if (error)
+            throw Failure(fmt::format("the directory {} cannot be made: {}", path, error.message()));
+        made.push_back(path);
+    }
+    return made;
+}
+
 std::string Session::path(const CategoryLayout& layout, Copy copy) const {
     return directory(copy) + layout.file;
 }
@@ -158,6 +188,7 @@ bool Session::exists(const CategoryLayout& layout, Copy copy) const {
 }
 
 bool readFile(const std::string& path, std::string& bytes, std::string& reason) {
+    const ReadLock lock(fs::path(path).filename());
     std::error_code error;
     if (fs::is_directory(path, error)) {
         reason = "it is a directory";

@@ -2,6 +2,7 @@
 /// places of the copies. One session at a time.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,8 @@ class Session {
 public:
     enum class Root { HasToExist, IsMade };
 
-    /// Takes the root of the options. Throws when it is missing, no directory or too long.
+    /// Takes the root of the options. Throws when it is missing, no directory or too long, and RootInUse when a verb
+    /// that writes meets a running process of the library and is not forced.
     explicit Session(const Options& options, Root root = Root::HasToExist);
     ~Session();
     Session(const Session&) = delete;
@@ -30,10 +32,11 @@ public:
     FileDataSeparateManager& manager() { return *m_manager; }
     /// Registers the categories and starts the worker.
     void start();
-    /// Loads one category, which may repair or update its files as any start of a television does.
+    /// Loads one category, which may repair or update its files as any start of a television does. A current copy of
+    /// another version has been rewritten on return.
     void load(const CategoryLayout& layout);
     /// Whether the current copy is as the library writes it. Loading does not notice everything: a loaded category may
-    /// lack sections or have them out of order. A copy of another version passes; it is being rewritten.
+    /// lack sections or have them out of order.
     bool currentIsSound(const CategoryLayout& layout) const;
     /// Lets what is still being written reach the disk, then releases the manager. No other call may follow but those
     /// below.
@@ -41,23 +44,27 @@ public:
 
     /// The directory of a copy, ending in '/'.
     const std::string& directory(Copy copy) const;
+    /// Makes those directories that are missing, and returns them. Throws Failure when one cannot be made.
+    std::vector<std::string> makeDirectories(std::initializer_list<Copy> copies) const;
     std::string path(const CategoryLayout& layout, Copy copy) const;
     bool exists(const CategoryLayout& layout, Copy copy) const;
     /// The root for messages: the option that names it, with a blank behind it, or nothing.
     const std::string& rootOption() const { return m_rootOption; }
+    /// States the television's type as the copies of this category do, if no load has done so before. A television
+    /// states its type before it loads; here the files have to tell it, or a rewritten one would lose it.
+    void adoptTvType(const CategoryLayout& layout);
     /// SN of the newest copy that has one: what a new copy has to state.
     std::string tvTypeOf(const CategoryLayout& layout) const;
 
 private:
-    void adoptTvType(const CategoryLayout& layout);
-
     std::string m_rootOption;
     FileDataSeparateManager* m_manager = nullptr;
     std::string m_directories[3];
     bool m_tvTypeKnown = false;
 };
 
-/// Reads a whole file. False, with the reason in words, when that cannot be done.
+/// Reads a whole file, and keeps writers of a settings file of that name away meanwhile. False, with the reason in
+/// words, when that cannot be done.
 bool readFile(const std::string& path, std::string& bytes, std::string& reason);
 
 /// Named values of the given records, read from the loaded table; one row of fieldCount() per record, in the order of

@@ -1,4 +1,4 @@
-// set: changes fields of one record and proves that they are in the file.
+// set: changes fields of records and proves that they are in the file.
 #include <algorithm>
 #include <charconv>
 #include <climits>
@@ -8,13 +8,12 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/common/Thread.h>
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 #include <dataModule/fileOperator/TextLayout.h>
 
+#include "Change.h"
 #include "Names.h"
-#include "Output.h"
+#include "Selection.h"
 #include "Session.h"
 #include "Verb.h"
 
@@ -22,15 +21,10 @@ namespace td::dmctl {
 
 namespace {
 
-constexpr int STORE_MILLISECONDS = 30000;
-
 struct Assignment {
     const Field* field = nullptr;
     int value = 0;
 };
-
-using Record = std::vector<int>;            ///< indices
-using Rows = std::vector<std::vector<int>>; ///< values by field, one row per record
 
 /// The value furthest from 0 towards `outside`, which does not fit, that a key line holds.
 long long lastFitting(KeyLineForm form, long long outside) {
@@ -80,19 +74,6 @@ std::vector<Assignment> parseAssignments(const CategoryLayout& layout, const Wor
     return assignments;
 }
 
-/// The addressed record first, then those that its change goes to.
-std::vector<Record> touchedRecords(const CategoryLayout& layout, const Record& given, bool applied) {
-    std::vector<Record> records{given};
-    if (!applied)
-        return records;
-    for (AxisSweep sweep(layout, given.data(), layout.applyToAllSources.axes); !sweep.done(); sweep.next()) {
-        Record other(sweep.indices(), sweep.indices() + layout.dimensionCount());
-        if (other != given)
-            records.push_back(std::move(other));
-    }
-    return records;
-}
-
 bool appliesToOthers(Session& session, const CategoryLayout& layout) {
     if (layout.applyFlag == nullptr || layout.applyToAllSources.axes == 0)
         return false;
@@ -108,124 +89,30 @@ void store(Session& session, const CategoryLayout& layout, const Record& record,
         args.push_back({assignment.field->argumentName(), assignment.value});
     if (!session.manager().storeData(layout.category, record, args))
         throw Failure("the library refused the change");
-    if (!session.manager().waitStored(STORE_MILLISECONDS))
-        throw Failure(fmt::format("the change was not written within {} s", STORE_MILLISECONDS / 1000));
-    _ThreadStaticInfo_t statistics = {};
-    session.manager().getWorkerStatistics(statistics);
-    if (statistics.failed != 0)
-        throw Failure(fmt::format("the change could not be written to {}", session.path(layout, Copy::Current)));
-}
-
-/// The records as the file on the disk holds them now.
-Rows readFromFile(const Session& session, const CategoryLayout& layout, const std::vector<Record>& records) {
-    const std::string path = session.path(layout, Copy::Current);
-    std::string bytes;
-    std::string reason;
-    if (!readFile(path, bytes, reason))
-        throw Failure(fmt::format("{} cannot be read again: {}", path, reason));
-    const FileInspection inspection = inspectFile(layout, bytes);
-    if (!inspection.isGood())
-        throw Failure(fmt::format("{} is damaged after the change; what is wrong says: dmctl {}verify {}", path,
-                                  session.rootOption(), categoryName(layout)));
-    Rows rows;
-    for (const Record& record : records) {
-        // A file without faults has every section once and in order.
-        const auto& section = inspection.sections.at(static_cast<std::size_t>(layout.recordIndex(record.data())));
-        std::vector<int> values(layout.fields.size());
-        readInspected(layout, bytes, section, values.data());
-        std::vector<int>& row = rows.emplace_back();
-        for (const Field& field : layout.fields)
-            row.push_back(values[static_cast<std::size_t>(field.position)]);
-    }
-    return rows;
-}
-
-std::size_t numberOf(const CategoryLayout& layout, const Field& field) {
-    return static_cast<std::size_t>(&field - layout.fields.data());
-}
-
-struct Change {
-    const CategoryLayout* layout = nullptr;
-    Record record;
-    std::vector<Assignment> assignments;
-    std::vector<int> before; ///< of the addressed record, by field
-    bool applied = false;    ///< the flag made it go to others
-    int changedOthers = 0;
-};
-
-void printChange(const Change& change) {
-    std::vector<std::vector<std::string>> rows;
-    for (const Assignment& assignment : change.assignments) {
-        const int before = change.before[numberOf(*change.layout, *assignment.field)];
-        rows.push_back({assignment.field->argumentName(), before == assignment.value
-                                                              ? fmt::format("{} (unchanged)", before)
-                                                              : fmt::format("{} -> {}", before, assignment.value)});
-    }
-    printColumns(rows);
-    if (change.applied)
-        fmt::print("{} is set: {} other record{} changed with it.\n", change.layout->applyFlag, change.changedOthers,
-                   change.changedOthers == 1 ? "" : "s");
-}
-
-Json changeJson(const Change& change) {
-    Json fields = Json::object();
-    for (const Assignment& assignment : change.assignments)
-        fields[assignment.field->argumentName()] = {
-            {"before", change.before[numberOf(*change.layout, *assignment.field)]}, {"after", assignment.value}};
-    return {{"category", categoryName(*change.layout)},
-            {"record", recordJson(*change.layout, change.record)},
-            {"fields", fields},
-            {"applied", change.applied ? Json(change.layout->applyFlag) : Json()},
-            {"changedOthers", change.changedOthers}};
-}
-
-/// Makes the change and checks that the file holds it; fills in what it found.
-void perform(const Options& options, Change& change) {
-    const CategoryLayout& layout = *change.layout;
-    Session session(options);
-    session.start();
-    session.load(layout);
-    if (!session.currentIsSound(layout))
-        throw Failure(fmt::format("{} loads but has faults, so nothing was changed; what is wrong says: dmctl {}verify "
-                                  "{}",
-                                  session.path(layout, Copy::Current), session.rootOption(), categoryName(layout)));
-    change.applied = appliesToOthers(session, layout);
-    const std::vector<Record> records = touchedRecords(layout, change.record, change.applied);
-    const Rows before = readRecords(session, layout, records);
-    change.before = before.front();
-
-    store(session, layout, change.record, change.assignments);
-    session.close();
-
-    const Rows after = readFromFile(session, layout, records);
-    std::vector<int> expected = change.before;
-    for (const Assignment& assignment : change.assignments)
-        expected[numberOf(layout, *assignment.field)] = assignment.value;
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        if (after[i] != expected)
-            throw Failure(fmt::format("{} does not hold the change of {}", session.path(layout, Copy::Current),
-                                      records[i].empty() ? categoryName(layout) : recordText(layout, records[i])));
-        if (i > 0 && after[i] != before[i])
-            ++change.changedOthers;
-    }
 }
 
 } // namespace
 
 int runSet(const Options& options, const Words& words) {
-    Change change;
-    change.layout = &categoryNamed(words.empty() ? "" : words.front());
-    const auto firstIndex = words.empty() ? words.end() : words.begin() + 1;
-    const auto firstField = std::find_if(firstIndex, words.end(),
-                                         [](const std::string& word) { return word.find('=') != std::string::npos; });
-    change.record = recordNamed(*change.layout, Words(firstIndex, firstField));
-    change.assignments = parseAssignments(*change.layout, Words(firstField, words.end()));
+    const CategoryLayout& layout = categoryNamed(words.empty() ? "" : words.front());
+    Words rest;
+    const std::vector<Record> records = recordsNamed(layout, Words(words.begin() + 1, words.end()), rest);
+    const std::vector<Assignment> assignments = parseAssignments(layout, rest);
 
-    perform(options, change);
-    if (options.json)
-        printJson(changeJson(change));
-    else
-        printChange(change);
+    Session session(options);
+    session.start();
+    Change change(session, layout);
+    const bool applied = appliesToOthers(session, layout);
+    for (const Record& record : records) {
+        for (const Assignment& assignment : assignments)
+            change.put(record, *assignment.field, assignment.value);
+        if (applied)
+            change.copyTo(record, layout.applyToAllSources, false);
+    }
+    for (const Record& record : records)
+        store(session, layout, record, assignments);
+    change.prove();
+    change.report(options, applied ? layout.applyFlag : nullptr);
     return EXIT_FINE;
 }
 

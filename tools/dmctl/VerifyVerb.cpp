@@ -1,10 +1,12 @@
 // verify: inspects every copy of every file without the library's loading, which would repair what it finds.
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include <fmt/core.h>
 
 #include <dataModule/fileOperator/FileInspection.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 
 #include "Names.h"
 #include "Output.h"
@@ -23,6 +25,7 @@ struct CheckedCopy {
     Verdict verdict = Verdict::Missing;
     std::string unreadable; ///< why it could not be read at all
     std::size_t size = 0;
+    bool cutStore = false; ///< a record lies beside it with which the next load may end a store that was cut
     FileInspection inspection;
 };
 
@@ -52,6 +55,12 @@ const char* verdictName(Verdict verdict) {
     return "not made yet";
 }
 
+bool hasRedoRecord(const std::string& path) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(redoPath(path), error);
+    return !error && size > 0;
+}
+
 CheckedCopy check(const Session& session, const CategoryLayout& layout, Copy copy) {
     CheckedCopy checked;
     checked.copy = copy;
@@ -68,7 +77,22 @@ CheckedCopy check(const Session& session, const CategoryLayout& layout, Copy cop
     checked.inspection = inspectFile(layout, bytes);
     if (checked.inspection.isGood())
         checked.verdict = Verdict::Good;
+    else
+        checked.cutStore = copy == Copy::Current && hasRedoRecord(checked.path);
     return checked;
+}
+
+std::vector<CheckedCategory> checkAll(const Session& session, const std::vector<const CategoryLayout*>& layouts) {
+    std::vector<CheckedCategory> categories;
+    Progress progress("checking", static_cast<int>(layouts.size()));
+    for (const CategoryLayout* layout : layouts) {
+        CheckedCategory& category = categories.emplace_back();
+        category.layout = layout;
+        for (const Copy copy : COPIES)
+            category.copies.push_back(check(session, *layout, copy));
+        progress.step();
+    }
+    return categories;
 }
 
 Counts countVerdicts(const std::vector<CheckedCategory>& categories) {
@@ -117,17 +141,22 @@ void printCategory(const CheckedCategory& category) {
     for (const CheckedCopy& copy : category.copies) {
         const char* const name = copyName(copy.copy);
         if (copy.verdict == Verdict::Missing)
-            fmt::print("  {:<8} MISSING  {}\n", name, copy.path);
+            fmt::print("  {:<8} {}  {}\n", name, terminal::painted("MISSING", Style::Bad), copy.path);
         else if (copy.verdict == Verdict::NotMadeYet)
             fmt::print("  {:<8} not made yet; the library makes it when it is idle\n", name);
         else if (!copy.unreadable.empty())
-            fmt::print("  {:<8} DAMAGED  {} cannot be read: {}\n", name, copy.path, copy.unreadable);
+            fmt::print("  {:<8} {}  {} cannot be read: {}\n", name, terminal::painted("DAMAGED", Style::Bad), copy.path,
+                       copy.unreadable);
         else
-            fmt::print("  {:<8} {}  {}\n", name, copy.verdict == Verdict::Good ? "good   " : "DAMAGED",
+            fmt::print("  {:<8} {}  {}\n", name,
+                       copy.verdict == Verdict::Good ? terminal::painted("good   ", Style::Good)
+                                                     : terminal::painted("DAMAGED", Style::Bad),
                        facts(*category.layout, copy));
         if (copy.verdict == Verdict::Damaged)
             fmt::print("    {}\n", copy.path);
         printProblems(copy);
+        if (copy.cutStore)
+            fmt::print("      a store was cut off; its record {} lets the next load end it\n", redoPath(copy.path));
     }
 }
 
@@ -159,6 +188,7 @@ Json copyJson(const CheckedCopy& copy) {
     json["computedCrc"] =
         inspection.contentOffset >= 0 ? Json(fmt::format("{:#010x}", inspection.computedChecksum)) : Json();
     json["sections"] = inspection.readableRecords();
+    json["cutStore"] = copy.cutStore;
     json["faults"] = inspection.faultCount;
     json["notes"] = inspection.noteCount;
     json["problems"] = problems;
@@ -199,13 +229,7 @@ void printResult(const std::vector<CheckedCategory>& categories, const Counts& c
 int runVerify(const Options& options, const Words& words) {
     const std::vector<const CategoryLayout*> layouts = categoriesNamed(words);
     Session session(options);
-    std::vector<CheckedCategory> categories;
-    for (const CategoryLayout* layout : layouts) {
-        CheckedCategory& category = categories.emplace_back();
-        category.layout = layout;
-        for (const Copy copy : COPIES)
-            category.copies.push_back(check(session, *layout, copy));
-    }
+    const std::vector<CheckedCategory> categories = checkAll(session, layouts);
     const Counts counts = countVerdicts(categories);
     if (options.json)
         printJson(resultJson(categories, counts));
