@@ -101,8 +101,13 @@ bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {
         return true;
     }
     unsigned char block[BLOCK_SIZE];
-    for (ssize_t bytes = file.readBlock(block); bytes > 0; bytes = file.readBlock(block))
+    ssize_t bytes = 0;
+    while ((bytes = file.readBlock(block)) > 0)
         crc = crc32(crc, block, static_cast<unsigned int>(bytes));
+    if (bytes < 0) {
+        crc = INITIAL; // a part of a file has no checksum of its own
+        DM_WARNING("CRC Code: read file [%s] failed, error = %s.\n", path, std::strerror(errno));
+    }
     return true;
 }
 

@@ -24,8 +24,8 @@ public:
     /// Folds `len` bytes into `crc` and returns it, without initial or final inversion. Lock-free; needs the tables.
     unsigned int crc32(unsigned int crc, unsigned char* buf, unsigned int len) const;
     /// Checksums a file from byte `offset` to its end. False, and `crc` untouched, before init_crc_table. Otherwise
-    /// true, also when the file cannot be opened or positioned: `crc` is then 0xFFFFFFFF, the checksum of nothing.
-    /// Files are checksummed one after another.
+    /// true, also when the file cannot be opened, positioned or read: `crc` is then 0xFFFFFFFF, the checksum of
+    /// nothing. Files are checksummed one after another.
     bool calc_file_crc(const char* path, int offset, unsigned int& crc) TD_EXCLUDES(m_fileMutex);
 
     /// The value before the first byte.

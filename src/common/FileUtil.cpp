@@ -556,6 +556,13 @@ bool FileUtil::writeDurably(const char* path, const std::string& bytes) {
     return directory.isOpen() && syncDirectory(directory);
 }
 
+bool FileUtil::syncPath(const char* path) {
+    if (path == nullptr)
+        return false;
+    const Descriptor file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    return file.isOpen() && syncDirectory(file);
+}
+
 bool FileUtil::emptyFile(const char* path) {
     if (path == nullptr)
         return false;

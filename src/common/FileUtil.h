@@ -104,6 +104,8 @@ public:
     /// Makes `path` start with `bytes`, on the disk when this returns true; what the file held behind them stays. A
     /// file that is missing is made (mode 0666), its name synced too. No symbolic link is followed.
     static bool writeDurably(const char* path, const std::string& bytes);
+    /// Puts a file, or the names in a directory, on the disk.
+    static bool syncPath(const char* path);
     /// Leaves nothing in a file. No sync; false also when there is none.
     static bool emptyFile(const char* path);
     /// Ends the name of every unfinished file.

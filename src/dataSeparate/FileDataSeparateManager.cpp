@@ -33,6 +33,8 @@
 
 #include "LiveManagers.h"
 
+namespace fs = std::filesystem;
+
 namespace td {
 
 namespace {
@@ -42,6 +44,7 @@ std::atomic<bool> s_listening{true};
 
 constexpr const char* LISTENER_NAME = "DataModuleDetailLog";
 constexpr const char* WORKER_NAME = "FileManagerSyncFileThread";
+constexpr const char* LOADER_NAME = "DataModuleLoad";
 constexpr std::size_t LOADING_THREADS = 8;
 /// How long a reload waits for the stores queued before it.
 constexpr int SETTLE_MILLISECONDS = 5000;
@@ -271,18 +274,31 @@ private:
     FileLock m_locks[CATEGORY_COUNT];
 };
 
+/// Puts a directory on the disk with all that is in it.
+bool syncTree(const std::string& directory) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(directory, error)) {
+        if (!FileUtil::syncPath(entry.path().c_str()))
+            return false;
+    }
+    return !error && FileUtil::syncPath(directory.c_str());
+}
+
 /// Nothing is removed when there is nothing to put in its place.
 bool replaceByFactoryFiles(const char* factory) {
     std::error_code error;
-    const std::filesystem::directory_iterator listing(factory, error);
+    const fs::directory_iterator listing(factory, error);
     if (error)
         return false;
     const std::string current = paths::currentDirectory();
     const std::string backup = paths::backupDirectory();
     const AllFilesLock lock;
-    FileUtil::removeDirFile(current.c_str());
+    // The backups go first: whatever cuts this short, no old backup takes the place of a newer current file.
     FileUtil::removeDirFile(backup.c_str());
-    return FileUtil::copyDirFile(factory, current.c_str()) && FileUtil::copyDirFile(factory, backup.c_str());
+    FileUtil::removeDirFile(current.c_str());
+    return FileUtil::copyDirFile(factory, current.c_str()) && FileUtil::copyDirFile(factory, backup.c_str()) &&
+           syncTree(current) && syncTree(backup) &&
+           FileUtil::syncPath(fs::path(current).parent_path().parent_path().c_str());
 }
 
 bool loadReported(IFileOperator& op, const FileName& name) {
@@ -291,6 +307,40 @@ bool loadReported(IFileOperator& op, const FileName& name) {
         DM_WARNING(" load file [%s] failed.\n", name.text);
     return loaded;
 }
+
+/// A pool of 8 threads, or as many as there are to be had: the pool makes one, the platform the others. Asked for more
+/// than it can have, the pool's constructor would wait for ever for those that it got.
+class LoadingPool {
+public:
+    LoadingPool() : m_pool(1) {}
+    ~LoadingPool() { finish(); }
+    LoadingPool(const LoadingPool&) = delete;
+    LoadingPool& operator=(const LoadingPool&) = delete;
+
+    boost::asio::thread_pool& pool() { return m_pool; }
+
+    /// After everything was posted.
+    void addThreads() {
+        while (m_added < LOADING_THREADS - 1 && OsalThreads::create(LOADER_NAME, work, this, m_threads[m_added]))
+            ++m_added;
+    }
+    /// Waits until everything is done.
+    void finish() {
+        m_pool.join();
+        while (m_added > 0)
+            OsalThreads::join(m_threads[--m_added]);
+    }
+
+private:
+    static void* work(void* self) {
+        static_cast<LoadingPool*>(self)->m_pool.attach();
+        return nullptr;
+    }
+
+    boost::asio::thread_pool m_pool;
+    OsalThreads::Handle m_threads[LOADING_THREADS - 1] = {};
+    std::size_t m_added = 0;
+};
 
 /// Loads one file with its time in the log. Returns the bytes of its table.
 int loadTimed(IFileOperator& op) {
@@ -758,10 +808,11 @@ bool FileDataSeparateManager::loadInParallel(int& dataSize) {
         return true;
     };
     const bool pooled = attempt([&] {
-        boost::asio::thread_pool pool(LOADING_THREADS);
+        LoadingPool pool;
         for (std::size_t i = 0; i < operators.size(); ++i)
-            boost::asio::post(pool, loadNext);
-        pool.join();
+            boost::asio::post(pool.pool(), loadNext);
+        pool.addThreads();
+        pool.finish();
         return true;
     });
     // Without a pool the calling thread loads what is left.

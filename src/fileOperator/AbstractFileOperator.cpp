@@ -1,6 +1,8 @@
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 
+#include <cerrno>
 #include <cstring>
+#include <exception>
 #include <utility>
 
 #include <sys/stat.h>
@@ -89,10 +91,20 @@ void AbstractFileOperator::leaveCriticalSection() {
 bool AbstractFileOperator::tryEnterCriticalSection() {
     if (!m_criticalSection.tryLock())
         return false;
-    if (m_otaLoading || !m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName))) {
-        m_criticalSection.unlock();
-        return false;
+    bool entered = false;
+    try {
+        entered = !m_otaLoading && prepareBackup();
+    } catch (const std::exception& error) {
+        DM_WARNING("unexpected exception: %s\n", error.what());
     }
+    if (!entered)
+        m_criticalSection.unlock();
+    return entered;
+}
+
+bool AbstractFileOperator::prepareBackup() {
+    if (!m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName)))
+        return false;
     endPendingWrite();
     // A failed bulk restore leaves the factory copy open, which is no reason to go without a backup. After a failed
     // load the mode stays: what was not loaded does not go over the backup.
@@ -287,8 +299,8 @@ bool AbstractFileOperator::openCurrent() {
     const std::string path = getWorkPath(NORMAL_LOAD) + m_fileName;
     m_loadMode = NORMAL_LOAD;
     setPath(path);
-    if (m_open.writable && m_open.lengthsRead && isOpenFileAt(path))
-        return m_file.dropReadAhead();
+    if (m_open.writable && m_open.lengthsRead && isOpenFileAt(path) && m_file.dropReadAhead())
+        return true;
     if (!openFile(path, "r+"))
         return false;
     Summary summary;
@@ -306,6 +318,7 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
     if (m_parent == nullptr)
         return false;
     shareFiles();
+    m_readError = 0;
     const std::string path = mode == MANUFACTORY_LOAD ? factoryPath() : getWorkPath(mode) + m_fileName;
     closeFile();
     setPath(path);
@@ -328,10 +341,16 @@ bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
             return false;
         }
     }
-    if (openFile(path, mode == MANUFACTORY_LOAD ? "r" : "r+"))
+    // What cannot be written to can be read at least.
+    if (openFile(path, mode == MANUFACTORY_LOAD ? "r" : "r+") || openFile(path, "r"))
         return true;
+    noteUnreadable(errno);
     DM_WARNING("open file [%s] failed.\n", path.c_str());
     return false;
+}
+
+void AbstractFileOperator::noteUnreadable(int error) {
+    m_readError = error != 0 ? error : EIO;
 }
 
 bool AbstractFileOperator::loadSummary(const char* path) {
@@ -376,6 +395,7 @@ bool AbstractFileOperator::checkSummaryLines(const Summary& summary, SummaryStat
         return false;
     switch (state) {
     case SummaryState::NotReadable:
+        noteUnreadable(errno);
         DM_WARNING("reset file position of [%s] failed.\n", m_path.load());
         return false;
     case SummaryState::BadHeader:
@@ -417,6 +437,7 @@ bool AbstractFileOperator::versionMatches(const Summary& summary, _LOAD_FILE_MOD
 bool AbstractFileOperator::checksumMatches(const Summary& summary, const _LOAD_FILE_MODE* mode, bool& fatal) {
     unsigned int computed = 0;
     if (!contentChecksum(computed)) {
+        noteUnreadable(errno);
         DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", m_path.load());
         return false;
     }
@@ -536,6 +557,9 @@ bool AbstractFileOperator::loadFile() {
     if (m_mergeUnwritten)
         createFile();
     if (!loadFirstGoodCopy()) {
+        // A merge that did not come to its end is to be made again.
+        if (m_otaLoading)
+            m_versionCheck = true;
         m_otaLoading = false;
         return false;
     }
@@ -548,6 +572,7 @@ bool AbstractFileOperator::loadFile() {
 
 bool AbstractFileOperator::loadFirstGoodCopy() {
     _LOAD_FILE_MODE mode = NORMAL_LOAD;
+    bool triedAgain = false;
     for (;;) {
         bool fatal = false;
         Reading reading = Reading::TryNext;
@@ -560,6 +585,16 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
             break;
         if (fatal || reading == Reading::Failed)
             return false;
+        if (mode == NORMAL_LOAD && m_readError != 0) {
+            // It may be as good as ever, so nothing takes its place but when the medium itself gave it up.
+            if (!std::exchange(triedAgain, true))
+                continue;
+            if (m_readError != EIO) {
+                DM_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(),
+                         std::strerror(m_readError));
+                return false;
+            }
+        }
         if (mode == NORMAL_LOAD && currentWasMended()) {
             m_otaLoading = false;
             continue;
@@ -590,6 +625,8 @@ AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mod
     if (mode == MANUFACTORY_LOAD && m_otaLoading)
         return readForMerge();
     if (!loadContents()) {
+        if (m_file.isOpend() && std::ferror(m_file.stream()) != 0)
+            noteUnreadable(EIO);
         DM_WARNING("load contents from file [%s] failed.\n", m_path.load());
         logWhere();
         return mode == MANUFACTORY_LOAD ? Reading::Failed : Reading::TryNext;
@@ -1134,6 +1171,8 @@ bool AbstractFileOperator::writeSections() {
     for (const RedoRecord::Write& write : writes) {
         if (m_file.setPos(write.offset) && m_file.writeFile(write.bytes.c_str(), true))
             continue;
+        // A stream that failed once is not to be trusted with another write.
+        closeFile();
         m_redoStored = false;
         return false;
     }

@@ -189,6 +189,8 @@ private:
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
 
+    /// What remains to be done once the critical section was had by try. False when another process is at work.
+    bool prepareBackup() TD_REQUIRES(m_criticalSection);
     /// Once per critical section, as soon as it has the files for itself.
     void endPendingWrite() TD_REQUIRES(m_criticalSection);
     void setPath(const std::string& path) TD_REQUIRES(m_criticalSection);
@@ -210,6 +212,8 @@ private:
     void startMergeThread() TD_REQUIRES(m_criticalSection);
     static void* mergeProc(void* self);
 
+    /// Notes that the copy at hand could not be read, which does not make it a bad one.
+    void noteUnreadable(int error) TD_REQUIRES(m_criticalSection);
     bool openForSummary(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
     bool verifySummary(const _LOAD_FILE_MODE* mode, bool& fatal) TD_REQUIRES(m_criticalSection);
     bool checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode, bool& fatal)
@@ -251,6 +255,7 @@ private:
     bool m_redoStored TD_GUARDED_BY(m_criticalSection) = false; ///< it is on the disk; the checksum is still to follow
     OpenFile m_open TD_GUARDED_BY(m_criticalSection);
     bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made
+    int m_readError TD_GUARDED_BY(m_criticalSection) = 0;     ///< errno when the last copy could not be read; else 0
     bool m_sectionSkipped TD_GUARDED_BY(m_criticalSection) = false;
     bool m_mergeUnwritten TD_GUARDED_BY(m_criticalSection) = false;
     bool m_backupOutdated TD_GUARDED_BY(m_criticalSection) = false; ///< the current copy has changed since
