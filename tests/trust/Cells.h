@@ -24,6 +24,10 @@ std::vector<Cell> failureCells();
 /// For the names of tests.
 std::string nameOfCell(const testing::TestParamInfo<Cell>& info);
 
+/// What the library has yet to learn before a test can pass, by the test's name and the operation; null for all that it
+/// knows. Such a test is skipped, unless --awaited asks for it.
+const char* awaitedFor(const std::string& test, const Operation& operation);
+
 /// The worst that a cut while the operation runs may cost.
 Loss allowedDuring(const Operation& operation);
 

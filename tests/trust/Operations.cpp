@@ -110,6 +110,7 @@ std::vector<Operation> makeOperations() {
     // A section may be stored again and again, so what one store leaves behind must not disturb the next.
     const std::vector<Step> stores{boot(), store(0, FIRST_STORE), store(-1, SECOND_STORE), store(0, THIRD_STORE)};
     return {
+        {"start", always, threeCopies, current, {boot(false)}},
         {"store", always, threeCopies, current, stores},
         {"copy to all sources",
          [](const CategoryLayout& layout) { return layout.applyToAllSources.axes != 0; },

@@ -52,8 +52,6 @@ struct Operation {
     /// The contents that a start would load from it; none: there is nothing to load.
     std::function<std::optional<std::string>(const CategoryLayout&)> before;
     std::vector<Step> steps;
-    /// Whether the values count as stored once a step has returned, so that no cut may take them back.
-    bool isDurable = true;
 };
 
 const std::vector<Operation>& operations();

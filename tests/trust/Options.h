@@ -2,15 +2,15 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 namespace td::test {
 
 struct Options {
-    bool isFull = false;     ///< --full: all that the tests know instead of a sample
-    std::uint64_t seed = 1;  ///< --seed=NUMBER of the random parts
-    std::string pageToWrite; ///< --write-page=FILE: the page of losses is made, and no test is run
-    std::string storingRoot; ///< --store-in=ROOT: stores there until killed; for the test that kills
+    bool isFull = false;      ///< --full: all that the tests know instead of a sample
+    std::uint64_t seed = 1;   ///< --seed=NUMBER of the random parts
+    int onlyNumber = 0;       ///< --only=NUMBER: of the failures only that one; with --full as a report names it
+    bool runsAwaited = false; ///< --awaited: also the tests that cannot pass yet
+    bool showsLog = false;    ///< --log: the library's log lines
 };
 
 Options& options();

@@ -116,8 +116,7 @@ private:
             return;
         cut(before.events, after.events - 1, {before.contents, after.contents, recording.backups}, m_result.during);
         // Even what is still pending when the step has returned must not take it back.
-        const std::optional<std::string>& kept = m_operation.isDurable ? after.contents : before.contents;
-        cut(after.events, after.events, {kept, after.contents, recording.backups}, m_result.after);
+        cut(after.events, after.events, {before.contents, after.contents, recording.backups}, m_result.after);
     }
 
     void checkState(const CutState& state, const Promise& promise, Loss& worst) {

@@ -18,22 +18,22 @@ Options& options() {
 namespace {
 
 bool takeOption(const std::string& argument) {
-    const auto valueOf = [&](const std::string& name, std::string& value) {
-        if (argument.compare(0, name.size(), name) != 0)
-            return false;
-        value = argument.substr(name.size());
-        return true;
-    };
-    std::string number;
-    if (argument == "--full") {
+    const std::size_t equals = argument.find('=');
+    const std::string name = argument.substr(0, equals);
+    const char* const value = equals == std::string::npos ? "" : argument.c_str() + equals + 1;
+    if (name == "--full")
         options().isFull = true;
-        return true;
-    }
-    if (valueOf("--seed=", number)) {
-        options().seed = std::strtoull(number.c_str(), nullptr, 10);
-        return true;
-    }
-    return false;
+    else if (name == "--awaited")
+        options().runsAwaited = true;
+    else if (name == "--log")
+        options().showsLog = true;
+    else if (name == "--seed")
+        options().seed = std::strtoull(value, nullptr, 10);
+    else if (name == "--only")
+        options().onlyNumber = std::atoi(value);
+    else
+        return false;
+    return true;
 }
 
 } // namespace
@@ -49,6 +49,9 @@ int main(int argc, char** argv) {
         }
     }
     // Thousands of damaged files are warned of.
-    td::DebugOutput::setSink([](td::DebugOutput::Level, const char*) {});
+    if (td::test::options().showsLog)
+        td::DebugOutput::setLevel(td::DebugOutput::Level::Info);
+    else
+        td::DebugOutput::setSink([](td::DebugOutput::Level, const char*) {});
     return RUN_ALL_TESTS();
 }
