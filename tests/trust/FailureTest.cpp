@@ -1,0 +1,312 @@
+// Whatever fails, at whatever moment: the library goes on, loses nothing that was stored, and works again as soon as
+// the failure is over.
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Cells.h"
+#include "FileCalls.h"
+#include "Options.h"
+#include "Scarcity.h"
+#include "Watchdog.h"
+
+namespace td::test {
+namespace {
+
+constexpr std::size_t MOST_FAULTS = 3;
+/// No operation does more than this before it meets no failure any more.
+constexpr int MOST_USES = 100000;
+
+/// What fails: from the use with a number on, once or for ever.
+class Failure {
+public:
+    virtual ~Failure() = default;
+    virtual void begin(int number, bool forEver) = 0;
+    /// Whether the number was reached.
+    virtual bool end() = 0;
+    virtual std::string name() const = 0;
+};
+
+/// File calls with an error, or writes that do less than they should.
+class FailingCalls final : public Failure, public FileWatcher {
+public:
+    enum Kind { Error, Partial, PartialThenFull };
+
+    FailingCalls(Kind kind, int error, std::string name) : m_kind(kind), m_error(error), m_name(std::move(name)) {}
+
+    void begin(int number, bool forEver) override {
+        m_number = number;
+        m_forEver = forEver;
+        m_calls = 0;
+        m_struck.clear();
+        m_active = true;
+    }
+    bool end() override {
+        m_active = false;
+        return !m_struck.empty();
+    }
+    std::string name() const override { return m_name + " at " + m_struck; }
+
+    Verdict asked(FileCall call, const std::string& path) override {
+        if (!m_active || (m_kind != Error && call != FileCall::Write))
+            return {};
+        ++m_calls;
+        if (m_calls < m_number || (m_calls > m_number && !m_forEver && m_kind != PartialThenFull))
+            return {};
+        if (m_struck.empty())
+            m_struck = std::string(nameOf(call)) + " of " + path;
+        if (m_kind == Error)
+            return {m_error, false};
+        if (m_kind == PartialThenFull && m_calls > m_number)
+            return {m_calls == m_number + 1 || m_forEver ? ENOSPC : 0, false};
+        return {0, true};
+    }
+
+private:
+    const Kind m_kind;
+    const int m_error;
+    const std::string m_name;
+    // Under the lock of the file calls while they are watched, and set only while nothing is running.
+    int m_number = 0;
+    bool m_forEver = false;
+    int m_calls = 0;
+    std::string m_struck;
+    std::atomic<bool> m_active{false};
+};
+
+class Scarce final : public Failure {
+public:
+    Scarce(Shortage& shortage, std::string name) : m_shortage(shortage), m_name(std::move(name)) {}
+    void begin(int number, bool forEver) override { m_shortage.begin(number, forEver); }
+    bool end() override { return m_shortage.end(); }
+    std::string name() const override { return m_name; }
+
+private:
+    Shortage& m_shortage;
+    const std::string m_name;
+};
+
+/// One operation on one shape, with one step that meets failures.
+class FailingOperation {
+public:
+    FailingOperation(const Cell& cell, std::size_t step)
+        : m_operation(*cell.operation), m_shape(*cell.shape), m_layout(m_shape.layout()), m_step(step),
+          m_disk(m_operation.disk(m_shape)) {
+        rehearse();
+    }
+
+    /// Goes on until a run meets no failure; every `stride`th number is tried. What went wrong.
+    std::vector<std::string> run(Failure& failure, FileWatcher& watcher, bool forEver, int first, int stride) {
+        std::vector<std::string> faults;
+        const int last = options().onlyNumber > 0 ? options().onlyNumber : MOST_USES;
+        for (int number = first; number <= last && faults.size() < MOST_FAULTS; number += stride) {
+            bool met = false;
+            if (options().onlyNumber > 0 && number != options().onlyNumber)
+                continue;
+            // Once with another store in the same process, once with a new start right away.
+            for (const bool goOn : {false, true}) {
+                const std::string fault = runOnce(failure, watcher, number, forEver, goOn, met);
+                if (!fault.empty())
+                    faults.push_back(fault + "\n" + m_case + ": " + failure.name());
+                ++m_runs;
+            }
+            if (!met)
+                return faults;
+        }
+        return faults;
+    }
+    int runs() const { return m_runs; }
+
+private:
+    /// What the step does when nothing fails.
+    void rehearse() {
+        m_root.write(m_disk);
+        Life life(m_shape);
+        m_before = m_operation.before(m_layout);
+        for (std::size_t i = 0; i <= m_step; ++i) {
+            if (!m_operation.steps[i].act(life))
+                throw std::runtime_error(std::string(m_operation.steps[i].name) + " fails without a failure");
+            if (i + 1 == m_step && !m_operation.steps[i].isPreparation)
+                m_before = contentsAt(m_shape.current());
+        }
+        m_after = contentsAt(m_shape.current());
+    }
+
+    std::optional<std::string> contentsAt(const std::string& path) const {
+        const Tree tree = m_root.read();
+        const auto found = tree.find(path);
+        return found == tree.end() ? std::nullopt : verifiedContents(m_layout, found->second);
+    }
+
+    std::string runOnce(Failure& failure, FileWatcher& watcher, int number, bool forEver, bool goOn, bool& met) {
+        m_case = std::string(m_operation.name) + ", " + m_operation.steps[m_step].name + ", " + m_shape.name +
+                 ", number " + std::to_string(number) + (forEver ? " and all after it" : " only") +
+                 (goOn ? ", then a store" : ", then a new start");
+        const Watchdog watchdog(m_case);
+        if (options().showsLog)
+            std::fprintf(stderr, "--- %s\n", m_case.c_str());
+        m_root.write(m_disk);
+        Life life(m_shape);
+        {
+            const WatchedFiles watched(m_root.path(), watcher);
+            for (std::size_t i = 0; i < m_step; ++i)
+                m_operation.steps[i].act(life);
+            life.set();
+            failure.begin(number, forEver);
+            std::string thrown;
+            try {
+                m_operation.steps[m_step].act(life);
+            } catch (const std::exception& error) {
+                thrown = error.what();
+            }
+            met = failure.end() || met;
+            if (!thrown.empty())
+                return "an exception left the library: " + thrown;
+            if (goOn) {
+                const std::string fault = storeNext(life);
+                if (!fault.empty())
+                    return fault;
+            }
+            life.end();
+        }
+        return check(goOn);
+    }
+
+    /// The failure is over: what was not loaded loads, and a store works.
+    std::string storeNext(Life& life) const {
+        if (!life.set().start())
+            return "the set does not start";
+        if (!life.set().isLoaded() && m_before && !life.set().loadData(m_shape.category))
+            return "the category does not load once the failure is over";
+        if (!life.set().isLoaded() && !life.set().initData(m_shape.category) && !life.set().loadData(m_shape.category))
+            return "the file cannot be created once the failure is over";
+        if (!life.set().isLoaded() && !life.set().loadData(m_shape.category))
+            return "the created file does not load";
+        return life.set().settle() && life.set().storeRecord(storedRecord(), LATER_STORE) && life.set().settle()
+                   ? ""
+                   : "a store fails once the failure is over";
+    }
+
+    std::string check(bool stored) const {
+        Life life(m_shape);
+        if (!life.set().boot())
+            return m_before || stored ? "the category does not load" : "";
+        life.end();
+        const std::optional<std::string> contents = contentsAt(m_shape.current());
+        if (!contents)
+            return "after the load the current copy is not good";
+        if (m_before && !isGood(m_shape.factory()))
+            return "the factory copy is damaged";
+        const std::string kept = sectionOf(m_layout, storedRecord(), valuesOf(m_layout, LATER_STORE, storedRecord()));
+        if (stored && sectionIn(m_layout, *contents, storedRecord()) != kept)
+            return "the store once the failure was over is lost";
+        const std::string wrong = firstWrong(*contents, stored, m_before, m_after);
+        return wrong.empty() ? "" : "a record is neither old nor new: " + wrong;
+    }
+
+    bool isGood(const std::string& path) const { return contentsAt(path).has_value(); }
+
+    std::string firstWrong(const std::string& contents, bool stored, const std::optional<std::string>& before,
+                           const std::optional<std::string>& after) const {
+        for (int record = 0; record < m_layout.recordCount(); ++record) {
+            const std::string section = sectionIn(m_layout, contents, record);
+            const bool isOld = before && section == sectionIn(m_layout, *before, record);
+            const bool isNew = after && section == sectionIn(m_layout, *after, record);
+            if (!isOld && !isNew && !(stored && record == storedRecord()))
+                return section;
+        }
+        return "";
+    }
+
+    int storedRecord() const { return m_layout.recordCount() / 2; }
+
+    const Operation& m_operation;
+    const Shape& m_shape;
+    const CategoryLayout& m_layout;
+    const std::size_t m_step;
+    const Tree m_disk;
+    const MemoryRoot m_root;
+    std::optional<std::string> m_before;
+    std::optional<std::string> m_after;
+    std::string m_case;
+    int m_runs = 0;
+};
+
+class FailureTest : public testing::TestWithParam<Cell> {
+protected:
+    /// Every step of the operation that is no preparation; in a sample the first one only.
+    std::vector<std::size_t> steps() const {
+        std::vector<std::size_t> all;
+        for (std::size_t i = 0; i < GetParam().operation->steps.size(); ++i) {
+            if (!GetParam().operation->steps[i].isPreparation && (all.empty() || options().isFull))
+                all.push_back(i);
+        }
+        return all;
+    }
+    void run(Failure& failure, FileWatcher& watcher, int first, int stride) {
+        for (const std::size_t step : steps()) {
+            FailingOperation operation(GetParam(), step);
+            for (const bool forEver : {false, true}) {
+                for (const std::string& fault : operation.run(failure, watcher, forEver, first, stride))
+                    ADD_FAILURE() << fault;
+            }
+            m_runs += operation.runs();
+        }
+    }
+    void TearDown() override { std::printf("%d runs\n", m_runs); }
+
+    int m_runs = 0;
+    FileWatcher m_nobody;
+};
+
+TEST_P(FailureTest, OfFileCalls) {
+    if (const char* const why = awaitedFor("FileCalls", *GetParam().operation))
+        GTEST_SKIP() << why;
+    struct Kind {
+        FailingCalls::Kind kind;
+        int error;
+        const char* name;
+    };
+    constexpr Kind KINDS[] = {{FailingCalls::Error, ENOSPC, "no space"},
+                              {FailingCalls::Error, EIO, "an input/output error"},
+                              {FailingCalls::Error, EMFILE, "too many open files"},
+                              {FailingCalls::Error, EACCES, "no permission"},
+                              {FailingCalls::Error, EROFS, "a read-only file system"},
+                              {FailingCalls::Partial, 0, "a partial write"},
+                              {FailingCalls::PartialThenFull, 0, "a partial write, then no space"}};
+    int first = 1;
+    for (const Kind& kind : KINDS) {
+        FailingCalls calls(kind.kind, kind.error, kind.name);
+        // In a sample each number meets one of the errors, and the writes, being few, all.
+        const bool all = options().isFull || kind.kind != FailingCalls::Error;
+        run(calls, calls, all ? 1 : first++, all ? 1 : 5);
+    }
+}
+
+TEST_P(FailureTest, OfAllocations) {
+    if (const char* const why = awaitedFor("Allocations", *GetParam().operation))
+        GTEST_SKIP() << why;
+    Scarce memory(memoryShortage(), "no memory");
+    run(memory, m_nobody, 1, options().isFull ? 1 : 5);
+}
+
+TEST_P(FailureTest, OfThreadCreation) {
+    if (const char* const why = awaitedFor("ThreadCreation", *GetParam().operation))
+        GTEST_SKIP() << why;
+    Scarce threads(threadShortage(), "no thread");
+    run(threads, m_nobody, 1, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cells, FailureTest, testing::ValuesIn(failureCells()), nameOfCell);
+
+} // namespace
+} // namespace td::test

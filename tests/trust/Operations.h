@@ -1,0 +1,59 @@
+/// What the tests do to a set while power fails or calls fail.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "OneCategorySet.h"
+
+namespace td::test {
+
+// The series of values that copies begin with, and those that are stored.
+constexpr int FACTORY_SERIES = 1;
+constexpr int BACKUP_SERIES = 2;
+constexpr int CURRENT_SERIES = 3;
+constexpr int FIRST_STORE = 4;
+constexpr int SECOND_STORE = 5;
+constexpr int THIRD_STORE = 6;
+constexpr int LATER_STORE = 7;
+
+/// One process on its way through the steps of an operation.
+struct Life {
+    explicit Life(const Shape& category) : shape(category) {}
+
+    /// The running set, made if there is none.
+    OneCategorySet& set();
+    /// Ends the process as a proper shutdown does.
+    void end() { m_set.reset(); }
+
+    const Shape& shape;
+
+private:
+    std::unique_ptr<OneCategorySet> m_set;
+};
+
+struct Step {
+    const char* name;
+    /// Returns when all is done, queued stores included. Whether it succeeded.
+    std::function<bool(Life&)> act;
+    /// What leads up to the operation: no cut is tried within it.
+    bool isPreparation = false;
+};
+
+struct Operation {
+    const char* name;
+    /// Whether categories of this shape have it.
+    std::function<bool(const CategoryLayout&)> isOffered;
+    /// The disk before.
+    std::function<Tree(const Shape&)> disk;
+    /// The contents that a start would load from it; none: there is nothing to load.
+    std::function<std::optional<std::string>(const CategoryLayout&)> before;
+    std::vector<Step> steps;
+};
+
+const std::vector<Operation>& operations();
+
+} // namespace td::test

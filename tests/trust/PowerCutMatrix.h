@@ -1,0 +1,42 @@
+/// The worst that a cut of power does to each operation on each shape of category.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "Operations.h"
+#include "PowerCuts.h"
+
+namespace td::test {
+
+/// What a cut may cost, rising.
+enum class Loss {
+    Nothing,
+    LastStore,  ///< records that were being written have their old value
+    LastBackup, ///< all is as in the last backup
+};
+
+/// The words for it.
+const char* textOf(Loss loss);
+
+struct CellResult {
+    Loss during = Loss::Nothing;  ///< cut while the operation runs
+    Loss after = Loss::Nothing;   ///< cut after it has returned
+    std::size_t states = 0;       ///< loaded after one cut
+    std::size_t secondStates = 0; ///< loaded after another cut while that load was recovering
+    /// What is beyond any loss: a category that does not load, a record that is neither old nor new, a later store that
+    /// is not kept. With the state that led to it.
+    std::vector<std::string> faults;
+};
+
+struct CellEffort {
+    CutEffort first;
+    CutEffort second;
+    /// Every so many states the load is recorded and cut as well.
+    std::size_t secondEvery = 1;
+};
+
+CellResult runCell(const Operation& operation, const Shape& shape, const CellEffort& effort);
+
+} // namespace td::test

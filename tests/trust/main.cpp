@@ -1,0 +1,57 @@
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/platform/DebugOutput.h>
+
+#include "Options.h"
+
+namespace td::test {
+
+Options& options() {
+    static Options all;
+    return all;
+}
+
+namespace {
+
+bool takeOption(const std::string& argument) {
+    const std::size_t equals = argument.find('=');
+    const std::string name = argument.substr(0, equals);
+    const char* const value = equals == std::string::npos ? "" : argument.c_str() + equals + 1;
+    if (name == "--full")
+        options().isFull = true;
+    else if (name == "--awaited")
+        options().runsAwaited = true;
+    else if (name == "--log")
+        options().showsLog = true;
+    else if (name == "--seed")
+        options().seed = std::strtoull(value, nullptr, 10);
+    else if (name == "--only")
+        options().onlyNumber = std::atoi(value);
+    else
+        return false;
+    return true;
+}
+
+} // namespace
+
+} // namespace td::test
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    for (int i = 1; i < argc; ++i) {
+        if (!td::test::takeOption(argv[i])) {
+            std::fprintf(stderr, "unknown option %s\n", argv[i]);
+            return EXIT_FAILURE;
+        }
+    }
+    // Thousands of damaged files are warned of.
+    if (td::test::options().showsLog)
+        td::DebugOutput::setLevel(td::DebugOutput::Level::Info);
+    else
+        td::DebugOutput::setSink([](td::DebugOutput::Level, const char*) {});
+    return RUN_ALL_TESTS();
+}
