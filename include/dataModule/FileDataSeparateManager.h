@@ -94,8 +94,8 @@ public:
 
     /// Serves one suspend cycle, on a thread of the client's: waits until the semaphore "release.dataModule" is posted,
     /// closes all files, waits for "reload.dataModule" and opens them again. `manager` is a manager's
-    /// IDataSeparateManager face; null is answered at once. Ends, within a second, when the manager is released.
-    /// Changes the umask of the process. Returns null.
+    /// IDataSeparateManager face; null is answered at once. Ends, within a second, when the manager is stopped or
+    /// released. Changes the umask of the process. Returns null.
     static void* listenSTDSignal(void* manager);
     /// Follows the detail-log switch: each post of "log.dataModule" makes it read the shared-memory word. init() starts
     /// it, once for the life of the process. Does nothing for null. Returns null.

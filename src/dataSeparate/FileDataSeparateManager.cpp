@@ -365,7 +365,7 @@ FileDataSeparateManager* FileDataSeparateManager::instance() {
 void FileDataSeparateManager::release() {
     if (s_instance == nullptr)
         return;
-    // Before anything of it goes: a listener on a thread of the client's may be at work on it.
+    // While it is still whole: a listener on a thread of the client's may be at work on it.
     LiveManagers::instance().remove(s_instance);
     delete s_instance;
     s_instance = nullptr;
@@ -710,6 +710,8 @@ void FileDataSeparateManager::setParents() {
 bool FileDataSeparateManager::stop() {
     if (m_stopped.exchange(true))
         return true;
+    // Before anything of it goes: a listener on a thread of the client's may be at work on it.
+    LiveManagers::instance().remove(this);
     m_worker->stop();
     deleteOperators();
     m_processesLock->unlock();

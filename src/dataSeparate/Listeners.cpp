@@ -98,12 +98,12 @@ private:
     sem_t* m_semaphore;
 };
 
-/// The manager of a suspend cycle. A manager of this library may be released while the listener waits and is not
-/// touched any more then; any other has to outlive the listener.
+/// The manager of a suspend cycle. A manager of this library may be stopped and released before the listener's thread
+/// runs or while it waits, and is not touched any more then; any other has to outlive the listener.
 class SteeredManager {
 public:
     explicit SteeredManager(IDataSeparateManager* manager)
-        : m_manager(manager), m_known(LiveManagers::instance().has(manager)) {}
+        : m_manager(manager), m_known(LiveManagers::instance().knows(manager)) {}
 
     /// Waits for a post; false also when the manager is released meanwhile.
     bool waitFor(NamedSemaphore& semaphore) const {

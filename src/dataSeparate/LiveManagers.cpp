@@ -24,11 +24,13 @@ LiveManagers& LiveManagers::instance() {
 void LiveManagers::add(IDataSeparateManager* manager) {
     const MutexLock lock(m_mutex);
     m_live.insert(manager);
+    m_gone.erase(manager);
 }
 
 void LiveManagers::remove(IDataSeparateManager* manager) {
     const MutexLock lock(m_mutex);
-    m_live.erase(manager);
+    if (m_live.erase(manager) > 0)
+        m_gone.insert(manager);
     while (m_used.count(manager) > 0)
         m_unused.waitUntil(m_mutex, inAnHour());
 }
@@ -36,6 +38,11 @@ void LiveManagers::remove(IDataSeparateManager* manager) {
 bool LiveManagers::has(IDataSeparateManager* manager) {
     const MutexLock lock(m_mutex);
     return m_live.count(manager) > 0;
+}
+
+bool LiveManagers::knows(IDataSeparateManager* manager) {
+    const MutexLock lock(m_mutex);
+    return m_live.count(manager) > 0 || m_gone.count(manager) > 0;
 }
 
 bool LiveManagers::startUsing(IDataSeparateManager* manager) {

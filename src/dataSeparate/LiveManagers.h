@@ -16,6 +16,8 @@ public:
     /// After this nobody uses the manager any more: waits for the one that does. Not by a thread that does.
     void remove(IDataSeparateManager* manager) TD_EXCLUDES(m_mutex);
     bool has(IDataSeparateManager* manager) TD_EXCLUDES(m_mutex);
+    /// Whether it exists or did exist.
+    bool knows(IDataSeparateManager* manager) TD_EXCLUDES(m_mutex);
     /// Keeps a manager alive until stopUsing(). False when it is gone.
     bool startUsing(IDataSeparateManager* manager) TD_EXCLUDES(m_mutex);
     void stopUsing(IDataSeparateManager* manager) TD_EXCLUDES(m_mutex);
@@ -23,10 +25,11 @@ public:
 private:
     LiveManagers() = default;
 
-    Mutex m_mutex; ///< both sets; nothing is called while it is held
+    Mutex m_mutex; ///< the sets; nothing is called while it is held
     Condition m_unused;
     std::set<IDataSeparateManager*> m_live TD_GUARDED_BY(m_mutex);
     std::multiset<IDataSeparateManager*> m_used TD_GUARDED_BY(m_mutex);
+    std::set<IDataSeparateManager*> m_gone TD_GUARDED_BY(m_mutex);
 };
 
 } // namespace td

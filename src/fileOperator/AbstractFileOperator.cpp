@@ -554,7 +554,7 @@ bool AbstractFileOperator::loadFile() {
         return false;
     }
     // A merge that could not be written is in the table alone; if it still cannot be, it is made again.
-    if (m_mergeUnwritten)
+    if (m_mergeUnwritten && !mergedByOther())
         createFile();
     if (!loadFirstGoodCopy()) {
         // A merge that did not come to its end is to be made again.
@@ -758,6 +758,14 @@ bool AbstractFileOperator::createFile() {
         return false;
     }
     DM_INFO("#################### load OTA data flow end. ###################.\n");
+    return true;
+}
+
+bool AbstractFileOperator::mergedByOther() {
+    takeFiles();
+    if (!fileVerifies((getWorkPath(NORMAL_LOAD) + m_fileName).c_str(), m_version))
+        return false;
+    m_mergeUnwritten = false;
     return true;
 }
 
@@ -1231,7 +1239,6 @@ bool rewriteCrcOf(FileUtil& file, const char* path) {
         return false;
     }
     unsigned int crc = 0;
-    CRC32Util::instance()->init_crc_table();
     if (!file.getCurrentPos(contentPosition) || !contentChecksum(path, static_cast<int>(contentPosition), crc)) {
         DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
         return false;
@@ -1257,6 +1264,11 @@ bool AbstractFileOperator::generateCRC32(const char* path) {
     const std::string name = path;
     FileLock lock;
     lock.lock(paths::lockFile(name.substr(name.find_last_of('/') + 1)), FileLock::Kind::Exclusive);
+    CRC32Util::instance()->init_crc_table();
+    // With a right checksum a store that was cut short would pass for a whole one (invariant 7).
+    unsigned int ended = 0;
+    if (redoIsPending(name))
+        replayRedo(name, ended);
     FileUtil file;
     if (!file.openFile(path, "r+")) {
         DM_WARNING("open file [%s] failed.\n", path);

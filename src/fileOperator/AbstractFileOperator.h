@@ -163,6 +163,8 @@ protected:
     bool mergePending() const { return m_otaLoading; }
     /// Whether that failed once; the next store tries again.
     bool mergeUnwritten() const TD_REQUIRES(m_criticalSection) { return m_mergeUnwritten; }
+    /// Whether another process has merged the file since, and may have stored in it: then nothing is left to write.
+    bool mergedByOther() TD_REQUIRES(m_criticalSection);
     /// One line with category and path after a message that names neither.
     void logWhere() const;
 

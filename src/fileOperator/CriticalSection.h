@@ -19,42 +19,57 @@ class TD_CAPABILITY("mutex") CriticalSection {
 public:
     void lock() TD_ACQUIRE() { m_mutex.lock(); }
     void unlock() TD_RELEASE() {
-        if (!m_kept)
+        if (!m_kept) {
             m_files.unlock();
+            m_claim = Claim::None;
+        }
         m_mutex.unlock();
     }
     bool tryLock() TD_TRY_ACQUIRE(true) { return m_mutex.tryLock(); }
 
-    /// Nobody else writes the category's files from now on. Does nothing, and returns false, when the lock is held
-    /// already, of either kind.
+    /// Nobody else writes the category's files from now on. Does nothing, and returns false, after any of these three
+    /// in the same section.
     bool shareFiles(const std::string& lockFile) TD_REQUIRES(this) {
-        if (m_files.isHeld())
+        if (m_claim != Claim::None)
             return false;
+        m_claim = Claim::Shared;
         m_files.lock(lockFile, FileLock::Kind::Shared);
         return true;
     }
-    /// When the lock that is held now was taken. After sharing: the shared lock was given up for it, and what was read
-    /// under that may have changed since.
+    /// When the files were taken. After sharing: the shared lock was given up for it, and what was read under that may
+    /// have changed since.
     enum class Taken { Before, Now, AfterSharing };
     /// Nobody else reads or writes them from now on.
     Taken takeFiles(const std::string& lockFile) TD_REQUIRES(this) {
-        if (m_files.isHeld() && m_files.kind() == FileLock::Kind::Exclusive)
+        if (m_claim == Claim::Exclusive)
             return Taken::Before;
-        const bool wasShared = m_files.isHeld();
+        const bool wasShared = m_claim == Claim::Shared;
+        m_claim = Claim::Exclusive;
         m_files.lock(lockFile, FileLock::Kind::Exclusive);
         return wasShared ? Taken::AfterSharing : Taken::Now;
     }
-    /// The same for a section that holds no such lock, without waiting: false when another process is at work there.
+    /// The same for a section that has neither shared nor taken them, without waiting: false when another process is at
+    /// work there.
     bool tryTakeFiles(const std::string& lockFile) TD_REQUIRES(this) {
-        return m_kept || m_files.tryLock(lockFile, FileLock::Kind::Exclusive) != FileLock::Attempt::Busy;
+        if (m_kept)
+            return true;
+        if (m_files.tryLock(lockFile, FileLock::Kind::Exclusive) == FileLock::Attempt::Busy)
+            return false;
+        m_claim = Claim::Exclusive;
+        return true;
     }
     /// Whether leaving the section keeps the lock between processes, for a thread that enters it next.
     void keepFiles(bool keep) TD_REQUIRES(this) { m_kept = keep; }
 
 private:
+    /// What the section asked for, whether there was a lock file to be had or not: it is asked once.
+    enum class Claim { None, Shared, Exclusive };
+
     Mutex m_mutex;
-    FileLock m_files;    ///< belongs to whoever holds the mutex
-    bool m_kept = false; ///< the same
+    // These belong to whoever holds the mutex.
+    FileLock m_files;
+    Claim m_claim = Claim::None;
+    bool m_kept = false;
 };
 
 /// Holds a critical section for the length of a block.

@@ -446,7 +446,7 @@ bool TableOperator::syncSectionToFile(Event* event) {
         noteSectionSkipped();
         return true;
     }
-    if (mergeUnwritten()) {
+    if (mergeUnwritten() && !mergedByOther()) {
         if (!createFile())
             return false;
         noteSectionSkipped();

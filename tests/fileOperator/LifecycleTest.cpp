@@ -531,6 +531,29 @@ TEST_F(LifecycleTest, AMergeThatCannotBeWrittenKeepsTheOldCopies) {
     EXPECT_EQ(backup(), current());
 }
 
+TEST_F(LifecycleTest, AMergeThatCouldNotBeWrittenDoesNotUndoAnotherProcesses) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    const std::string good = current(MODE_FILE);
+    const std::string merged = withChecksum(withValue(good, "[3a7]\n", "Hue", 9)); // and a store since
+    for (const bool loading : {true, false}) {
+        m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(good, "v0.4", "v0.3")));
+        m_root.write(Copy::Current, std::string(MODE_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+        auto op = makeOperator<Mode>();
+        ASSERT_TRUE(op->loadFile());
+        op->waitForMerge();
+        std::filesystem::remove_all(SettingsRoot::path(Copy::Current, MODE_FILE) + FileUtil::TEMPORARY_SUFFIX);
+        m_root.write(Copy::Current, MODE_FILE, merged); // the other process had more luck
+        if (loading) {
+            EXPECT_TRUE(op->releaseFile());
+            EXPECT_TRUE(op->loadFile());
+            EXPECT_EQ(valueOf(*op, {3, 10, 7}, "Hue"), 9);
+        }
+        EXPECT_TRUE(storeValue(*op, {4, 0, 0}, "Hue", 7));
+        EXPECT_EQ(m_parent.deliver(), 1);
+        EXPECT_TRUE(current(MODE_FILE) == withChecksum(withValue(merged, "[400]\n", "Hue", 7))) << loading;
+    }
+}
+
 TEST_F(LifecycleTest, CopyingToAllSourcesAfterAFailedMergeLeavesARightChecksum) {
     ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
     const std::string good = current(MODE_FILE);

@@ -177,6 +177,25 @@ TEST_F(RedoRecordTest, WithoutARecordTheStoreGoesOn) {
     m_root.remove(Copy::Current, REDO_NAME);
 }
 
+TEST_F(RedoRecordTest, WithoutALockFileAStoreIsNotMistakenForOneThatWasCut) {
+    std::filesystem::remove_all(m_root.directory(Copy::Current) + "../lock");
+    m_root.write(Copy::Current, "../lock", "where the directory should be");
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    ASSERT_TRUE(op->storeData({0, 0, 0}, {{"Contrast", 33}}));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_FALSE(m_log.contains("was cut short"));
+    EXPECT_EQ(m_root.read(Copy::Current, REDO_NAME), "");
+    EXPECT_EQ(current(), withChecksum(withValue(m_after, "[000]\n", "Contrast", 33)));
+}
+
+TEST_F(RedoRecordTest, ARepairedChecksumDoesNotHideAStoreThatWasCut) {
+    m_root.write(Copy::Current, FILE_NAME, partly(3));
+    m_root.write(Copy::Current, REDO_NAME, m_redo);
+    EXPECT_TRUE(AbstractFileOperator::generateCRC32(SettingsRoot::path(Copy::Current, FILE_NAME).c_str()));
+    EXPECT_EQ(current(), m_after);
+}
+
 TEST_F(RedoRecordTest, GoesWithItsFile) {
     auto op = makeOperator();
     ASSERT_TRUE(op->loadFile());

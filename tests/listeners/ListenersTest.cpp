@@ -1,5 +1,7 @@
 // The listeners over the system's own semaphores and shared memory, posted by another process.
+#include <chrono>
 #include <csignal>
+#include <future>
 #include <memory>
 #include <string>
 #include <thread>
@@ -15,8 +17,10 @@
 #include <dataModule/common/ListenerNames.h>
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 
+#include "Gate.h"
 #include "LogCapture.h"
 #include "Process.h"
 #include "SettingsRoot.h"
@@ -56,6 +60,33 @@ protected:
     IFileOperator* makeOperator(_DataCategory_t category) override {
         return category == PICTURE_GLOBAL || category == PICTURE_MODE ? createOperator(category) : nullptr;
     }
+};
+
+/// Stops in the middle of a release.
+class SlowSet final : public FileDataSeparateManager {
+public:
+    ~SlowSet() override { stop(); }
+    Gate releasing;
+    Gate mayRelease;
+
+protected:
+    IFileOperator* makeOperator(_DataCategory_t category) override {
+        return category == PICTURE_GLOBAL ? new SlowOperator(*this) : nullptr;
+    }
+
+private:
+    class SlowOperator final : public FileUserPictureGlobal {
+    public:
+        explicit SlowOperator(SlowSet& set) : m_set(set) {}
+        bool releaseFile() override {
+            m_set.releasing.open();
+            m_set.mayRelease.pass();
+            return FileUserPictureGlobal::releaseFile();
+        }
+
+    private:
+        SlowSet& m_set;
+    };
 };
 
 class ListenersTest : public testing::Test {
@@ -172,6 +203,29 @@ TEST_F(ListenersTest, AListenerEndsWhenItsManagerIsReleased) {
     m_listener.join();
     EXPECT_TRUE(m_log.contains("error occur when waitting release sem from STD.\n"));
     EXPECT_EQ(FileDataSeparateManager::listenSTDSignal(nullptr), nullptr);
+}
+
+TEST_F(ListenersTest, StoppingWaitsForAListenerAtWork) {
+    SlowSet set;
+    ASSERT_TRUE(set.init(DS_SCOPE_ALL));
+    ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
+    listenWith(&set);
+    set.releasing.pass();
+    auto stopping = std::async(std::launch::async, [&] { return set.stop(); });
+    // Nothing tells that a thread waits; one that does not has long ended by then.
+    EXPECT_EQ(stopping.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+    set.mayRelease.open();
+    EXPECT_TRUE(stopping.get());
+    m_listener.join();
+    EXPECT_TRUE(m_log.contains("1.2 release data Module for STD successfully.\n"));
+}
+
+TEST_F(ListenersTest, AManagerThatHasGoneBeforeIsNotTouched) {
+    FileDataSeparateManager* const manager = FileDataSeparateManager::instance();
+    FileDataSeparateManager::release();
+    ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
+    EXPECT_EQ(FileDataSeparateManager::listenSTDSignal(manager), nullptr);
+    EXPECT_TRUE(m_log.contains("release dataModule failed for STD.\n"));
 }
 
 TEST_F(ListenersTest, TheDetailLogFollowsTheSharedWord) {
