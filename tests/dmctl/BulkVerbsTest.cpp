@@ -40,7 +40,9 @@ TEST_F(BulkVerbsTest, RestoreTakesTheSelectedRecordsFromTheFactoryCopy) {
     EXPECT_EQ(many["unchangedValues"], 4 * 8 * 24 - 6);
     EXPECT_EQ(run({"get", "PICTURE_MODE", "HDMI1", "GAME", "0", "Contrast"}).output, "Contrast = 55\n");
 
-    EXPECT_EQ(runJson({"restore", "PICTURE_MODE", "--all"})["changedValues"], 8);
+    EXPECT_EQ(runJson({"restore", "PICTURE_MODE", "HDMI*", "GAME", "all"})["changedValues"], 8);
+    ASSERT_EQ(run({"set", "PICTURE_MODE", "AMAZON", "all", "0", "Contrast=55"}).code, 0);
+    EXPECT_EQ(runJson({"restore", "PICTURE_MODE", "--all"})["changedValues"], 12);
     EXPECT_EQ(m_root.read(CURRENT + MODE_FILE), m_root.read(FACTORY + MODE_FILE));
 }
 

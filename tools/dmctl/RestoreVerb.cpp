@@ -58,17 +58,29 @@ Request parse(const Options& options, const Words& words) {
     return request;
 }
 
+/// Up to the first failure.
+template <typename Action>
+bool forEach(const std::vector<Record>& records, Action action) {
+    Progress progress("restoring", static_cast<int>(records.size()));
+    for (const Record& record : records) {
+        if (!action(record))
+            return false;
+        progress.step();
+    }
+    return true;
+}
+
 void restoreFromFactory(Session& session, const Options& options, const Request& request) {
     const CategoryLayout& layout = *request.layout;
     Change change(session, layout);
     const Table factory(session, layout, Copy::Factory);
     for (const Record& record : request.records)
         change.put(record, factory);
-    bool taken = true;
-    if (request.whole)
-        taken = session.manager().refreshDataFromManufactory(layout.category);
-    for (std::size_t i = 0; i < request.records.size() && taken && !request.whole; ++i)
-        taken = session.manager().restoreSetting(layout.category, request.records[i]);
+    FileDataSeparateManager& manager = session.manager();
+    const bool taken = request.whole ? manager.refreshDataFromManufactory(layout.category)
+                                     : forEach(request.records, [&](const Record& record) {
+                                           return manager.restoreSetting(layout.category, record);
+                                       });
     if (!taken)
         throw Failure("the library could not take the values from the factory copy");
     change.prove();
@@ -95,11 +107,11 @@ void restoreFromCurrent(Session& session, const Options& options, const Request&
                                   "The whole category can be: --all",
                                   categoryName(layout)));
     session.load(layout);
-    bool taken = true;
-    if (request.whole)
-        taken = session.manager().refreshDataFromCurrent(layout.category);
-    for (std::size_t i = 0; i < request.records.size() && taken && !request.whole; ++i)
-        taken = session.manager().restoreSettingFromCurrent(layout.category, request.records[i]);
+    FileDataSeparateManager& manager = session.manager();
+    const bool taken = request.whole ? manager.refreshDataFromCurrent(layout.category)
+                                     : forEach(request.records, [&](const Record& record) {
+                                           return manager.restoreSettingFromCurrent(layout.category, record);
+                                       });
     if (!taken)
         throw Failure("the library could not read the values from the current copy");
     // Without that offer a category may keep only a part of its records in memory.
@@ -116,9 +128,10 @@ void restoreFromCurrent(Session& session, const Options& options, const Request&
 
 int runRestore(const Options& options, const Words& words) {
     const Request request = parse(options, words);
+    const bool fromCurrent = options.value("--from") == "current";
     Session session(options);
     session.start();
-    if (options.value("--from") == "current")
+    if (fromCurrent)
         restoreFromCurrent(session, options, request);
     else
         restoreFromFactory(session, options, request);

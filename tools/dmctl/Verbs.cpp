@@ -48,7 +48,7 @@ const std::vector<Verb>& verbs() {
          true,
          {{"--from", "factory|current", "the copy to take the values from; factory if not given"},
           {"--all-sources", nullptr, "the records for every source; not every category offers it"},
-          {"--all", nullptr, "the whole category; give no INDEX"}}},
+          {"--all", nullptr, "the whole category, by one new file; give no INDEX"}}},
         {"apply",
          "CATEGORY [INDEX...]",
          "Copy a record to all sources or all modes",

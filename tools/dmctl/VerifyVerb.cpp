@@ -235,7 +235,7 @@ int runVerify(const Options& options, const Words& words) {
         printJson(resultJson(categories, counts));
     else
         printResult(categories, counts);
-    if (counts.missing > 0)
+    if (counts.missing > 0 && !options.json)
         fmt::print(stderr, "dmctl verify: missing files are made by: dmctl {}init\n",
                    session.rootOption().empty() ? "--root / " : session.rootOption());
     return counts.damaged > 0 || counts.missing > 0 ? EXIT_WRONG : EXIT_FINE;
