@@ -17,17 +17,19 @@ constexpr mode_t FILE_MODE = 0666;
 
 /// The lock file, open for reading only: that is enough to lock, for processes of other users too. -1 on failure.
 int openLockFile(const std::string& path) {
-    constexpr int FLAGS = O_RDONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    int descriptor = open(path.c_str(), FLAGS, FILE_MODE);
-    if (descriptor < 0 && errno == ENOENT) {
-        const std::string directory = path.substr(0, path.find_last_of('/'));
-        if (FileUtil::checkPath(directory.c_str(), true))
-            descriptor = open(path.c_str(), FLAGS, FILE_MODE);
-    }
-    // A file that exists can be locked on a read-only file system.
-    if (descriptor < 0 && errno == EROFS)
-        descriptor = open(path.c_str(), FLAGS & ~O_CREAT);
-    return descriptor;
+    constexpr int FLAGS = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    const int existing = open(path.c_str(), FLAGS);
+    if (existing >= 0 || errno != ENOENT)
+        return existing;
+    const std::string directory = path.substr(0, path.find_last_of('/'));
+    if (!FileUtil::checkPath(directory.c_str(), true))
+        return -1;
+    const int made = open(path.c_str(), FLAGS | O_CREAT | O_EXCL, FILE_MODE);
+    if (made < 0)
+        return errno == EEXIST ? open(path.c_str(), FLAGS) : -1;
+    // Whatever the umask of its maker, which a suspend cycle changes.
+    fchmod(made, FILE_MODE);
+    return made;
 }
 
 /// Whoever waited for a lock may hold one on a file that was removed meanwhile.

@@ -103,6 +103,9 @@ bool AbstractFileOperator::tryEnterCriticalSection() {
 }
 
 bool AbstractFileOperator::prepareBackup() {
+    // A suspend image holds no open file.
+    if (m_releasedLoaded)
+        return false;
     if (!m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName)))
         return false;
     endPendingWrite();
@@ -708,6 +711,9 @@ bool AbstractFileOperator::readFactoryTable() {
 void AbstractFileOperator::startMergeThread() {
     TimeUtil::instance()->start();
     OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
+    // An earlier merge has long ended, as no load begins while one runs.
+    if (m_mergeThread != OsalThreads::INVALID_HANDLE)
+        OsalThreads::join(std::exchange(m_mergeThread, OsalThreads::INVALID_HANDLE));
     // No other process may merge the same file, or store in it, before this one has written what it read.
     m_criticalSection.keepFiles(true);
     if (OsalThreads::create("DataModuleMerge", mergeProc, this, handle)) {

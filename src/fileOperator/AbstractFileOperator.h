@@ -191,7 +191,8 @@ private:
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
 
-    /// What remains to be done once the critical section was had by try. False when another process is at work.
+    /// What remains to be done once the critical section was had by try. False when another process is at work, and
+    /// while the files are released.
     bool prepareBackup() TD_REQUIRES(m_criticalSection);
     /// Once per critical section, as soon as it has the files for itself.
     void endPendingWrite() TD_REQUIRES(m_criticalSection);

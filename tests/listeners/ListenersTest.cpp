@@ -137,6 +137,8 @@ TEST_F(ListenersTest, ASuspendCycleClosesAndReopensTheFiles) {
     EXPECT_EQ(set->getFileHandler(PICTURE_MODE), nullptr);
     EXPECT_EQ(set->getFileHandler(PICTURE_GLOBAL), nullptr);
     EXPECT_EQ(contrast(*set), -1) << "no requests while released";
+    set->backupData();
+    EXPECT_FALSE(m_log.contains("Handle one backup request")) << "and no backups";
     EXPECT_NE(m_root.read(Copy::Current, "pic_mode_usr.ini").find("Contrast                 = 0071"), std::string::npos)
         << "the image holds nothing unwritten";
 

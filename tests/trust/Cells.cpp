@@ -53,13 +53,10 @@ const char* awaitedFor(const std::string& test, const Operation& operation) {
     constexpr Awaited AWAITED[] = {
         {"Cut", "first boot", UNSYNCED},
         {"Cut", "factory reset", UNSYNCED},
-        {"FileCalls", "store", STREAM},
-        {"FileCalls", "copy to all sources", STREAM},
         {"FileCalls", "restore", STREAM},
         {"FileCalls", "group store", STREAM},
         {"FileCalls", "recover from backup", UNREADABLE},
         {"FileCalls", "version merge", UNREADABLE},
-        {"FileCalls", "start", UNREADABLE},
         {"FileCalls", "create", CHECKSUM},
         {"FileCalls", "factory reset", "the current copy is removed before the backup, which then is loaded"},
         {"Allocations", "copy to all sources", "what can throw comes between a section and its checksum"},
