@@ -9,14 +9,11 @@
 namespace td::test {
 namespace {
 
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
-using testing::Not;
 using testing::StartsWith;
 
 std::vector<std::string> linesOf(const std::string& text) {
@@ -32,8 +29,8 @@ protected:
     /// Runs a line in a shell that finds dmctl, in a directory of its own.
     Result shell(const std::string& line) const {
         const std::string program = DMCTL_PROGRAM;
-        const std::string path = program.substr(0, program.rfind('/')) + ":" + std::string(getenv("PATH"));
-        const std::string command = "cd " + quoted(m_root.string()) + " && PATH=" + quoted(path) + " bash -c " +
+        const std::string command = "cd " + quoted(m_root.string()) +
+                                    " && PATH=" + quoted(program.substr(0, program.rfind('/'))) + ":$PATH bash -c " +
                                     quoted(line) + " >" + quoted(m_output.file("out")) + " 2>" +
                                     quoted(m_output.file("err"));
         const int status = std::system(command.c_str());

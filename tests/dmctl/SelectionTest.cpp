@@ -8,7 +8,6 @@
 namespace td::test {
 namespace {
 
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -85,7 +84,7 @@ TEST_F(SelectionTest, RecordsOfOtherBinsAreReadFromTheFile) {
     const CategoryLayout& layout = *layoutOf(PICTURE_FACTORY_WB);
     std::vector<int> table = defaultTable(layout);
     const int dims[] = {2, 4, 0, 0, 0};
-    int* const record = table.data() + layout.recordIndex(dims) * layout.fieldCount();
+    int* const record = &table[static_cast<std::size_t>(layout.recordIndex(dims)) * layout.fields.size()];
     record[0] = 11;
     record[1] = 12;
     for (const std::string& directory : {CURRENT, FACTORY})
