@@ -4,6 +4,7 @@
 #include <string>
 #include <thread>
 
+#include <pthread.h>
 #include <unistd.h>
 
 #include <dataModule/common/FileLock.h>
@@ -24,6 +25,7 @@ class RootInUseTest : public DmctlTest {
 protected:
     RootInUseTest() {
         makeFiles();
+        pthread_setname_np(pthread_self(), "test_dmctl"); // an emulated process bears the emulator's name
         EXPECT_TRUE(setRootPrefix(m_root.string().c_str()));
         FileDataSeparateManager::setListening(false);
     }
