@@ -89,6 +89,8 @@ public:
     const char* getType_Str(const _DS_Type_t& type);
     /// Whether the operator's category belongs to the type; false for null.
     bool belongTo(IFileOperator* op, const _DS_Type_t& type);
+    /// Whether init() with this scope registers the category.
+    static bool isInScope(_DataCategory_t category, _DS_Scope_t scope);
     /// The operator of a registered category, or null with a log line. Owned by the manager.
     IFileOperator* getFileOperator(const _DataCategory_t& category);
 

@@ -1,5 +1,6 @@
 #include <dataModule/FileDataSeparateManager.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdio>
@@ -402,6 +403,15 @@ bool FileDataSeparateManager::belongTo(IFileOperator* op, const _DS_Type_t& type
         return false;
     const int value = op->getDataCategory();
     return (type == VIDEO && isVideo(value)) || (type == SOUND && isSound(value));
+}
+
+bool FileDataSeparateManager::isInScope(_DataCategory_t category, _DS_Scope_t scope) {
+    const auto has = [&](const auto& list) {
+        return std::find(std::begin(list), std::end(list), category) != std::end(list);
+    };
+    if (scope == DS_SCOPE_BIZ)
+        return has(BIZ_CATEGORIES);
+    return scope == DS_SCOPE_DVBMAIN ? has(DVBMAIN_CATEGORIES) : has(ALL_CATEGORIES);
 }
 
 char* FileDataSeparateManager::getManufactoryPath() {

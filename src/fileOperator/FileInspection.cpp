@@ -74,8 +74,14 @@ bool isDigits(std::string_view text) {
 
 class Inspector {
 public:
-    Inspector(const CategoryLayout& layout, std::string_view bytes, FileInspection& result);
+    /// Whether the contents of a file of another version are looked at.
+    enum class OtherVersion { Refused, Taken };
+
+    Inspector(const CategoryLayout& layout, std::string_view bytes, FileInspection& result,
+              OtherVersion otherVersion = OtherVersion::Refused);
     void inspect();
+    /// After inspect().
+    void salvage(SalvagedTable& table) const;
 
 private:
     bool atEnd() const { return m_position >= m_bytes.size(); }
@@ -113,9 +119,14 @@ private:
     void reportMissingSections();
     std::string idOf(int record) const;
 
+    int placeOf(int record) const { return m_result.contentOffset + record * m_layout.sectionLength(); }
+    std::vector<int> keyLinesOf() const;
+    void salvageRecord(int record, int offset, SalvagedTable& table) const;
+
     const CategoryLayout& m_layout;
     const std::string_view m_bytes;
     FileInspection& m_result;
+    const OtherVersion m_otherVersion;
     std::size_t m_position = 0;
     int m_lineNumber = 1;
     std::vector<std::string> m_keyParts; ///< each field's line up to its value
@@ -123,8 +134,9 @@ private:
     int m_previousRecord = -1;
 };
 
-Inspector::Inspector(const CategoryLayout& layout, std::string_view bytes, FileInspection& result)
-    : m_layout(layout), m_bytes(bytes), m_result(result),
+Inspector::Inspector(const CategoryLayout& layout, std::string_view bytes, FileInspection& result,
+                     OtherVersion otherVersion)
+    : m_layout(layout), m_bytes(bytes), m_result(result), m_otherVersion(otherVersion),
       m_firstLine(static_cast<std::size_t>(layout.recordCount()), 0) {
     for (const Field& field : layout.fields) {
         char line[text::LINE_BUFFER];
@@ -275,7 +287,7 @@ bool Inspector::inspectVersion() {
         fault(Kind::Version, line,
               "the version is " + quoted(value) + ", this library's is " + quoted(m_layout.version) +
                   "; the contents are not looked at");
-        return false;
+        return m_otherVersion == OtherVersion::Taken;
     }
     const std::string lines = text::summary("", value, 0, false);
     const std::size_t start = lines.find('\n') + 1;
@@ -504,6 +516,61 @@ std::string Inspector::idOf(int record) const {
     return text::sectionId(m_layout, indices);
 }
 
+// --- salvage ---
+
+/// For each record the offset of the key lines that its values are taken from, or -1. A section at its own place counts
+/// more than one elsewhere, which may be another one's with a damaged header.
+std::vector<int> Inspector::keyLinesOf() const {
+    std::vector<int> offsets(m_firstLine.size(), -1);
+    std::vector<int> standing(m_firstLine.size(), -1); // the record that is named at a record's place
+    for (const InspectedSection& section : m_result.sections) {
+        if (section.record < 0)
+            continue;
+        int& offset = offsets[static_cast<std::size_t>(section.record)];
+        if (offset < 0 || section.offset == placeOf(section.record))
+            offset = section.valuesAt;
+        const int distance = section.offset - placeOf(0);
+        const auto place = static_cast<std::size_t>(distance / m_layout.sectionLength());
+        if (distance % m_layout.sectionLength() == 0 && place < standing.size())
+            standing[place] = section.record;
+    }
+    for (std::size_t record = 0; record < offsets.size(); ++record) {
+        const int named = standing[record];
+        const bool isAnothers =
+            named >= 0 && offsets[static_cast<std::size_t>(named)] != placeOf(named) + m_layout.headerLength();
+        if (offsets[record] < 0 && !isAnothers)
+            offsets[record] = placeOf(static_cast<int>(record)) + m_layout.headerLength();
+    }
+    return offsets;
+}
+
+void Inspector::salvageRecord(int record, int offset, SalvagedTable& table) const {
+    const auto length = static_cast<std::size_t>(m_layout.lineLength());
+    auto at = static_cast<std::size_t>(offset);
+    for (int field = 0; field < m_layout.fieldCount() && at < m_bytes.size(); ++field, at += length) {
+        Line line;
+        line.text = m_bytes.substr(at, length);
+        if (!isAsWritten(line, field))
+            continue;
+        const std::size_t cell = static_cast<std::size_t>(record) * m_layout.fields.size() +
+                                 static_cast<std::size_t>(m_layout.fields[static_cast<std::size_t>(field)].position);
+        table.values[cell] = text::valueByColumns(m_layout.keyLine, line.terminated().c_str());
+        table.readable[cell] = true;
+    }
+}
+
+void Inspector::salvage(SalvagedTable& table) const {
+    if (m_result.contentOffset < 0)
+        return;
+    table.proven = m_result.hasChecksum && m_result.statedChecksum == m_result.computedChecksum;
+    const std::vector<int> offsets = keyLinesOf();
+    for (int record = 0; record < m_layout.recordCount(); ++record) {
+        const int offset = offsets[static_cast<std::size_t>(record)];
+        if (offset >= 0)
+            salvageRecord(record, offset, table);
+    }
+}
+
 } // namespace
 
 int FileInspection::readableRecords() const {
@@ -532,6 +599,22 @@ bool readInspected(const CategoryLayout& layout, std::string_view bytes, const I
         record[layout.fields[i].position] = text::valueByColumns(layout.keyLine, line.c_str());
     }
     return true;
+}
+
+int SalvagedTable::readableFields(const CategoryLayout& layout, int record) const {
+    const auto first = readable.begin() + static_cast<std::ptrdiff_t>(record) * layout.fieldCount();
+    return static_cast<int>(std::count(first, first + layout.fieldCount(), true));
+}
+
+SalvagedTable salvageFile(const CategoryLayout& layout, std::string_view bytes) {
+    SalvagedTable table;
+    table.values.resize(static_cast<std::size_t>(layout.recordCount()) * layout.fields.size());
+    table.readable.resize(table.values.size());
+    FileInspection inspection;
+    Inspector inspector(layout, bytes, inspection, Inspector::OtherVersion::Taken);
+    inspector.inspect();
+    inspector.salvage(table);
+    return table;
 }
 
 std::vector<int> defaultTable(const CategoryLayout& layout) {

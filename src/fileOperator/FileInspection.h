@@ -64,6 +64,21 @@ DATAMODULE_API FileInspection inspectFile(const CategoryLayout& layout, std::str
 DATAMODULE_API bool readInspected(const CategoryLayout& layout, std::string_view bytes, const InspectedSection& section,
                                   int* record);
 
+/// What a damaged copy still tells, value by value: both lists are row-major by record and position, as a table is.
+struct SalvagedTable {
+    std::vector<int> values;
+    std::vector<bool> readable; ///< whether the value was read; the others are 0
+    /// Whether the stated checksum is that of the contents, so that every value read is the one that was written.
+    bool proven = false;
+
+    /// Readable values of a record.
+    DATAMODULE_API int readableFields(const CategoryLayout& layout, int record) const;
+};
+
+/// Reads every value whose key line stands whole where it belongs in its section, whatever is wrong around it, the
+/// version included. A section is looked for by its header; one whose header is damaged, at its place in the file.
+DATAMODULE_API SalvagedTable salvageFile(const CategoryLayout& layout, std::string_view bytes);
+
 /// The table of a new file: every record with its defaults, row-major.
 DATAMODULE_API std::vector<int> defaultTable(const CategoryLayout& layout);
 /// The bytes of a file with this table. Empty when the table's size is not the category's, a value does not fit its

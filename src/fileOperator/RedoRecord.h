@@ -43,11 +43,11 @@ bool storeRedo(const std::string& settingsFile, const RedoRecord& record);
 void clearRedo(const std::string& settingsFile);
 /// The checksum that the contents of the settings file would have after the record's writes. False when the file cannot
 /// be read or does not reach as far.
-bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc);
+DATAMODULE_API bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc);
 
 /// Ends a pending write, if the file does not verify as it is and would with the record, which then is cleared. A file
 /// that verifies stays as it is. The caller has the files for itself. Whether the file was changed; `crc` is then the
 /// checksum of its contents, and untouched otherwise.
-bool replayRedo(const std::string& settingsFile, unsigned int& crc);
+DATAMODULE_API bool replayRedo(const std::string& settingsFile, unsigned int& crc);
 
 } // namespace td

@@ -57,6 +57,11 @@ TEST_F(PagesTest, BashCompletesEveryKindOfWord) {
     EXPECT_THAT(completed({"restore", "--a"}), ElementsAre("--all-sources", "--all"));
     EXPECT_THAT(completed({"get", "--f"}), IsEmpty());
     EXPECT_THAT(completed({"restore", "--from", ""}), ElementsAre("factory", "current"));
+    EXPECT_THAT(completed({"repair", "--json", "--from", "f"}), ElementsAre("factory"));
+    EXPECT_THAT(completed({"export", "--format", "csv", "picture_mode_s"}), ElementsAre("PICTURE_MODE_SELF"));
+    EXPECT_THAT(completed({"import", m_root.string().substr(0, m_root.string().size() - 1)}),
+                Contains(m_root.string()));
+    EXPECT_THAT(completed({"log", "o"}), ElementsAre("on", "off"));
     EXPECT_THAT(completed({"--root", m_root.string().substr(0, m_root.string().size() - 1)}),
                 Contains(m_root.string()));
     EXPECT_THAT(completed({"get", "picture_global"}), ElementsAre("PICTURE_GLOBAL"));
@@ -100,7 +105,8 @@ TEST_F(PagesTest, TheManualPageIsWellFormedAndComplete) {
 TEST_F(PagesTest, TheExamplesOfTheHelpWork) {
     ASSERT_EQ(run({"init"}).code, 0);
     int count = 0;
-    for (const char* verb : {"categories", "get", "set", "restore", "apply", "factory-reset", "first-boot", "verify"}) {
+    for (const char* verb : {"categories", "get", "set", "restore", "apply", "factory-reset", "first-boot", "verify",
+                             "repair", "export", "import", "info"}) {
         const std::string help = runBare({verb, "--help"}).output;
         for (std::string line : linesOf(help.substr(help.find("Examples:\n")))) {
             if (line.substr(0, 8) != "  dmctl ")

@@ -262,5 +262,52 @@ TEST(FileInspectionTest, GarbageIsCountedNotCollected) {
     EXPECT_EQ(inspectFile(layout, bytes).problems.at(0).kind, FileProblem::Kind::Size);
 }
 
+/// The records of which something could not be read, with the number of their readable fields.
+std::vector<std::pair<int, int>> lackingRecords(const CategoryLayout& layout, const std::string& bytes) {
+    const SalvagedTable table = salvageFile(layout, bytes);
+    const std::vector<int> written = numberedTable(layout);
+    std::vector<std::pair<int, int>> lacking;
+    for (int record = 0; record < layout.recordCount(); ++record) {
+        const int readable = table.readableFields(layout, record);
+        if (readable != layout.fieldCount())
+            lacking.emplace_back(record, readable);
+    }
+    for (std::size_t cell = 0; cell < written.size(); ++cell)
+        EXPECT_EQ(table.values[cell], table.readable[cell] ? written[cell] : 0) << cell;
+    return lacking;
+}
+
+TEST(FileInspectionTest, SalvageReadsAllButTheDamagedLines) {
+    using Lacking = std::vector<std::pair<int, int>>;
+    const CategoryLayout layout = smallLayout();
+    const std::string good = goodFile(layout);
+    const std::string fourth = "Second                   = 0004\n";
+    const auto start = static_cast<std::size_t>(inspectFile(layout, good).contentOffset);
+    const auto length = static_cast<std::size_t>(layout.sectionLength());
+    EXPECT_EQ(lackingRecords(layout, good), Lacking());
+    EXPECT_TRUE(salvageFile(layout, good).proven);
+    EXPECT_EQ(lackingRecords(layout, replaced(good, "= v0.2", "= v0.1")), Lacking());
+    EXPECT_EQ(lackingRecords(layout, replaced(good, "[Summary]\n", "")), Lacking());
+    EXPECT_EQ(lackingRecords(layout, replaced(good, fourth, "Second                   = 00x4\n")), Lacking({{1, 2}}));
+    // What follows in the section is not where it belongs; the next section is found by its header.
+    EXPECT_EQ(lackingRecords(layout, replaced(good, fourth, "")), Lacking({{1, 1}}));
+    EXPECT_EQ(lackingRecords(layout, replaced(good, fourth, "odd\n" + fourth)), Lacking({{1, 1}}));
+    // A damaged header does not matter while the section stands at its place, whatever it names now.
+    EXPECT_EQ(lackingRecords(layout, replaced(good, "[02]\n", "[!2]\n")), Lacking());
+    EXPECT_EQ(lackingRecords(layout, replaced(good, "[02]\n", "x02]\n")), Lacking());
+    EXPECT_EQ(lackingRecords(layout, replaced(good, "[02]\n", "[01]\n")), Lacking());
+    EXPECT_EQ(lackingRecords(layout, replaced(good, "[02]\n", "[05]\n")), Lacking());
+    // A moved section is not taken for the one whose place it stands at.
+    std::string lacking = good;
+    lacking.erase(start + 3 * length, 2 * length);
+    EXPECT_EQ(lackingRecords(layout, lacking), Lacking({{3, 0}, {4, 0}}));
+    EXPECT_FALSE(salvageFile(layout, lacking).proven);
+    // A block of zeros, as a lost page of a flash memory leaves it.
+    std::string zeroed = good;
+    std::fill_n(zeroed.begin() + static_cast<std::ptrdiff_t>(start + length + 10), length, '\0');
+    EXPECT_EQ(lackingRecords(layout, zeroed), Lacking({{1, 0}, {2, 2}}));
+    EXPECT_EQ(lackingRecords(layout, good.substr(0, start + length + 40)).front(), (std::pair<int, int>(1, 1)));
+}
+
 } // namespace
 } // namespace td

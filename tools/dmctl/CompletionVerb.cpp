@@ -39,13 +39,13 @@ _dmctl() {
     for ((i = 1; i < COMP_CWORD; ++i)); do
         word=${COMP_WORDS[i]}
         case $word in
-        -*) [[ -n ${_dmctl_valued[$word]-} ]] && ((++i)) ;;
+        -*) [[ -n ${_dmctl_valued[$verb$word]-} ]] && ((++i)) ;;
         *) if [[ -z $verb ]]; then verb=$word; else given+=("$word"); fi ;;
         esac
     done
     # An option that takes a value and has none yet.
     if ((i > COMP_CWORD)); then
-        word=${_dmctl_valued[${COMP_WORDS[COMP_CWORD - 1]}]}
+        word=${_dmctl_valued[$verb${COMP_WORDS[COMP_CWORD - 1]}]}
         if [[ $word == *'|'* ]]; then
             _dmctl_offer "$current" ${word//|/ }
         else
@@ -68,6 +68,12 @@ _dmctl() {
     [[ -n $category ]] && dimensions=(${_dmctl_dimensions[$category]-})
     case ${_dmctl_takes[$verb]-} in
     categories) _dmctl_offer "$current" ${!_dmctl_fields[@]} ;;
+    files) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+    export)
+        _dmctl_offer "$current" ${!_dmctl_fields[@]}
+        ((${#COMPREPLY[@]})) || mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        ;;
+    *'|'*) ((position == 0)) && _dmctl_offer "$current" ${_dmctl_takes[$verb]//|/ } ;;
     record | fields | assignments)
         if ((position == 0)); then
             _dmctl_offer "$current" ${!_dmctl_fields[@]}
@@ -87,9 +93,9 @@ _dmctl() {
 complete -F _dmctl dmctl
 )";
 
-const char* takesName(Takes takes) {
-    constexpr const char* NAMES[] = {"other", "categories", "record", "fields", "assignments"};
-    return NAMES[static_cast<int>(takes)];
+const char* takesName(const Verb& verb) {
+    constexpr const char* NAMES[] = {"other", "categories", "record", "fields", "assignments", "export", "files"};
+    return verb.takes == Takes::Choice ? verb.arguments : NAMES[static_cast<int>(verb.takes)];
 }
 
 /// Words with blanks between; a blank in a word becomes '_', as people type it.
@@ -114,19 +120,25 @@ std::string optionNames(const std::vector<VerbOption>& options) {
     return wordList(names);
 }
 
+/// What options take behind a verb: verbs may have options of the same name that take other words.
+std::string valuedOptions(const std::string& verb, const std::vector<VerbOption>& options) {
+    std::string entries;
+    for (const VerbOption& option : options) {
+        if (option.value != nullptr)
+            entries += entry(verb + option.name, option.value);
+    }
+    return entries;
+}
+
 std::string verbTables() {
     std::string takes = "declare -A _dmctl_takes=(\n";
     std::string options = "declare -A _dmctl_options=(\n" + entry("common", optionNames(commonOptions()));
     std::string valued = "declare -A _dmctl_valued=(\n";
-    std::vector<VerbOption> all = commonOptions();
+    valued += valuedOptions("", commonOptions());
     for (const Verb& verb : verbs()) {
-        takes += entry(verb.name, takesName(verb.takes));
+        takes += entry(verb.name, takesName(verb));
         options += entry(verb.name, optionNames(optionsOf(verb)));
-        all.insert(all.end(), verb.options.begin(), verb.options.end());
-    }
-    for (const VerbOption& option : all) {
-        if (option.value != nullptr)
-            valued += entry(option.name, option.value);
+        valued += valuedOptions(verb.name, commonOptions()) + valuedOptions(verb.name, verb.options);
     }
     return takes + ")\n" + options + ")\n" + valued + ")\n";
 }

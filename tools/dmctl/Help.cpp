@@ -1,5 +1,7 @@
 #include "Help.h"
 
+#include <algorithm>
+
 #include <fmt/core.h>
 
 namespace td::dmctl {
@@ -28,9 +30,12 @@ std::string indented(const std::string& lines) {
 }
 
 std::string optionLines(const std::vector<VerbOption>& options) {
+    std::size_t width = 22;
+    for (const VerbOption& option : options)
+        width = std::max(width, optionText(option).size());
     std::string text;
     for (const VerbOption& option : options)
-        text += fmt::format("  {:<22} {}\n", optionText(option), option.help);
+        text += fmt::format("  {:<{}} {}\n", optionText(option), width, option.help);
     return text;
 }
 

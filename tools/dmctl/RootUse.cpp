@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <vector>
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -20,23 +19,30 @@ namespace td::dmctl {
 
 namespace {
 
-std::string processName(const std::string& pid) {
-    std::ifstream file("/proc/" + pid + "/comm");
+std::string programOf(int pid) {
+    std::ifstream file(fmt::format("/proc/{}/comm", pid));
     std::string name;
     std::getline(file, name);
-    return name.empty() ? fmt::format("process {}", pid) : fmt::format("{} (process {})", name, pid);
+    return name;
 }
 
-/// Who holds a lock on the file, as the kernel lists it: "1: FLOCK  ADVISORY  READ 1234 08:01:131 0 EOF". Some file
-/// systems show programs another device than the kernel's; then the inode has to do.
-std::vector<std::string> holdersOf(const std::string& path) {
+std::string userText(const RootUser& user) {
+    return user.name.empty() ? fmt::format("process {}", user.pid)
+                             : fmt::format("{} (process {})", user.name, user.pid);
+}
+
+} // namespace
+
+/// Who holds a lock the kernel lists so: "1: FLOCK  ADVISORY  READ 1234 08:01:131 0 EOF"; those who wait have an arrow
+/// behind the number. Some file systems show programs another device than the kernel's; then the inode has to do.
+std::vector<RootUser> rootUsers() {
     struct stat status = {};
-    if (stat(path.c_str(), &status) != 0)
+    if (stat(paths::processesLockFile().c_str(), &status) != 0)
         return {};
     const std::string inode = fmt::format(":{}", status.st_ino);
     const std::string file = fmt::format("{:02x}:{:02x}{}", major(status.st_dev), minor(status.st_dev), inode);
-    std::vector<std::string> holders;
-    std::vector<std::string> likely;
+    std::vector<RootUser> users;
+    std::vector<RootUser> likely;
     std::ifstream locks("/proc/locks");
     for (std::string line; std::getline(locks, line);) {
         std::istringstream words(line);
@@ -44,19 +50,17 @@ std::vector<std::string> holdersOf(const std::string& path) {
         std::string kind;
         std::string strictness;
         std::string access;
-        std::string pid;
+        int pid = 0;
         std::string place;
         if (!(words >> number >> kind >> strictness >> access >> pid >> place) || kind != "FLOCK")
             continue;
         if (place == file)
-            holders.push_back(processName(pid));
+            users.push_back({pid, programOf(pid)});
         else if (place.size() > inode.size() && place.substr(place.size() - inode.size()) == inode)
-            likely.push_back(processName(pid));
+            likely.push_back({pid, programOf(pid)});
     }
-    return holders.empty() ? likely : holders;
+    return users.empty() ? likely : users;
 }
-
-} // namespace
 
 std::string usersOfRoot() {
     const std::string path = paths::processesLockFile();
@@ -66,8 +70,10 @@ std::string usersOfRoot() {
     FileLock lock;
     if (lock.tryLock(path, FileLock::Kind::Exclusive) != FileLock::Attempt::Busy)
         return {};
-    const std::vector<std::string> holders = holdersOf(path);
-    return holders.empty() ? "a process that cannot be seen from here" : joined(holders);
+    std::vector<std::string> texts;
+    for (const RootUser& user : rootUsers())
+        texts.push_back(userText(user));
+    return texts.empty() ? "a process that cannot be seen from here" : joined(texts);
 }
 
 ReadLock::ReadLock(const std::string& fileName) {

@@ -2,12 +2,20 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <dataModule/common/FileLock.h>
 
 namespace td::dmctl {
 
-/// The processes of the library that are between their start and their end on this root, in words; empty if none is.
+struct RootUser {
+    int pid = 0;
+    std::string name; ///< of its program, or empty
+};
+
+/// The processes of the library that are between their start and their end on this root, as far as the kernel tells.
+std::vector<RootUser> rootUsers();
+/// The same in words, with what it does not tell; empty if there is none.
 std::string usersOfRoot();
 
 /// Keeps writers of a settings file of that name away while the object lives. Where no process of the library has ever

@@ -189,6 +189,10 @@ bool Session::exists(const CategoryLayout& layout, Copy copy) const {
 
 bool readFile(const std::string& path, std::string& bytes, std::string& reason) {
     const ReadLock lock(fs::path(path).filename());
+    return readUnlocked(path, bytes, reason);
+}
+
+bool readUnlocked(const std::string& path, std::string& bytes, std::string& reason) {
     std::error_code error;
     if (fs::is_directory(path, error)) {
         reason = "it is a directory";

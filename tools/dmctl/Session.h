@@ -66,6 +66,8 @@ private:
 /// Reads a whole file, and keeps writers of a settings file of that name away meanwhile. False, with the reason in
 /// words, when that cannot be done.
 bool readFile(const std::string& path, std::string& bytes, std::string& reason);
+/// The same for any file, and for who has the lock of a settings file already.
+bool readUnlocked(const std::string& path, std::string& bytes, std::string& reason);
 
 /// Named values of the given records, read from the loaded table; one row of fieldCount() per record, in the order of
 /// the layout's fields.

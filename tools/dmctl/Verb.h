@@ -68,6 +68,9 @@ enum class Takes {
     Record,      ///< a category and an INDEX for each of its dimensions
     Fields,      ///< the same, then fields
     Assignments, ///< the same, then FIELD=VALUE
+    Export,      ///< any number of categories, then a file
+    Files,       ///< files
+    Choice,      ///< one of the words that the usage line shows with '|' between
 };
 
 struct Verb {
@@ -101,6 +104,14 @@ int runApply(const Options& options, const Words& words);
 int runFactoryReset(const Options& options, const Words& words);
 int runFirstBoot(const Options& options, const Words& words);
 int runVerify(const Options& options, const Words& words);
+int runRepair(const Options& options, const Words& words);
+int runDiff(const Options& options, const Words& words);
+int runExport(const Options& options, const Words& words);
+int runImport(const Options& options, const Words& words);
+int runInfo(const Options& options, const Words& words);
+int runWatch(const Options& options, const Words& words);
+int runLog(const Options& options, const Words& words);
+int runStd(const Options& options, const Words& words);
 int runDocument(const Options& options, const Words& words);
 int runCompletion(const Options& options, const Words& words);
 int runMan(const Options& options, const Words& words);

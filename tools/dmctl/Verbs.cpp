@@ -83,6 +83,106 @@ const std::vector<Verb>& verbs() {
          "dmctl --root /tmp/tv verify\n"
          "dmctl --root /tmp/tv verify PICTURE_MODE --json",
          runVerify, Takes::Categories},
+        {"repair",
+         "[CATEGORY...]",
+         "Make damaged copies good again",
+         "Repairs the current copies, or those that --copy names, of all categories if none is named. A copy that is\n"
+         "good is never touched, nor one of another version, which the library takes over when it loads.\n"
+         "Without --crc and --salvage the newest other copy that is good takes the place of the damaged one; --from\n"
+         "names that copy instead. A damaged factory copy needs --from, since the others hold the user's values.\n"
+         "--crc rewrites the checksum of a copy in which nothing else is wrong. --salvage reads every value that\n"
+         "still stands whole in the damaged copy, takes the rest from the backup, then the factory copy (for a "
+         "factory\n"
+         "copy neither), then the default values, and says for each section what came from where: in full with\n"
+         "--verbose or --json. The damaged file is kept in /var/local/dataModule/damaged. What was repaired is\n"
+         "verified again.",
+         "dmctl --root /tmp/tv repair --dry-run\n"
+         "dmctl --root /tmp/tv repair PICTURE_MODE\n"
+         "dmctl --root /tmp/tv repair PICTURE_MODE --salvage --verbose\n"
+         "dmctl --root /tmp/tv repair PICTURE_MODE --copy backup --crc",
+         runRepair,
+         Takes::Categories,
+         true,
+         {{"--crc", nullptr, "rewrite the checksum, if nothing else is wrong"},
+          {"--salvage", nullptr, "save what is still readable"},
+          {"--copy", "current|backup|factory", "the copy to repair; the current one without it"},
+          {"--from", "current|backup|factory", "the copy to take instead of the newest"},
+          {"--dry-run", nullptr, "change nothing, say what would be done"}}},
+        {"diff",
+         "[CATEGORY...]",
+         "Show what differs between two copies, roots or exports",
+         "Compares the current copies, or those that --copy names, with the factory copies or with what --against\n"
+         "names: current, backup or factory; defaults, the values of new files; a directory, which is another root\n"
+         "or holds the files themselves; or an exported file, of which only the values it has are compared. Prints\n"
+         "what differs and nothing else. The exit code is 1 when something differs or could not be compared.",
+         "dmctl --root /tmp/tv diff\n"
+         "dmctl --root /tmp/tv diff PICTURE_MODE --against backup\n"
+         "dmctl --root /tmp/tv diff --against /mnt/other_set\n"
+         "dmctl --root /tmp/tv diff --against settings.json --json",
+         runDiff,
+         Takes::Categories,
+         false,
+         {{"--against", "WHAT", "current, backup, factory, defaults, a directory or an exported file"},
+          {"--copy", "current|backup|factory", "the copy to compare; the current one without it"}}},
+        {"export",
+         "[CATEGORY...] [FILE]",
+         "Write settings as JSON or CSV",
+         "Writes all values of the current copies, or those that --copy names, to FILE or standard output. FILE is\n"
+         "a last word with a dot or a slash in it. The format is JSON unless --format says otherwise or FILE ends in\n"
+         ".csv. JSON has one line per record, CSV one per value:\n"
+         "  category,index1,index2,index3,index4,index5,field,value\n"
+         "Indices are value names, and empty beyond the category's dimensions.",
+         "dmctl --root /tmp/tv export settings.json\n"
+         "dmctl --root /tmp/tv export PICTURE_MODE SOUND_MODE modes.csv\n"
+         "dmctl --root /tmp/tv export PICTURE_GLOBAL --copy factory",
+         runExport,
+         Takes::Export,
+         false,
+         {{"--format", "json|csv", "the format"},
+          {"--copy", "current|backup|factory", "the copy to export; the current one without it"}}},
+        {"import",
+         "FILE",
+         "Store the values of an export",
+         "Takes what export writes, in either format, or any part of it: other categories, records and fields stay\n"
+         "as they are. \"-\" is standard input. Everything is checked before anything is changed, and all faults are\n"
+         "told with their lines (CSV) or JSON pointers. A flag that makes a change go to all sources has no effect\n"
+         "here. When import returns, the files hold the values and were read again from the disk.",
+         "dmctl --root /tmp/tv import settings.json\n"
+         "dmctl --root /tmp/tv import modes.csv --dry-run --verbose",
+         runImport,
+         Takes::Files,
+         true,
+         {{"--dry-run", nullptr, "check, and say what would be changed"}}},
+        {"info", "[CATEGORY...]", "Show directories, copies, scopes and who uses them",
+         "Prints where the copies are, which processes of the library use them, whether the detail log is on, and\n"
+         "per category its version, the scopes that load it, and size, state and age of its copies: \"differs\" are\n"
+         "good backup and factory copies with other values than the current one.",
+         "dmctl --root /tmp/tv info\n"
+         "dmctl info PICTURE_MODE --json",
+         runInfo, Takes::Categories},
+        {"watch",
+         "[CATEGORY...]",
+         "Print changes of fields as they reach the files",
+         "Prints every change of a value in the current copies, of all categories if none is named, with its time,\n"
+         "until Ctrl-C or --count changes. With --json one object per line.",
+         "dmctl watch\n"
+         "dmctl --root /tmp/tv watch PICTURE_MODE --json --count 1",
+         runWatch,
+         Takes::Categories,
+         false,
+         {{"--count", "N", "end after N changes"}}},
+        {"log", "on|off|status", "Switch the detail log of running processes",
+         "Writes the switch, which all processes of this machine share, and wakes every one that listens; they print\n"
+         "the records that they read and store from then on. Fails when nobody listens.",
+         "dmctl log on\n"
+         "dmctl log status",
+         runLog, Takes::Choice},
+        {"std", "release|reload", "Play the suspend-to-disk procedure",
+         "release has the processes that wait for it close their settings files, reload has them open the files\n"
+         "again. A message that nobody takes within two seconds is taken back.",
+         "dmctl std release\n"
+         "dmctl std reload",
+         runStd, Takes::Choice},
         {"document", "[CATEGORY...]", "Print the categories as a Markdown page",
          "The page docs/categories.md of the sources, made from the declarations. No root is needed. With --json\n"
          "the same as dmctl categories --json.",

@@ -1,5 +1,4 @@
 // verify: inspects every copy of every file without the library's loading, which would repair what it finds.
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -8,6 +7,7 @@
 #include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 
+#include "FileTable.h"
 #include "Names.h"
 #include "Output.h"
 #include "Session.h"
@@ -25,7 +25,7 @@ struct CheckedCopy {
     Verdict verdict = Verdict::Missing;
     std::string unreadable; ///< why it could not be read at all
     std::size_t size = 0;
-    bool cutStore = false; ///< a record lies beside it with which the next load may end a store that was cut
+    bool cutStore = false; ///< a record lies beside it with which the next load ends a store that was cut
     FileInspection inspection;
 };
 
@@ -55,12 +55,6 @@ const char* verdictName(Verdict verdict) {
     return "not made yet";
 }
 
-bool hasRedoRecord(const std::string& path) {
-    std::error_code error;
-    const auto size = std::filesystem::file_size(redoPath(path), error);
-    return !error && size > 0;
-}
-
 CheckedCopy check(const Session& session, const CategoryLayout& layout, Copy copy) {
     CheckedCopy checked;
     checked.copy = copy;
@@ -78,7 +72,7 @@ CheckedCopy check(const Session& session, const CategoryLayout& layout, Copy cop
     if (checked.inspection.isGood())
         checked.verdict = Verdict::Good;
     else
-        checked.cutStore = copy == Copy::Current && hasRedoRecord(checked.path);
+        checked.cutStore = copy == Copy::Current && storeWasCut(checked.path);
     return checked;
 }
 
@@ -238,6 +232,8 @@ int runVerify(const Options& options, const Words& words) {
     if (counts.missing > 0 && !options.json)
         fmt::print(stderr, "dmctl verify: missing files are made by: dmctl {}init\n",
                    session.rootOption().empty() ? "--root / " : session.rootOption());
+    if (counts.damaged > 0)
+        fmt::print(stderr, "dmctl verify: damaged copies are made good by: dmctl {}repair\n", session.rootOption());
     return counts.damaged > 0 || counts.missing > 0 ? EXIT_WRONG : EXIT_FINE;
 }
 

@@ -1,0 +1,62 @@
+/// Tables of settings read from their files without the library's loading, which would repair what it finds.
+#pragma once
+
+#include <cstddef>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include <dataModule/fileOperator/CategoryLayout.h>
+#include <dataModule/fileOperator/FileInspection.h>
+
+#include "Session.h"
+
+namespace td::dmctl {
+
+/// One copy of a category's file.
+struct FileTable {
+    enum class State {
+        Good,
+        Missing,
+        Unreadable,   ///< the system would not give its bytes
+        OtherVersion, ///< and without other faults in its frame; the library takes it over when it loads
+        Damaged,
+    };
+    State state = State::Missing;
+    bool storeWasCut = false; ///< a damaged one that the library will end a store of, and which is good then
+    std::string trouble;      ///< in words, where it is not good: "is missing", "is damaged: ..."
+    std::string bytes;
+    FileInspection inspection;
+    std::vector<int> values; ///< row-major by record and position; of a good copy only
+    std::time_t changed = 0; ///< when its contents changed last; 0: not known
+
+    bool isGood() const { return state == State::Good; }
+};
+
+/// Whether a store in the file was cut short and can still be ended, which the library does when it loads.
+bool storeWasCut(const std::string& path);
+
+/// Whether writers have to be kept away while a file is read, or are already.
+enum class Writers { ToKeepAway, KeptAway };
+
+FileTable readTable(const CategoryLayout& layout, const std::string& path, Writers writers = Writers::ToKeepAway);
+
+/// The place of a field's value in a table.
+inline std::size_t cellOf(const CategoryLayout& layout, int record, const Field& field) {
+    return static_cast<std::size_t>(record) * layout.fields.size() + static_cast<std::size_t>(field.position);
+}
+/// The indices of a record.
+std::vector<int> indicesOf(const CategoryLayout& layout, int record);
+/// What addresses a record, for people; its category's name where that has one record only.
+std::string recordLabel(const CategoryLayout& layout, int record);
+
+/// The copy of that name. Throws UsageError.
+Copy copyNamed(const std::string& word);
+/// "2026-11-23 14:03:22", local time.
+std::string timeText(std::time_t time);
+
+/// Puts bytes at `path` so that at every instant one whole file is there, with the mode and owner of the one that it
+/// replaces. False, and nothing has changed, when that fails.
+bool putFile(const std::string& path, const std::string& bytes);
+
+} // namespace td::dmctl
