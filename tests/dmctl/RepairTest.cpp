@@ -152,13 +152,25 @@ TEST_F(RepairTest, AChecksumIsRewrittenIfNothingElseIsWrong) {
     const std::string damaged = m_root.read(CURRENT + MODE_FILE);
     const Result refused = repair({"--crc"});
     EXPECT_EQ(refused.code, 1);
-    EXPECT_THAT(refused.output, AllOf(HasSubstr("not only its checksum is wrong: line "), HasSubstr("section [431]")));
+    EXPECT_THAT(refused.output,
+                AllOf(HasSubstr("not only its checksum is wrong; with a new one the file still is damaged: line "),
+                      HasSubstr("section [431]")));
     EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == damaged);
+    // However much else there is to be said about the file.
+    std::string capitals = m_good;
+    for (std::size_t at = capitals.find("\n[000]"); at != std::string::npos; at = capitals.find("\n[", at + 1))
+        std::transform(capitals.begin() + static_cast<std::ptrdiff_t>(at) + 2,
+                       capitals.begin() + static_cast<std::ptrdiff_t>(at) + 5,
+                       capitals.begin() + static_cast<std::ptrdiff_t>(at) + 2, toupper);
+    capitals[capitals.rfind("Gradient") + 1] = 'x';
+    m_root.write(CURRENT + MODE_FILE, capitals);
+    EXPECT_EQ(repair({"--crc"}).code, 1);
+    EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == capitals);
     std::filesystem::remove(m_root.file(CURRENT + MODE_FILE));
     EXPECT_EQ(repair({"--crc"}).code, 1);
 }
 
-TEST_F(RepairTest, AStoreThatWasCutShortIsEndedWhateverTheWay) {
+TEST_F(RepairTest, AStoreThatWasCutOffIsEndedWhateverTheWay) {
     // The section of the last store is in the file, its checksum is not.
     m_root.write(BACKUP + MODE_FILE, fileWith("Hue", 5));
     const CategoryLayout& layout = *layoutOf(PICTURE_MODE);
@@ -176,7 +188,7 @@ TEST_F(RepairTest, AStoreThatWasCutShortIsEndedWhateverTheWay) {
     for (const std::vector<std::string>& way : std::vector<std::vector<std::string>>{{}, {"--salvage"}}) {
         m_root.write(CURRENT + MODE_FILE, cut);
         m_root.write(CURRENT + MODE_FILE + ".redo", redoText(record));
-        EXPECT_THAT(run({"verify", "PICTURE_MODE"}).output, HasSubstr("a store was cut short"));
+        EXPECT_THAT(run({"verify", "PICTURE_MODE"}).output, HasSubstr("a store was cut off"));
         const Result result = repair(way);
         EXPECT_EQ(result.code, 0) << result.output;
         EXPECT_THAT(result.output, HasSubstr("brought to the end of its store"));

@@ -1,5 +1,7 @@
 #include "FileTable.h"
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include <sys/stat.h>
@@ -15,17 +17,6 @@
 namespace td::dmctl {
 
 namespace {
-
-std::string faultText(const FileInspection& inspection) {
-    for (const FileProblem& problem : inspection.problems) {
-        if (problem.severity != FileProblem::Severity::Fault)
-            continue;
-        const std::string first =
-            fmt::format("is damaged: line {}, byte {}: {}", problem.line, problem.offset, problem.text);
-        return inspection.faultCount > 1 ? fmt::format("{}, and {} more", first, inspection.faultCount - 1) : first;
-    }
-    return "is damaged";
-}
 
 bool isOtherVersion(const CategoryLayout& layout, const FileInspection& inspection) {
     return inspection.faultCount == 1 && !inspection.version.empty() && inspection.version != layout.version;
@@ -55,11 +46,24 @@ FileTable tableOf(const CategoryLayout& layout, std::string bytes) {
 
 } // namespace
 
+std::string faultText(const FileInspection& inspection) {
+    for (const FileProblem& problem : inspection.problems) {
+        if (problem.severity != FileProblem::Severity::Fault)
+            continue;
+        const std::string first =
+            fmt::format("is damaged: line {}, byte {}: {}", problem.line, problem.offset, problem.text);
+        return inspection.faultCount > 1 ? fmt::format("{}, and {} more", first, inspection.faultCount - 1) : first;
+    }
+    return "is damaged";
+}
+
 FileTable readTable(const CategoryLayout& layout, const std::string& path, Writers writers) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
         FileTable table;
-        table.trouble = "is missing";
+        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+        table.state = isMissing ? FileTable::State::Missing : FileTable::State::Unreadable;
+        table.trouble = isMissing ? "is missing" : fmt::format("cannot be read: {}", std::strerror(errno));
         return table;
     }
     std::string bytes;
@@ -75,7 +79,7 @@ FileTable readTable(const CategoryLayout& layout, const std::string& path, Write
     table.changed = status.st_mtime;
     table.storeWasCut = table.state == FileTable::State::Damaged && storeWasCut(path);
     if (table.storeWasCut)
-        table.trouble = "holds a store that was cut short, which the library ends when it loads";
+        table.trouble = "holds a store that was cut off, which the library ends when it loads";
     return table;
 }
 

@@ -33,7 +33,9 @@ struct FileTable {
     bool isGood() const { return state == State::Good; }
 };
 
-/// Whether a store in the file was cut short and can still be ended, which the library does when it loads.
+/// "is damaged: ", then the first fault with its place and how many more there are.
+std::string faultText(const FileInspection& inspection);
+/// Whether a store in the file was cut off and can still be ended, which the library does when it loads.
 bool storeWasCut(const std::string& path);
 
 /// Whether writers have to be kept away while a file is read, or are already.

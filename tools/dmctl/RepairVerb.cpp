@@ -14,6 +14,7 @@
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/fileOperator/RedoRecord.h>
+#include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/platform/RootPrefix.h>
 
 #include "FileTable.h"
@@ -176,13 +177,15 @@ private:
 
     void rewriteChecksum() {
         const FileInspection& inspection = m_outcome.before.inspection;
-        for (const FileProblem& problem : inspection.problems) {
-            if (problem.severity == FileProblem::Severity::Fault && problem.kind != FileProblem::Kind::Checksum)
-                return fail(fmt::format("not only its checksum is wrong: line {}, byte {}: {}", problem.line,
-                                        problem.offset, problem.text));
-        }
-        if (m_outcome.before.state == State::Missing)
-            return fail("there is no file whose checksum could be rewritten");
+        if (inspection.checksumOffset < 0)
+            return fail("there is no checksum line that could be rewritten");
+        std::string bytes = m_outcome.before.bytes;
+        bytes.replace(static_cast<std::size_t>(inspection.checksumOffset), text::CRC_LINE_LENGTH,
+                      text::crcLine(inspection.computedChecksum));
+        const FileInspection after = inspectFile(m_layout, bytes);
+        if (!after.isGood())
+            return fail(
+                fmt::format("not only its checksum is wrong; with a new one the file still {}", faultText(after)));
         m_outcome.action = fmt::format("checksum rewritten, now {:#010x}", inspection.computedChecksum);
         if (m_request.dryRun || !keepDamaged())
             return;
