@@ -4,7 +4,6 @@
 #pragma once
 
 #include <atomic>
-#include <cstdint>
 
 #include <dataModule/common/Mutex.h>
 #include <dataModule/Export.h>
@@ -19,9 +18,9 @@ public:
     CRC32Util(const CRC32Util&) = delete;
     CRC32Util& operator=(const CRC32Util&) = delete;
 
-    /// Builds the tables. May be called again, from any thread.
+    /// Makes calc_file_crc ready. May be called again, from any thread.
     void init_crc_table();
-    /// Folds `len` bytes into `crc` and returns it, without initial or final inversion. Lock-free; needs the tables.
+    /// Folds `len` bytes into `crc` and returns it, without initial or final inversion. Lock-free.
     unsigned int crc32(unsigned int crc, unsigned char* buf, unsigned int len) const;
     /// Checksums a file from byte `offset` to its end. False, and `crc` untouched, before init_crc_table. Otherwise
     /// true, also when the file cannot be opened, positioned or read: `crc` is then 0xFFFFFFFF, the checksum of
@@ -34,12 +33,8 @@ public:
 private:
     CRC32Util() = default;
 
-    /// m_table[0] is the classic table of CRC-32; m_table[k] folds a byte that lies k bytes back (slicing by 8:
-    /// M. Kounavis, F. Berry, "Novel Table Lookup-Based Algorithms for High-Performance CRC Generation", 2008).
-    std::uint32_t m_table[8][256] = {};
     std::atomic<bool> m_initialised{false};
-    Mutex m_tableMutex; ///< one builder at a time
-    Mutex m_fileMutex;  ///< one file at a time
+    Mutex m_fileMutex; ///< one file at a time
 };
 
 } // namespace td

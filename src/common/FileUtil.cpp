@@ -5,8 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <new>
-#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -30,12 +28,18 @@ constexpr mode_t PERMISSIONS = 07777;
 char* readText(char* buffer, int size, FILE* stream) {
     return fgets_unlocked(buffer, size, stream);
 }
+std::size_t readBlock(char* bytes, std::size_t count, FILE* stream) {
+    return fread_unlocked(bytes, 1, count, stream);
+}
 std::size_t writeBytes(const char* bytes, std::size_t count, FILE* stream) {
     return fwrite_unlocked(bytes, 1, count, stream);
 }
 #else
 char* readText(char* buffer, int size, FILE* stream) {
     return std::fgets(buffer, size, stream);
+}
+std::size_t readBlock(char* bytes, std::size_t count, FILE* stream) {
+    return std::fread(bytes, 1, count, stream);
 }
 std::size_t writeBytes(const char* bytes, std::size_t count, FILE* stream) {
     return std::fwrite(bytes, 1, count, stream);
@@ -261,14 +265,9 @@ FileUtil::~FileUtil() {
 }
 
 bool FileUtil::openStream(const char* path, const char* mode) {
-    std::unique_ptr<char[]> buffer(new (std::nothrow) char[BUFFER_SIZE]);
-    if (!buffer)
-        return false;
     m_stream = std::fopen(path, mode);
     if (m_stream == nullptr)
         return false;
-    m_buffer = std::move(buffer);
-    std::setvbuf(m_stream, m_buffer.get(), _IOFBF, BUFFER_SIZE);
     m_descriptor = fileno(m_stream);
     fcntl(m_descriptor, F_SETFD, FD_CLOEXEC);
     return true;
@@ -318,6 +317,10 @@ bool FileUtil::readLine(char* buffer, int size) {
     return readText(buffer, size, m_stream) != nullptr;
 }
 
+std::size_t FileUtil::readBytes(char* buffer, std::size_t size) {
+    return m_stream == nullptr || buffer == nullptr ? 0 : readBlock(buffer, size, m_stream);
+}
+
 bool FileUtil::resetStartPos() {
     return setPos(0);
 }
@@ -343,7 +346,6 @@ bool FileUtil::closeFile() {
         return false;
     const bool closed = std::fclose(m_stream) == 0;
     m_stream = nullptr;
-    m_buffer.reset();
     return closed;
 }
 

@@ -35,6 +35,8 @@ public:
     bool writeFile(const char* text, bool ignored);
     /// Reads one line as fgets does: at most `size` - 1 characters, newline kept. False at the end of the file.
     bool readLine(char* buffer, int size);
+    /// Reads up to `size` bytes; fewer only at the end of the file or when reading fails.
+    std::size_t readBytes(char* buffer, std::size_t size);
     /// To offset 0.
     bool resetStartPos();
     /// To `offset` bytes from the start.
@@ -113,9 +115,6 @@ public:
 
 private:
     static constexpr std::size_t NAME_SIZE = 256;
-    /// Measured: four times the usual size makes reading by lines a quarter faster; a larger one makes every seek, and
-    /// with it every write of a section, slower.
-    static constexpr std::size_t BUFFER_SIZE = 16384;
 
     bool openStream(const char* path, const char* mode);
     bool syncWritten();
@@ -124,7 +123,6 @@ private:
     FILE* m_stream = nullptr;
     int m_descriptor = -1; ///< the last stream's; stays after closing
     bool m_syncDeferred = false;
-    std::unique_ptr<char[]> m_buffer; ///< the stream's
 };
 
 /// Defers an object's syncs for the length of a block, if asked to.

@@ -7,9 +7,7 @@
 ///      processes on the category's lock file
 ///   4. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
 ///   5. CRC32Util's file mutex
-///   6. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, CRC32Util's
-///   table
-///      mutex, the log's
+///   6. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, the log's
 #pragma once
 
 #include <ctime>

@@ -14,10 +14,8 @@ TimeUtil* TimeUtil::instance() {
 }
 
 void TimeUtil::reset() {
-    for (Point* const point : {&m_start, &m_end}) {
-        point->seconds = 0;
-        point->nanoseconds = 0;
-    }
+    m_start.set(0, 0);
+    m_end.set(0, 0);
 }
 
 bool TimeUtil::start() {
@@ -54,8 +52,7 @@ bool TimeUtil::read(Point& point) {
     timespec now{};
     if (clock_gettime(CLOCK_MONOTONIC, &now) != 0)
         return false;
-    point.seconds = static_cast<std::int32_t>(now.tv_sec);
-    point.nanoseconds = static_cast<std::int32_t>(now.tv_nsec);
+    point.set(static_cast<std::int32_t>(now.tv_sec), static_cast<std::int32_t>(now.tv_nsec));
     return true;
 }
 

@@ -35,6 +35,12 @@ private:
     struct Point {
         std::atomic<std::int32_t> seconds{0};
         std::atomic<std::int32_t> nanoseconds{0};
+
+        /// Nothing else is published by it, so no order with other memory is asked for.
+        void set(std::int32_t wholeSeconds, std::int32_t rest) {
+            seconds.store(wholeSeconds, std::memory_order_relaxed);
+            nanoseconds.store(rest, std::memory_order_relaxed);
+        }
     };
     static bool read(Point& point);
 

@@ -17,6 +17,9 @@
 namespace td {
 
 class Event;
+namespace text {
+class WrittenSection;
+}
 
 class DATAMODULE_API TableOperator : public AbstractFileOperator {
 public:
@@ -119,9 +122,16 @@ private:
     /// Appends a section; values that do not fit their columns are replaced by the defaults, with a log line.
     void appendSection(std::string& text, int record) TD_REQUIRES(m_criticalSection);
     void noteChange(int record) TD_REQUIRES(m_criticalSection);
+    /// Loads sections from the current position on as long as they stand as they are written. Whether that was all; if
+    /// not, the file stands at the first that is otherwise.
+    bool loadWrittenSections() TD_REQUIRES(m_criticalSection);
+    bool loadWrittenSection(const text::WrittenSection& section, const char* text) TD_REQUIRES(m_criticalSection);
+    /// Loads the sections from the current position on, in whatever form.
+    bool loadSectionsByLine() TD_REQUIRES(m_criticalSection);
 
     const CategoryLayout& m_layout;
     std::vector<int> m_table TD_GUARDED_BY(m_criticalSection);
+    std::vector<int> m_section TD_GUARDED_BY(m_criticalSection); ///< the record being read, until it is whole
     /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
     std::set<int> m_changedSinceRefresh TD_GUARDED_BY(m_criticalSection);
     bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false; ///< the snapshot to be written is the newest

@@ -1,0 +1,36 @@
+/// The library itself, as a client uses it: one television at a time.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <dataModule/FileDataSeparateManager.h>
+
+#include "Peer.h"
+
+namespace bench {
+
+class Library {
+public:
+    /// Initialises the manager for the television under `root`; in factory state, so that all calibration is in memory,
+    /// if asked to.
+    Library(const std::string& root, bool factoryState);
+    ~Library();
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    td::FileDataSeparateManager& manager() { return *m_manager; }
+    /// Every value that the library answers, added up.
+    std::int64_t sum(const std::vector<Table>& tables);
+    /// Stores one field.
+    void store(td::_DataCategory_t category, const std::vector<int>& dims, const char* field, int value);
+    /// Until everything stored is on disk.
+    void waitStored();
+
+private:
+    td::FileDataSeparateManager* m_manager;
+};
+
+std::vector<int> dimensionsOf(const td::CategoryLayout& layout, int record);
+
+} // namespace bench

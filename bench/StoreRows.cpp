@@ -1,0 +1,434 @@
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <dataModule/fileOperator/TextLayout.h>
+
+#include "Cold.h"
+#include "Opened.h"
+#include "Syncs.h"
+
+namespace fs = std::filesystem;
+
+namespace bench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr td::_DataCategory_t MODE = td::PICTURE_MODE;
+constexpr td::_DataCategory_t COPIED = td::PICTURE_MODE;
+constexpr td::_DataCategory_t RESTORED = td::PICTURE_COLOR_TUNER;
+constexpr td::_DataCategory_t GROUPED = td::PICTURE_FACTORY_WB;
+constexpr int SOURCES = 16;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+std::size_t fileSize(const td::CategoryLayout& layout) {
+    return td::text::commentBlock(layout).size() + static_cast<std::size_t>(td::text::SUMMARY_LENGTH) +
+           static_cast<std::size_t>(layout.contentLength());
+}
+
+/// The layouts from the smallest file to the largest.
+std::vector<const td::CategoryLayout*> bySize(const Setting& setting) {
+    std::vector<const td::CategoryLayout*> layouts;
+    for (const Table& table : setting.tables)
+        layouts.push_back(table.layout);
+    std::stable_sort(layouts.begin(), layouts.end(),
+                     [](const auto* one, const auto* other) { return fileSize(*one) < fileSize(*other); });
+    return layouts;
+}
+
+/// A record that changes all over from one store to the next.
+class ChangingRecord {
+public:
+    ChangingRecord(const Setting& setting, const td::CategoryLayout& layout, int record)
+        : m_layout(layout), m_dims(dimensionsOf(layout, record)), m_table(tableOf(layout.category)), m_record(record),
+          m_values(setting.tables[static_cast<std::size_t>(m_table)].record(record),
+                   setting.tables[static_cast<std::size_t>(m_table)].record(record) + layout.fieldCount()) {}
+
+    /// Changes the first `count` fields.
+    void change(int count) {
+        m_turn = (m_turn + 1) % 50;
+        m_args.clear();
+        for (const td::Field& field : m_layout.fields) {
+            if (count-- <= 0)
+                break;
+            m_values[static_cast<std::size_t>(field.position)] = 100 + m_turn;
+            m_args.push_back({field.argumentName(), 100 + m_turn});
+        }
+    }
+
+    const std::vector<int>& dims() const { return m_dims; }
+    const std::vector<td::_Argument_t>& args() const { return m_args; }
+    Change asChange() const { return {m_table, m_record, m_values.data()}; }
+    int* values() { return m_values.data(); }
+
+private:
+    const td::CategoryLayout& m_layout;
+    const std::vector<int> m_dims;
+    const int m_table;
+    const int m_record;
+    std::vector<int> m_values;
+    std::vector<td::_Argument_t> m_args;
+    int m_turn = 0;
+};
+
+/// A file of the size of `layout`'s, written to as bare as can be.
+class BareFile {
+public:
+    BareFile(const Setting& setting, const td::CategoryLayout& layout)
+        : m_layout(layout), m_text(fileSize(layout), 'x'), m_file(make(setting, layout.file)),
+          m_side(make(setting, std::string(layout.file) + ".side")) {
+        writeAt(m_file, 0, m_text.size());
+        writeAt(m_side, 0, sectionSize());
+    }
+    ~BareFile() {
+        close(m_file);
+        close(m_side);
+    }
+    BareFile(const BareFile&) = delete;
+    BareFile& operator=(const BareFile&) = delete;
+
+    /// `sections` written, then a checksum line: as many syncs as the library needs, one after the sections, one after
+    /// the line, what is beyond that for a small file beside it.
+    void store(int sections, long syncs) {
+        m_text.assign(m_text.size(), m_text[0] == 'x' ? 'y' : 'x');
+        for (long extra = 2; extra < syncs; ++extra)
+            writeAt(m_side, 0, sectionSize());
+        const std::size_t start = m_text.size() - static_cast<std::size_t>(m_layout.contentLength());
+        for (int i = 0; i < sections; ++i)
+            writeOnly(m_file,
+                      start +
+                          (m_text.size() - start) / static_cast<std::size_t>(sections) * static_cast<std::size_t>(i),
+                      sectionSize());
+        sync(m_file);
+        writeAt(m_file, start - static_cast<std::size_t>(td::text::CRC_LINE_LENGTH),
+                static_cast<std::size_t>(td::text::CRC_LINE_LENGTH));
+    }
+
+private:
+    std::size_t sectionSize() const {
+        return static_cast<std::size_t>(m_layout.sectionLength() - m_layout.headerLength());
+    }
+    static int make(const Setting& setting, const std::string& name) {
+        const std::string directory = setting.directory + "/bare/";
+        fs::create_directories(directory);
+        const int descriptor = open((directory + name).c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        if (descriptor < 0)
+            throw std::runtime_error("cannot make " + directory + name);
+        return descriptor;
+    }
+    void writeOnly(int file, std::size_t offset, std::size_t size) {
+        if (pwrite(file, m_text.data(), size, static_cast<off_t>(offset)) != static_cast<ssize_t>(size))
+            throw std::runtime_error("cannot write");
+    }
+    static void sync(int file) {
+        if (fsync(file) != 0)
+            throw std::runtime_error("cannot sync");
+    }
+    void writeAt(int file, std::size_t offset, std::size_t size) {
+        writeOnly(file, offset, size);
+        sync(file);
+    }
+
+    const td::CategoryLayout& m_layout;
+    std::string m_text;
+    const int m_file;
+    const int m_side;
+};
+
+// --- the rows ---
+
+/// The call alone; the worker is at rest when it comes.
+void storeCall(benchmark::State& state, const Setting& setting, int fields) {
+    Library& subject = library(setting);
+    const td::CategoryLayout& layout = *setting.tables[static_cast<std::size_t>(tableOf(MODE))].layout;
+    ChangingRecord record(setting, layout, layout.recordCount() / 2);
+    for ([[maybe_unused]] auto _ : state) {
+        record.change(fields);
+        const auto start = Clock::now();
+        subject.manager().storeData(MODE, record.dims(), record.args());
+        state.SetIterationTime(secondsSince(start));
+        subject.waitStored();
+    }
+}
+
+/// The longest of many calls to `stored` while the worker writes `written`.
+void longestStoreCall(benchmark::State& state, const Setting& setting, const td::CategoryLayout& written,
+                      const td::CategoryLayout& stored) {
+    constexpr int CALLS = 200;
+    constexpr int QUEUED = 20;
+    Library& subject = library(setting);
+    ChangingRecord busy(setting, written, 0);
+    ChangingRecord record(setting, stored, stored.recordCount() / 2);
+    for ([[maybe_unused]] auto _ : state) {
+        for (int i = 0; i < QUEUED; ++i) {
+            busy.change(1);
+            subject.manager().storeData(written.category, busy.dims(), busy.args());
+        }
+        double longest = 0;
+        for (int i = 0; i < CALLS; ++i) {
+            record.change(1);
+            const auto start = Clock::now();
+            subject.manager().storeData(stored.category, record.dims(), record.args());
+            longest = std::max(longest, secondsSince(start));
+        }
+        state.SetIterationTime(longest);
+        subject.waitStored();
+    }
+}
+
+/// A call that comes while the worker, idle for ten seconds, backs up all files.
+void storeCallDuringBackup(benchmark::State& state, const Setting& setting) {
+    Library& subject = library(setting);
+    std::vector<ChangingRecord> records;
+    for (const Table& table : setting.tables)
+        records.emplace_back(setting, *table.layout, 0);
+    const std::string backups = setting.directory + WORK + "/var/local/dataModule/backup";
+    for ([[maybe_unused]] auto _ : state) {
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            records[i].change(1);
+            subject.manager().storeData(setting.tables[i].layout->category, records[i].dims(), records[i].args());
+        }
+        subject.waitStored();
+        const auto before = fs::last_write_time(backups);
+        const auto deadline = Clock::now() + std::chrono::seconds(20);
+        while (fs::last_write_time(backups) == before && Clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        ChangingRecord& record = records[static_cast<std::size_t>(tableOf(MODE))];
+        record.change(1);
+        const auto start = Clock::now();
+        subject.manager().storeData(MODE, record.dims(), record.args());
+        state.SetIterationTime(secondsSince(start));
+        if (start >= deadline)
+            state.SkipWithError("no backup was made");
+        subject.waitStored();
+    }
+}
+
+void durableStoreOfOurs(benchmark::State& state, const Setting& setting, const td::CategoryLayout& layout) {
+    Library& subject = library(setting);
+    ChangingRecord record(setting, layout, layout.recordCount() / 2);
+    const long before = syncCount();
+    for ([[maybe_unused]] auto _ : state) {
+        record.change(1);
+        subject.manager().storeData(layout.category, record.dims(), record.args());
+        subject.waitStored();
+    }
+    state.counters["syncs"] = static_cast<double>(syncCount() - before) / static_cast<double>(state.iterations());
+    state.counters["bytes"] = static_cast<double>(fileSize(layout));
+}
+
+/// How many syncs one store of the library takes.
+long syncsOfAStore(const Setting& setting) {
+    const td::CategoryLayout& layout = *bySize(setting).front();
+    ChangingRecord record(setting, layout, 0);
+    record.change(1);
+    const long before = syncCount();
+    library(setting).manager().storeData(layout.category, record.dims(), record.args());
+    library(setting).waitStored();
+    return syncCount() - before;
+}
+
+void bareStore(benchmark::State& state, const Setting& setting, const td::CategoryLayout& layout, int sections,
+               long syncs) {
+    BareFile file(setting, layout);
+    for ([[maybe_unused]] auto _ : state)
+        file.store(sections, syncs);
+    state.counters["syncs"] = static_cast<double>(syncs);
+}
+
+/// `count` records of the peer, equally far from each other, changed in one go.
+void durableStoreOfPeer(benchmark::State& state, const Setting& setting, const std::string& name,
+                        const td::CategoryLayout& layout, int count, int fields) {
+    Peer& subject = peer(name, setting);
+    std::vector<ChangingRecord> records;
+    for (int i = 0; i < count; ++i)
+        records.emplace_back(setting, layout, layout.recordCount() / count * i);
+    const long before = syncCount();
+    for ([[maybe_unused]] auto _ : state) {
+        std::vector<Change> changes;
+        for (ChangingRecord& record : records) {
+            record.change(fields);
+            changes.push_back(record.asChange());
+        }
+        subject.store(changes);
+    }
+    state.counters["syncs"] = static_cast<double>(syncCount() - before) / static_cast<double>(state.iterations());
+}
+
+/// Until the copies are on disk: the call writes them itself.
+void copyToAllSources(benchmark::State& state, const Setting& setting) {
+    Library& subject = library(setting);
+    const td::CategoryLayout& layout = *setting.tables[static_cast<std::size_t>(tableOf(COPIED))].layout;
+    ChangingRecord record(setting, layout, layout.recordCount() / 2);
+    long syncs = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        record.change(layout.fieldCount());
+        subject.manager().storeData(COPIED, record.dims(), record.args());
+        subject.waitStored();
+        const long before = syncCount();
+        const auto start = Clock::now();
+        subject.manager().applySettingForAllSources(COPIED, record.dims());
+        state.SetIterationTime(secondsSince(start));
+        syncs += syncCount() - before;
+    }
+    state.counters["syncs"] = static_cast<double>(syncs) / static_cast<double>(state.iterations());
+}
+
+/// The call, which reads the factory values, or all of it until they are on disk.
+void restoreForAllSources(benchmark::State& state, const Setting& setting, bool untilStored) {
+    Library& subject = library(setting);
+    const td::CategoryLayout& layout = *setting.tables[static_cast<std::size_t>(tableOf(RESTORED))].layout;
+    ChangingRecord record(setting, layout, layout.recordCount() / 2);
+    long syncs = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        const long before = syncCount();
+        const auto start = Clock::now();
+        subject.manager().restoreSettingForAllSource(RESTORED, record.dims());
+        if (untilStored)
+            subject.waitStored();
+        state.SetIterationTime(secondsSince(start));
+        subject.waitStored();
+        syncs += syncCount() - before;
+    }
+    state.counters["syncs"] = static_cast<double>(syncs) / static_cast<double>(state.iterations());
+}
+
+void groupStore(benchmark::State& state, const Setting& setting) {
+    Library& subject = library(setting);
+    const std::vector<int> temperatures{0, 1, 2, 3, 4, 5};
+    const std::vector<int> ranges{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+    static td::GroupArray data;
+    int turn = 0;
+    const long before = syncCount();
+    for ([[maybe_unused]] auto _ : state) {
+        ++turn;
+        for (auto& source : data) {
+            for (auto& row : source)
+                std::fill(std::begin(row), std::end(row), turn);
+        }
+        subject.manager().storeDataForGroup(GROUPED, {0, 0, 0, 0, 0}, temperatures, ranges, data);
+        subject.waitStored();
+    }
+    state.counters["syncs"] = static_cast<double>(syncCount() - before) / static_cast<double>(state.iterations());
+}
+
+void loadOne(benchmark::State& state, const Setting& setting, const td::CategoryLayout& layout) {
+    Library& subject = library(setting);
+    subject.waitStored();
+    for ([[maybe_unused]] auto _ : state) {
+        if (!subject.manager().loadData(layout.category))
+            state.SkipWithError("cannot load");
+    }
+    state.counters["bytes"] = static_cast<double>(fileSize(layout));
+}
+
+// --- their registration ---
+
+template <class Body>
+benchmark::internal::Benchmark* add(const std::string& name, Body body) {
+    return benchmark::RegisterBenchmark(name.c_str(), body)->UseRealTime();
+}
+
+/// A row that times a part of each of its iterations itself.
+template <class Body>
+benchmark::internal::Benchmark* addTimed(const std::string& name, int iterations, Body body) {
+    return benchmark::RegisterBenchmark(name.c_str(), body)->UseManualTime()->Iterations(iterations);
+}
+
+void registerDurableRow(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, long syncs) {
+    add(row + "/ours", [&](benchmark::State& state) { durableStoreOfOurs(state, setting, layout); });
+    add(row + "/bound",
+        [&setting, &layout, syncs](benchmark::State& state) { bareStore(state, setting, layout, 1, syncs); });
+}
+
+void registerPeers(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, int count,
+                   int fields, bool oneTime) {
+    for (const std::string& name : peerNames()) {
+        if (!peer(name, setting).stores())
+            continue;
+        auto* const added = add(row + "/" + name, [&setting, &layout, name, count, fields](benchmark::State& state) {
+            durableStoreOfPeer(state, setting, name, layout, count, fields);
+        });
+        if (oneTime)
+            added->Iterations(1);
+    }
+}
+
+void registerCalls(const Setting& setting, const td::CategoryLayout& mode, const td::CategoryLayout& largest) {
+    constexpr int CALLS = 20;
+    for (const int fields : {1, 24})
+        addTimed("store call, " + std::to_string(fields) + (fields == 1 ? " field" : " fields") + "/ours", CALLS,
+                 [&setting, fields](benchmark::State& state) { storeCall(state, setting, fields); });
+    addTimed("longest store call, another file is written/ours", 1,
+             [&](benchmark::State& state) { longestStoreCall(state, setting, largest, mode); });
+    addTimed("longest store call, the same file is written/ours", 1,
+             [&](benchmark::State& state) { longestStoreCall(state, setting, mode, mode); });
+    if (!setting.shortRun)
+        addTimed("store call, backup of all files runs/ours", 1, [&](benchmark::State& state) {
+            storeCallDuringBackup(state, setting);
+        })->Repetitions(1);
+}
+
+void registerBulkRows(const Setting& setting) {
+    const td::CategoryLayout& copied = *setting.tables[static_cast<std::size_t>(tableOf(COPIED))].layout;
+    const td::CategoryLayout& restored = *setting.tables[static_cast<std::size_t>(tableOf(RESTORED))].layout;
+    const td::CategoryLayout& grouped = *setting.tables[static_cast<std::size_t>(tableOf(GROUPED))].layout;
+    constexpr int TIMES = 5;
+    addTimed("copy to all sources/ours", TIMES, [&](benchmark::State& state) { copyToAllSources(state, setting); });
+    add("copy to all sources/bound",
+        [&](benchmark::State& state) { bareStore(state, setting, copied, SOURCES - 1, 2); });
+    registerPeers(setting, "copy to all sources", copied, SOURCES - 1, copied.fieldCount(), false);
+
+    addTimed("restore for all sources, call/ours", TIMES,
+             [&](benchmark::State& state) { restoreForAllSources(state, setting, false); });
+    addTimed("restore for all sources/ours", TIMES,
+             [&](benchmark::State& state) { restoreForAllSources(state, setting, true); });
+    registerPeers(setting, "restore for all sources", restored, SOURCES, restored.fieldCount(), false);
+
+    if (setting.shortRun)
+        return;
+    constexpr int RECORDS = 960;
+    add("group store of 960 records/ours", [&](benchmark::State& state) { groupStore(state, setting); })->Iterations(1);
+    registerPeers(setting, "group store of 960 records", grouped, RECORDS, grouped.fieldCount(), true);
+}
+
+void registerGrowth(const Setting& setting, const std::vector<const td::CategoryLayout*>& layouts) {
+    constexpr std::size_t STEPS = 5;
+    for (std::size_t step = 0; step <= STEPS; ++step) {
+        const td::CategoryLayout& layout = *layouts[(layouts.size() - 1) * step / STEPS];
+        add(std::string("growth of load/") + layout.file,
+            [&](benchmark::State& state) { loadOne(state, setting, layout); });
+        add(std::string("growth of durable store/") + layout.file,
+            [&](benchmark::State& state) { durableStoreOfOurs(state, setting, layout); });
+    }
+}
+
+} // namespace
+
+void registerStoreRows(const Setting& setting) {
+    const std::vector<const td::CategoryLayout*> layouts = bySize(setting);
+    const td::CategoryLayout& mode = *setting.tables[static_cast<std::size_t>(tableOf(MODE))].layout;
+    const long syncs = syncsOfAStore(setting);
+    registerCalls(setting, mode, *layouts.back());
+    registerDurableRow(setting, "durable store, smallest file", *layouts.front(), syncs);
+    registerDurableRow(setting, "durable store, largest file", *layouts.back(), syncs);
+    registerPeers(setting, "durable store, smallest file", *layouts.front(), 1, 1, false);
+    registerPeers(setting, "durable store, largest file", *layouts.back(), 1, 1, false);
+    registerBulkRows(setting);
+    if (!setting.shortRun)
+        registerGrowth(setting, layouts);
+}
+
+} // namespace bench
