@@ -19,7 +19,7 @@ namespace td {
 class Event;
 namespace text {
 class WrittenSection;
-}
+} // namespace text
 
 class DATAMODULE_API TableOperator : public AbstractFileOperator {
 public:
