@@ -5,9 +5,11 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <map>
 #include <mutex>
+#include <string_view>
 #include <utility>
 
 #include <dirent.h>
@@ -45,10 +47,27 @@ std::atomic<int> g_streams{0};
 std::array<std::atomic<bool>, DESCRIPTORS> g_isWatched{};
 thread_local int t_unwatched = 0;
 
+/// What the C library calls a function. Where long has 32 bits, those whose offsets, inode numbers or times have 64 go
+/// by names of their own, for callers and for the definitions in this file alike.
+const char* nameInTheLibrary(const char* name) {
+    if (sizeof(long) == sizeof(std::int64_t))
+        return name;
+    static constexpr std::pair<std::string_view, const char*> OTHERS[] = {
+        {"open", "open64"},          {"openat", "openat64"},        {"fopen", "fopen64"},
+        {"lseek", "lseek64"},        {"ftruncate", "ftruncate64"},  {"readdir", "readdir64"},
+        {"stat", "__stat64_time64"}, {"lstat", "__lstat64_time64"}, {"fstat", "__fstat64_time64"},
+    };
+    for (const auto& [function, other] : OTHERS) {
+        if (function == name)
+            return other;
+    }
+    return name;
+}
+
 /// The C library's function behind the definition in this file.
 template <class Function>
 Function* behind(Function*, const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, nameInTheLibrary(name)));
 }
 #define BEHIND(function) (td::test::behind(&::function, #function))
 

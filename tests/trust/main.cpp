@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/platform/DebugOutput.h>
 
 #include "Options.h"
@@ -48,6 +49,8 @@ int main(int argc, char** argv) {
             return EXIT_FAILURE;
         }
     }
+    // The listeners' names are the same for every process of the machine, and no matter here.
+    td::FileDataSeparateManager::setListening(false);
     // Thousands of damaged files are warned of.
     if (td::test::options().showsLog)
         td::DebugOutput::setLevel(td::DebugOutput::Level::Info);
