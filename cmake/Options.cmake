@@ -30,6 +30,10 @@ endif()
 
 add_library(dataModule_flags INTERFACE)
 target_compile_options(dataModule_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 warns of its own std::string when it optimises "text" + std::string (GCC bug 105651).
+  target_compile_options(dataModule_flags INTERFACE -Wno-restrict)
+endif()
 if(DATAMODULE_WERROR)
   target_compile_options(dataModule_flags INTERFACE -Werror)
 endif()

@@ -101,8 +101,10 @@ std::vector<std::string> csvHeader() {
 
 std::string csvRow(const std::vector<std::string>& cells) {
     std::string row;
-    for (const std::string& cell : cells)
-        row += (row.empty() ? "" : ",") + csvCell(cell);
+    for (const std::string& cell : cells) {
+        row += row.empty() ? "" : ",";
+        row += csvCell(cell);
+    }
     return row + "\n";
 }
 

@@ -44,7 +44,8 @@ std::string optionList(const std::vector<VerbOption>& options) {
         text += fmt::format(".TP\n\\fB{}\\fR", plain(option.name));
         if (option.value != nullptr)
             text += fmt::format(" \\fI{}\\fR", plain(option.value));
-        text += "\n" + paragraph(std::string(option.help) + ".");
+        text += '\n';
+        text += paragraph(std::string(option.help) + ".");
     }
     return text;
 }
