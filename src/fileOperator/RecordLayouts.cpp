@@ -36,7 +36,8 @@ static_assert(sizeof(_Argument_t) == 8 && offsetof(_Argument_t, value) == 4 && a
 
 // What travels beside the arguments.
 static_assert(sizeof(_DataCategory_t) == 4 && sizeof(_DS_Type_t) == 4 && sizeof(_DS_Scope_t) == 4);
-static_assert(isRowOf<GroupArray>(16 * 6 * 6) && isRowOf<SelfDefinedGroupArray>(16 * 10 * 6 * 6));
+static_assert(isRowOf<GroupArray>(std::size_t{16} * 6 * 6) &&
+              isRowOf<SelfDefinedGroupArray>(std::size_t{16} * 10 * 6 * 6));
 static_assert(sizeof(_ThreadStaticInfo_t) == 16 && offsetof(_ThreadStaticInfo_t, succeeded) == 4 &&
               offsetof(_ThreadStaticInfo_t, failed) == 8 && offsetof(_ThreadStaticInfo_t, queued) == 12);
 
