@@ -53,9 +53,9 @@ std::string ageText(std::time_t then) {
     const auto age = std::max<long long>(0, static_cast<long long>(std::time(nullptr)) - static_cast<long long>(then));
     if (age < 120)
         return fmt::format("{} s", age);
-    if (age < 120 * 60)
+    if (age < 7200)
         return fmt::format("{} min", age / 60);
-    return age < 48 * 3600 ? fmt::format("{} h", age / 3600) : fmt::format("{} d", age / 86400);
+    return age < 172800 ? fmt::format("{} h", age / 3600) : fmt::format("{} d", age / 86400);
 }
 
 std::vector<std::string> scopesOf(const CategoryLayout& layout) {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <thread>
 
@@ -59,7 +60,7 @@ LogWord::LogWord() : m_id(shmget(names::DETAIL_LOG_KEY, names::DETAIL_LOG_SIZE, 
         return;
     }
     void* const address = shmat(m_id, nullptr, 0);
-    if (address == reinterpret_cast<void*>(-1))
+    if (reinterpret_cast<std::intptr_t>(address) == -1)
         m_reason = fmt::format("the shared-memory word cannot be attached: {}", std::strerror(errno));
     else
         m_word = static_cast<int*>(address);
