@@ -59,7 +59,7 @@ int indexNamed(const Dimension& dimension, const std::string& word) {
 
 /// What stands for an index: the value's name, or its number where the name would not be read as this value.
 std::string indexText(const Dimension& dimension, int index) {
-    const std::string name = valueName(dimension, index);
+    std::string name = valueName(dimension, index);
     try {
         if (indexNamed(dimension, name) == index)
             return name;
