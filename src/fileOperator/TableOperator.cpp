@@ -37,7 +37,7 @@ std::vector<int> toVector(const CategoryLayout& layout, const int* indices) {
 } // namespace
 
 TableOperator::TableOperator(const CategoryLayout& layout)
-    : AbstractFileOperator(layout.file, layout.version), m_layout(layout),
+    : AbstractFileOperator(layout.file, layout.version), m_layout(layout), m_names(layout),
       m_table(static_cast<std::size_t>(layout.recordCount()) * static_cast<std::size_t>(layout.fieldCount())),
       m_section(layout.fields.size()) {
     m_category = layout.category;
@@ -147,7 +147,7 @@ void TableOperator::listFields(const int* record, std::vector<_Argument_t>& args
 
 void TableOperator::getFields(const int* record, std::vector<_Argument_t>& args) const {
     for (_Argument_t& argument : args) {
-        const Field* field = m_layout.fieldByArgument(argument.name);
+        const Field* field = m_names.find(argument.name);
         if (field != nullptr)
             argument.value = record[field->position];
         else
@@ -157,7 +157,7 @@ void TableOperator::getFields(const int* record, std::vector<_Argument_t>& args)
 
 void TableOperator::putFields(const std::vector<_Argument_t>& args, int* record, bool& changed) const {
     for (const _Argument_t& argument : args) {
-        const Field* field = m_layout.fieldByArgument(argument.name);
+        const Field* field = m_names.find(argument.name);
         if (field == nullptr) {
             DM_WARNING("The field [%s] is invalid.\n", textOrNull(argument.name));
             continue;

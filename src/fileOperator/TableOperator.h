@@ -12,6 +12,7 @@
 
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/fileOperator/CategoryLayout.h>
+#include <dataModule/fileOperator/FieldNames.h>
 #include <dataModule/platform/DebugOutput.h>
 
 namespace td {
@@ -130,6 +131,7 @@ private:
     bool loadSectionsByLine() TD_REQUIRES(m_criticalSection);
 
     const CategoryLayout& m_layout;
+    const FieldNames m_names;
     std::vector<int> m_table TD_GUARDED_BY(m_criticalSection);
     std::vector<int> m_section TD_GUARDED_BY(m_criticalSection); ///< the record being read, until it is whole
     /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
