@@ -32,6 +32,8 @@ bool takeOption(const std::string& argument) {
         options().seed = std::strtoull(value, nullptr, 10);
     else if (name == "--only")
         options().onlyNumber = std::atoi(value);
+    else if (name == "--kills")
+        options().kills = std::atoi(value);
     else
         return false;
     return true;
