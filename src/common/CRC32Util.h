@@ -34,7 +34,7 @@ private:
     CRC32Util() = default;
 
     std::atomic<bool> m_initialised{false};
-    Mutex m_fileMutex; ///< one file at a time
+    Mutex m_fileMutex{LockRank::Checksum}; ///< one file at a time
 };
 
 } // namespace td

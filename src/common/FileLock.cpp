@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <dataModule/common/FileUtil.h>
+#include <dataModule/common/LockOrder.h>
 
 namespace td {
 
@@ -57,6 +58,8 @@ FileLock::Attempt FileLock::tryLock(const std::string& path, Kind kind) {
 FileLock::Attempt FileLock::take(const std::string& path, Kind kind, bool wait) {
     constexpr int ATTEMPTS = 100;
     unlock();
+    if (wait)
+        lockOrder::willWait(LockRank::Files);
     const int operation = (kind == Kind::Exclusive ? LOCK_EX : LOCK_SH) | (wait ? 0 : LOCK_NB);
     for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
         const int descriptor = openLockFile(path);

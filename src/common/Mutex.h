@@ -1,19 +1,23 @@
 /// Mutex, scoped lock and monotonic condition variable with thread-safety annotations.
 ///
-/// The lock order of the library, outermost first; nobody waits for a lock while holding one that comes after it:
+/// The lock order of the library, outermost first; nobody waits for a lock while holding one that comes after it, or
+/// another of the same place:
 ///   1. Thread's life mutex   (start and stop; held while the worker is joined)
 ///   2. Thread's statistics mutex   (held while an event is handled)
-///   3. an operator's critical section   (table and file; one operator's at a time), and inside it the lock between
-///      processes on the category's lock file
-///   4. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
-///   5. CRC32Util's file mutex
-///   6. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, the log's
+///   3. an operator's critical section   (table and file; one operator's at a time), and inside it
+///   4. the lock between processes on the category's lock file
+///   5. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
+///   6. CRC32Util's file mutex
+///   7. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, the log's
+///
+/// A build with DATAMODULE_CHECK_LOCKS ends the program where this does not hold (LockOrder.cpp).
 #pragma once
 
 #include <ctime>
 
 #include <pthread.h>
 
+#include <dataModule/common/LockOrder.h>
 #include <dataModule/common/ThreadAnnotations.h>
 
 namespace td {
@@ -21,18 +25,31 @@ namespace td {
 /// Not recursive.
 class TD_CAPABILITY("mutex") Mutex {
 public:
-    Mutex() = default;
+    explicit Mutex(LockRank rank = LockRank::Leaf) : m_rank(rank) {}
     ~Mutex() { pthread_mutex_destroy(&m_mutex); }
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
 
-    void lock() TD_ACQUIRE() { pthread_mutex_lock(&m_mutex); }
-    void unlock() TD_RELEASE() { pthread_mutex_unlock(&m_mutex); }
-    bool tryLock() TD_TRY_ACQUIRE(true) { return pthread_mutex_trylock(&m_mutex) == 0; }
+    void lock() TD_ACQUIRE() {
+        lockOrder::willWait(m_rank);
+        pthread_mutex_lock(&m_mutex);
+        lockOrder::wasTaken(this, m_rank);
+    }
+    void unlock() TD_RELEASE() {
+        lockOrder::willBeReleased(this);
+        pthread_mutex_unlock(&m_mutex);
+    }
+    bool tryLock() TD_TRY_ACQUIRE(true) {
+        if (pthread_mutex_trylock(&m_mutex) != 0)
+            return false;
+        lockOrder::wasTaken(this, m_rank);
+        return true;
+    }
 
 private:
     friend class Condition;
     pthread_mutex_t m_mutex = PTHREAD_MUTEX_INITIALIZER;
+    const LockRank m_rank;
 };
 
 /// Holds a mutex for the length of a block.
@@ -65,7 +82,11 @@ public:
     void broadcast() { pthread_cond_broadcast(&m_condition); }
     /// Waits until signalled or until `deadline` (CLOCK_MONOTONIC). 0 or ETIMEDOUT; may wake without a reason.
     int waitUntil(Mutex& mutex, const timespec& deadline) TD_REQUIRES(mutex) {
-        return pthread_cond_timedwait(&m_condition, &mutex.m_mutex, &deadline);
+        lockOrder::willBeReleased(&mutex);
+        lockOrder::willWait(mutex.m_rank);
+        const int result = pthread_cond_timedwait(&m_condition, &mutex.m_mutex, &deadline);
+        lockOrder::wasTaken(&mutex, mutex.m_rank);
+        return result;
     }
 
 private:

@@ -72,21 +72,21 @@ private:
     char m_name[NAME_SIZE] = {};
     const int m_idleSeconds;
 
-    Mutex m_lifeMutex; ///< one start or stop at a time, joining included; the worker never takes it
+    Mutex m_lifeMutex{LockRank::Life}; ///< one start or stop at a time, joining included; the worker never takes it
     OsalThreads::Handle m_handle TD_GUARDED_BY(m_lifeMutex) = OsalThreads::INVALID_HANDLE;
     std::atomic<bool> m_running{false}; ///< from start() until the thread is joined
 
     std::atomic<bool> m_exit{false}; ///< written under queue and exit mutex, read freely
     mutable Mutex m_exitMutex;
 
-    Mutex m_queueMutex; ///< queue, its conditions and the two counters
+    Mutex m_queueMutex{LockRank::Queue}; ///< queue, its conditions and the two counters
     Condition m_queueCondition;
     Condition m_handledCondition;
     std::deque<Event*> m_queue TD_GUARDED_BY(m_queueMutex);
     std::uint64_t m_postedCount TD_GUARDED_BY(m_queueMutex) = 0; ///< events ever queued
     std::uint64_t m_doneCount TD_GUARDED_BY(m_queueMutex) = 0;   ///< events ever handled or dropped
 
-    Mutex m_statisticsMutex; ///< handled, succeeded and failed; held while an event is handled
+    Mutex m_statisticsMutex{LockRank::Statistics}; ///< handled, succeeded and failed; held while an event is handled
     _ThreadStaticInfo_t m_statistics TD_GUARDED_BY(m_statisticsMutex) = {};
     /// _ThreadStaticInfo_t::queued; it changes under the queue mutex, which comes after the statistics mutex.
     std::atomic<std::uint32_t> m_queuedCount{0};

@@ -65,7 +65,7 @@ private:
     /// What the section asked for, whether there was a lock file to be had or not: it is asked once.
     enum class Claim { None, Shared, Exclusive };
 
-    Mutex m_mutex;
+    Mutex m_mutex{LockRank::Section};
     // These belong to whoever holds the mutex.
     FileLock m_files;
     Claim m_claim = Claim::None;

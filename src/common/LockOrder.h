@@ -1,0 +1,33 @@
+/// The places of the locks in the lock order (Mutex.h), and its check at run time: in builds with DATAMODULE_CHECK_LOCKS,
+/// as those for the tests; elsewhere the functions do nothing.
+#pragma once
+
+#include <dataModule/Export.h>
+
+namespace td {
+
+/// Outermost first.
+enum class LockRank { Life, Statistics, Section, Files, Queue, Checksum, Leaf };
+
+namespace lockOrder {
+
+#ifdef DATAMODULE_CHECK_LOCKS
+
+/// Ends the program, with what it holds on standard error, when the calling thread holds a lock of this place or a
+/// later one.
+DATAMODULE_API void willWait(LockRank rank);
+/// The calling thread holds the lock from now on.
+DATAMODULE_API void wasTaken(const void* lock, LockRank rank);
+/// Ends the program when the calling thread does not hold the lock.
+DATAMODULE_API void willBeReleased(const void* lock);
+
+#else
+
+inline void willWait(LockRank /*rank*/) {}
+inline void wasTaken(const void* /*lock*/, LockRank /*rank*/) {}
+inline void willBeReleased(const void* /*lock*/) {}
+
+#endif
+
+} // namespace lockOrder
+} // namespace td

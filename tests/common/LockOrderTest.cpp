@@ -1,0 +1,45 @@
+#include <gtest/gtest.h>
+
+#include <dataModule/common/Mutex.h>
+
+namespace td::test {
+namespace {
+
+#ifdef DATAMODULE_CHECK_LOCKS
+
+TEST(LockOrderTest, TheOrderAndATryAgainstItAreLetPass) {
+    Mutex section{LockRank::Section};
+    Mutex queue{LockRank::Queue};
+    Mutex leaf;
+    {
+        const MutexLock outer(section);
+        const MutexLock inner(queue);
+        const MutexLock innermost(leaf);
+    }
+    const MutexLock outer(queue);
+    ASSERT_TRUE(section.tryLock());
+    leaf.lock();
+    section.unlock();
+    leaf.unlock();
+}
+
+void takeInTurn(LockRank first, LockRank second) TD_NO_THREAD_SAFETY_ANALYSIS {
+    Mutex one{first};
+    Mutex other{second};
+    one.lock();
+    other.lock();
+    other.unlock();
+    one.unlock();
+}
+
+TEST(LockOrderDeathTest, WhoeverGoesAgainstItIsEnded) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(takeInTurn(LockRank::Queue, LockRank::Section), "waiting for a critical section");
+    EXPECT_DEATH(takeInTurn(LockRank::Section, LockRank::Section), "waiting for a critical section");
+    EXPECT_DEATH(takeInTurn(LockRank::Leaf, LockRank::Leaf), "waiting for a leaf");
+}
+
+#endif
+
+} // namespace
+} // namespace td::test
