@@ -1,5 +1,5 @@
-/// The places of the locks in the lock order (Mutex.h), and its check at run time: in builds with DATAMODULE_CHECK_LOCKS,
-/// as those for the tests; elsewhere the functions do nothing.
+/// The places of the locks in the lock order (Mutex.h), and its check at run time: in builds with
+/// DATAMODULE_CHECK_LOCKS, as those for the tests; elsewhere the functions do nothing.
 #pragma once
 
 #include <dataModule/Export.h>

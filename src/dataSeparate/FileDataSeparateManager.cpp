@@ -454,6 +454,11 @@ const char* FileDataSeparateManager::getTvType() {
 
 bool FileDataSeparateManager::setStoreFileFlag(bool allowed) {
     m_storeFileFlag = allowed;
+    for (const auto& [category, op] : m_fileOperators) {
+        auto* const stored = dynamic_cast<AbstractFileOperator*>(op);
+        if (!allowed && stored != nullptr)
+            stored->forgetUnwritten();
+    }
     return true;
 }
 

@@ -559,7 +559,7 @@ bool AbstractFileOperator::loadFile() {
     // A merge that could not be written is in the table alone; if it still cannot be, it is made again.
     if (m_mergeUnwritten && !mergedByOther())
         createFile();
-    if (!loadFirstGoodCopy()) {
+    if (!loadKeepingUnwritten([this]() TD_REQUIRES(m_criticalSection) { return loadFirstGoodCopy(); })) {
         // A merge that did not come to its end is to be made again.
         if (m_otaLoading)
             m_versionCheck = true;
@@ -571,6 +571,26 @@ bool AbstractFileOperator::loadFile() {
     if (m_otaLoading)
         startMergeThread();
     return true;
+}
+
+// Whoever loads has waited for the stores before, but others may have stored since, and a write may have failed.
+template <typename Load>
+bool AbstractFileOperator::loadKeepingUnwritten(Load load) {
+    saveUnwritten();
+    bool loaded = false;
+    try {
+        loaded = load();
+    } catch (...) {
+        putBackUnwritten(false);
+        throw;
+    }
+    putBackUnwritten(loaded);
+    return loaded;
+}
+
+void AbstractFileOperator::outdateSnapshots() {
+    m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+    snapshotsOutdated();
 }
 
 bool AbstractFileOperator::loadFirstGoodCopy() {
@@ -832,7 +852,7 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
     const bool loaded = switchToManufactory() && m_file.setPos(contentPosition()) && loadContents();
     if (loaded) {
         DM_INFO("Load file from manufactory successfully.\n");
-        m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+        outdateSnapshots();
         tableRefreshed();
     } else {
         DM_WARNING("Load file from manufactory failed.\n");
@@ -845,7 +865,9 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
 bool AbstractFileOperator::refreshDataFromCurrent() {
     SectionLock lock(m_criticalSection);
     DM_INFO("Load file from manufactory.\n");
-    const bool loaded = openCurrent() && m_file.setPos(contentPosition()) && loadContents();
+    const bool loaded = loadKeepingUnwritten([this]() TD_REQUIRES(m_criticalSection) {
+        return openCurrent() && m_file.setPos(contentPosition()) && loadContents();
+    });
     if (loaded)
         DM_INFO("Load file from manufactory successfully.\n");
     else
@@ -921,7 +943,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         return false;
     }
     // The table is on disk as it is now (invariant 4).
-    m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+    outdateSnapshots();
     m_backupOutdated = true;
     backupFile(defaults);
     if (m_backupOutdated)
@@ -1041,7 +1063,7 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
     setPath(current);
     // Invariant 1.
     if (fileVerifies(factory.c_str(), m_version) && FileUtil::replaceFile(factory.c_str(), current.c_str())) {
-        m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
+        outdateSnapshots();
         m_backupOutdated = true;
         setBackupReq(true);
         postChangesSinceRefresh();

@@ -117,6 +117,8 @@ public:
     bool loadIfReleased() TD_EXCLUDES(m_criticalSection);
     /// Waits until a merged file, if any, has been written. Hold no critical section.
     void waitForMerge() TD_EXCLUDES(m_criticalSection);
+    /// Writing was forbidden: what is queued will be dropped, and the next load does not keep it in the table.
+    virtual void forgetUnwritten() TD_EXCLUDES(m_criticalSection) {}
     /// Sets the process-wide detail-log switch.
     static void setDebugLog(int on);
 
@@ -148,6 +150,14 @@ protected:
     virtual void postChangesSinceRefresh() TD_REQUIRES(m_criticalSection) {}
     /// The table was refreshed from the factory copy.
     virtual void tableRefreshed() TD_REQUIRES(m_criticalSection) {}
+
+    /// Before the table is loaded anew: remembers the records that were stored and are not in the file yet.
+    virtual void saveUnwritten() TD_REQUIRES(m_criticalSection) {}
+    /// Afterwards: puts them back, and if the load succeeded posts again those whose write had failed.
+    virtual void putBackUnwritten(bool /*loaded*/) TD_REQUIRES(m_criticalSection) {}
+    /// The files now hold all that the table is to hold: no snapshot posted until now is written (invariant 4).
+    void outdateSnapshots() TD_REQUIRES(m_criticalSection);
+    virtual void snapshotsOutdated() TD_REQUIRES(m_criticalSection) {}
 
     /// The category's name, for log lines.
     const char* categoryName() const;
@@ -204,6 +214,9 @@ private:
     void forgetLengths() TD_REQUIRES(m_criticalSection);
 
     bool loadFirstGoodCopy() TD_REQUIRES(m_criticalSection);
+    /// Loads the table, except for the records that were stored and are not in the file yet.
+    template <typename Load>
+    bool loadKeepingUnwritten(Load load) TD_REQUIRES(m_criticalSection);
     enum class Reading { Done, TryNext, Failed };
     /// After a failure to load the current copy, before another one takes its place: whether another process mended it
     /// meanwhile.

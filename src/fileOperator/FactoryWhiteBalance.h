@@ -97,6 +97,7 @@ protected:
 
     bool completeRecord(const std::vector<int>& dims) override TD_REQUIRES(m_criticalSection);
     bool writeNewFile(bool defaults) override TD_REQUIRES(m_criticalSection);
+    void recordPutBack(int record) override TD_REQUIRES(m_criticalSection) { m_inMemory[at(record)] = true; }
 
 private:
     // In place of the bin that is in memory.

@@ -195,8 +195,37 @@ void TableOperator::dumpRecord(const int* indices) {
 
 void TableOperator::postRecord(const int* indices) {
     const int record = m_layout.recordIndex(indices);
-    Event::postOrDelete(parent(), makeEvent(toVector(m_layout, indices), recordAt(record)));
+    std::unique_ptr<Event> event(makeEvent(toVector(m_layout, indices), recordAt(record)));
+    m_unwritten[record] = {event->id(), false, {}};
+    Event::postOrDelete(parent(), event.release());
     noteChange(record);
+}
+
+// --- records that are not in the file yet, while the table is loaded ---
+
+void TableOperator::saveUnwritten() {
+    for (auto& [record, unwritten] : m_unwritten)
+        unwritten.values.assign(recordAt(record), recordAt(record) + m_layout.fieldCount());
+}
+
+void TableOperator::putBackUnwritten(bool loaded) {
+    std::vector<int> failed;
+    for (auto& [record, unwritten] : m_unwritten) {
+        std::copy(unwritten.values.begin(), unwritten.values.end(), recordAt(record));
+        recordPutBack(record);
+        if (loaded && unwritten.hasFailed)
+            failed.push_back(record);
+    }
+    for (const int record : failed) {
+        int indices[MAX_DIMENSIONS] = {};
+        m_layout.indicesOf(record, indices);
+        postRecord(indices);
+    }
+}
+
+void TableOperator::forgetUnwritten() {
+    SectionLock lock(m_criticalSection);
+    m_unwritten.clear();
 }
 
 // --- one record from the factory or current copy ---
@@ -228,6 +257,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
         return false;
     }
     // What is still queued for this section was just discarded (invariant 4).
+    m_unwritten.erase(m_layout.recordIndex(dims.data()));
     m_snapshotFloor.raise(m_layout.recordIndex(dims.data()), EventIdGenerator::instance()->peekNextEventId());
     return true;
 }
@@ -441,12 +471,25 @@ bool TableOperator::syncSectionToFile(Event* event) {
     const int* record = event != nullptr ? recordOf(*event) : nullptr;
     if (record == nullptr || !checkRequest(event->dimensions()))
         return false;
-    const std::vector<int>& dims = event->dimensions();
+    const int index = m_layout.recordIndex(event->dimensions().data());
     // The value is in the table that is about to be written as a whole, or was taken back or replaced since.
-    if (mergePending() || (!atOnce && m_snapshotFloor.isStale(m_layout.recordIndex(dims.data()), event->id()))) {
+    const bool isOutdated = mergePending() || (!atOnce && m_snapshotFloor.isStale(index, event->id()));
+    if (isOutdated)
         noteSectionSkipped();
-        return true;
+    const bool isWritten = isOutdated || writeSnapshot(*event, record, atOnce);
+    const auto unwritten = m_unwritten.find(index);
+    if (unwritten != m_unwritten.end() && unwritten->second.event == event->id()) {
+        // A merge has its file still to write, and may fail to.
+        if (isWritten && !mergePending())
+            m_unwritten.erase(unwritten);
+        else
+            unwritten->second.hasFailed = true;
     }
+    return isWritten;
+}
+
+bool TableOperator::writeSnapshot(const Event& event, const int* record, bool atOnce) {
+    const std::vector<int>& dims = event.dimensions();
     if (mergeUnwritten() && !mergedByOther()) {
         if (!createFile())
             return false;

@@ -6,6 +6,7 @@
 /// event; the worker writes the event's copy of the record.
 #pragma once
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -54,6 +55,8 @@ public:
     /// Reads one record from the current copy into the table. The caller holds the critical section.
     bool loadDataFromCurrentFile(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
 
+    void forgetUnwritten() override TD_EXCLUDES(m_criticalSection);
+
     const CategoryLayout& layoutOf() const { return m_layout; }
 
 protected:
@@ -68,6 +71,12 @@ protected:
     /// store is refused. A table that is always read whole has nothing to do.
     virtual bool completeRecord(const std::vector<int>&) TD_REQUIRES(m_criticalSection) { return true; }
 
+    /// A record that is not in the file yet was put back into the table.
+    virtual void recordPutBack(int /*record*/) TD_REQUIRES(m_criticalSection) {}
+
+    void saveUnwritten() override TD_REQUIRES(m_criticalSection);
+    void putBackUnwritten(bool loaded) override TD_REQUIRES(m_criticalSection);
+    void snapshotsOutdated() override TD_REQUIRES(m_criticalSection) { m_unwritten.clear(); }
     void postChangesSinceRefresh() override TD_REQUIRES(m_criticalSection);
     void tableRefreshed() override TD_REQUIRES(m_criticalSection);
 
@@ -115,6 +124,8 @@ private:
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreEach(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
+    /// Writes the snapshot unless it is out of date.
+    bool writeSnapshot(const Event& event, const int* record, bool atOnce) TD_REQUIRES(m_criticalSection);
     /// Positions the open file at the section and reads it into the table.
     bool readSectionAt(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool keysMatch() TD_REQUIRES(m_criticalSection);
@@ -136,6 +147,13 @@ private:
     std::vector<int> m_section TD_GUARDED_BY(m_criticalSection); ///< the record being read, until it is whole
     /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
     std::set<int> m_changedSinceRefresh TD_GUARDED_BY(m_criticalSection);
+    /// What was stored in a record and is not in the file yet.
+    struct Unwritten {
+        int event = 0;           ///< the newest
+        bool hasFailed = false;  ///< it was handled, and is not written
+        std::vector<int> values; ///< while the table is loaded
+    };
+    std::map<int, Unwritten> m_unwritten TD_GUARDED_BY(m_criticalSection); ///< by record
     bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false; ///< the snapshot to be written is the newest
     bool m_refreshed TD_GUARDED_BY(m_criticalSection) = false;
 };

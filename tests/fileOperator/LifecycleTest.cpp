@@ -455,6 +455,45 @@ TEST_F(LifecycleTest, NothingIsOpenAfterARelease) {
     }
 }
 
+TEST_F(LifecycleTest, ALoadKeepsWhatWasStoredAndIsNotWrittenYet) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    const auto currentWith = [&](int value) {
+        return withChecksum(withValue(goodText(Copy::Current), "[Global]\n", FIELD, value));
+    };
+    // Still queued.
+    const std::function<void()> loads[] = {
+        [&] { EXPECT_TRUE(op->releaseFile() && op->loadFile()); },
+        [&] { EXPECT_TRUE(op->refreshDataFromCurrent()); },
+    };
+    for (const auto& load : loads) {
+        const int before = valueOf(*op, {}, FIELD);
+        EXPECT_TRUE(storeValue(*op, {}, FIELD, before + 1));
+        load();
+        EXPECT_EQ(valueOf(*op, {}, FIELD), before + 1);
+        EXPECT_EQ(m_parent.deliver(), 1);
+        EXPECT_EQ(current(), currentWith(before + 1));
+    }
+    // Not written while the file was released: posted again.
+    op->releaseFile();
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 50));
+    EXPECT_EQ(m_parent.deliver(), 0);
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(), currentWith(50));
+    // Taken back, or dropped because writing is forbidden.
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 51));
+    EXPECT_TRUE(op->restoreSettingFromCurrent({}));
+    EXPECT_TRUE(op->refreshDataFromCurrent());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 52));
+    op->forgetUnwritten();
+    EXPECT_TRUE(op->refreshDataFromCurrent());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
+}
+
 TEST_F(LifecycleTest, ReleasingWaitsForTheMergedFile) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     for (const auto& release : {&Global::releaseFile, &Global::resetForLoadFile}) {
@@ -523,10 +562,11 @@ TEST_F(LifecycleTest, AMergeThatCannotBeWrittenKeepsTheOldCopies) {
     ASSERT_TRUE(op->loadFile());
     op->waitForMerge();
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+    EXPECT_EQ(valueOf(*op, {}, "FpsSwitch"), 3) << "it could not be written, but it was stored";
 
     std::filesystem::remove_all(obstacle);
     EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 4));
-    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(m_parent.deliver(), 2) << "the old one was posted again";
     EXPECT_EQ(current(), withChecksum(withValue(goodText(Copy::Current), "[Global]\n", "FpsSwitch", 4)));
     EXPECT_EQ(backup(), current());
 }

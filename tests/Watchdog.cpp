@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
 
-#include <dirent.h>
 #include <execinfo.h>
+#include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-
-#include "FileCalls.h"
 
 namespace td::test {
 namespace {
@@ -42,26 +41,38 @@ void dumpOwnStack(int) {
     g_dumped = true;
 }
 
-/// One thread after the other writes its own stack.
-void dumpAllStacks() {
-    const Unwatched unwatched;
-    DIR* const tasks = opendir("/proc/self/task");
-    if (tasks == nullptr)
+void dumpStackOf(const char* thread) {
+    writeText("thread ");
+    writeText(thread);
+    writeText("\n");
+    g_dumped = false;
+    if (syscall(SYS_tgkill, getpid(), std::strtol(thread, nullptr, 10), SIGUSR2) != 0)
         return;
-    while (const dirent* const entry = readdir(tasks)) {
-        const long thread = std::strtol(entry->d_name, nullptr, 10);
-        if (thread == 0)
-            continue;
-        writeText("thread ");
-        writeText(entry->d_name);
-        writeText("\n");
-        g_dumped = false;
-        if (syscall(SYS_tgkill, getpid(), thread, SIGUSR2) != 0)
-            continue;
-        for (int wait = 0; wait < 1000 && !g_dumped; ++wait)
-            usleep(1000);
+    for (int wait = 0; wait < 1000 && !g_dumped; ++wait)
+        usleep(1000);
+}
+
+/// One thread after the other writes its own stack. By the kernel's calls: a test may have the C library's fail, and a
+/// handler must not allocate.
+void dumpAllStacks() {
+    /// An entry as the kernel gives it.
+    struct Entry {
+        std::uint64_t inode;
+        std::int64_t offset;
+        std::uint16_t length;
+        std::uint8_t type;
+        char name[1];
+    };
+    const long tasks = syscall(SYS_openat, AT_FDCWD, "/proc/self/task", O_RDONLY | O_DIRECTORY);
+    alignas(Entry) char buffer[4096];
+    for (long size = 0; (size = syscall(SYS_getdents64, tasks, buffer, sizeof buffer)) > 0;) {
+        for (long at = 0; at < size; at += reinterpret_cast<const Entry*>(buffer + at)->length) {
+            const char* const name = reinterpret_cast<const Entry*>(buffer + at)->name;
+            if (*name != '.')
+                dumpStackOf(name);
+        }
     }
-    closedir(tasks);
+    syscall(SYS_close, tasks);
 }
 
 void onSignal(int signal) {
