@@ -6,6 +6,7 @@
 build_packages=(g++ cmake ninja-build ccache pkg-config libboost-dev libinih-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libgmock-dev)
 check_packages=(clang clang-format clang-tidy shellcheck python3 abigail-tools xz-utils)
+coverage_packages=(gcovr python3)
 package_packages=(debhelper dpkg-dev lintian)
 armhf_packages=(g++-arm-linux-gnueabihf qemu-user)
 # Of the architecture armhf, unpacked below build/ by scripts/armhf-libraries and never installed.
