@@ -1358,8 +1358,13 @@ bool AbstractFileOperator::generateCRC32(const char* path) {
     CRC32Util::instance()->init_crc_table();
     // With a right checksum a store that was cut short would pass for a whole one (invariant 7).
     unsigned int ended = 0;
+    int failure = 0;
     if (redoIsPending(name))
-        replayRedo(name, ended);
+        replayRedo(name, ended, &failure);
+    if (failure != 0) {
+        DM_WARNING("a store in file [%s] was cut short and could not be ended.\n", path);
+        return false;
+    }
     FileUtil file;
     if (!file.openFile(path, "r+")) {
         DM_WARNING("open file [%s] failed.\n", path);

@@ -30,7 +30,7 @@ constexpr int MOST_USES = 100000;
 constexpr int SAMPLE_STRIDE = 5;
 constexpr int MOST_SAMPLES = 25;
 constexpr int MOST_LARGE_SAMPLES = 1;
-constexpr int MOST_LARGE_FULL = 8;
+constexpr int MOST_LARGE_FULL = 3;
 
 /// What fails: from the use with a number on, once or for ever.
 class Failure {
