@@ -196,7 +196,7 @@ private:
             if (!thrown.empty())
                 return "an exception left the library: " + thrown;
             if (goOn) {
-                const std::string fault = storeNext(life);
+                std::string fault = storeNext(life);
                 if (!fault.empty())
                     return fault;
             }
@@ -243,7 +243,7 @@ private:
     std::string firstWrong(const std::string& contents, bool stored, const std::optional<std::string>& before,
                            const std::optional<std::string>& after) const {
         for (int record = 0; record < m_layout.recordCount(); ++record) {
-            const std::string section = sectionIn(m_layout, contents, record);
+            std::string section = sectionIn(m_layout, contents, record);
             const bool isOld = before && section == sectionIn(m_layout, *before, record);
             const bool isNew = after && section == sectionIn(m_layout, *after, record);
             if (!isOld && !isNew && !(stored && record == storedRecord()))

@@ -211,7 +211,7 @@ private:
     /// The first record that is neither old nor new.
     std::string firstWrong(const std::string& contents, const Promise& promise) const {
         for (int record = 0; record < m_layout.recordCount(); ++record) {
-            const std::string section = sectionIn(m_layout, contents, record);
+            std::string section = sectionIn(m_layout, contents, record);
             const bool isOld = promise.before && section == sectionIn(m_layout, *promise.before, record);
             if (!isOld && section != sectionIn(m_layout, *promise.after, record))
                 return section;
@@ -225,7 +225,8 @@ private:
         if (!life.set().storeRecord(record, LATER_STORE) || !life.set().settle())
             return "a later store failed";
         const std::string stored = sectionOf(m_layout, record, valuesOf(m_layout, LATER_STORE, record));
-        contents.replace(static_cast<std::size_t>(record * m_layout.sectionLength()), stored.size(), stored);
+        contents.replace(static_cast<std::size_t>(record) * static_cast<std::size_t>(m_layout.sectionLength()),
+                         stored.size(), stored);
         life.end();
         Life next(m_shape);
         if (!next.set().boot())
