@@ -20,8 +20,9 @@ CellEffort effortFor(const Shape& shape) {
     effort.first.seed = effort.second.seed = options().seed;
     if (options().isFull) {
         effort.first.exhaustive = 8;
-        effort.first.mostStates = shape.isLarge() ? 60 : 0;
-        effort.second.mostStates = shape.isLarge() ? 6 : 16;
+        // All states of a first cut; what is chosen among the others, another seed chooses otherwise.
+        effort.first.mostStates = shape.isLarge() ? 12 : 0;
+        effort.second.mostStates = 4;
         effort.secondEvery = shape.isLarge() ? 6 : 1;
     } else {
         effort.first.mostStates = shape.isLarge() ? 4 : 40;
@@ -50,7 +51,7 @@ TEST_P(PowerCutTest, LeavesEveryRecordOldOrNew) {
     // A sample may miss the worst.
     const Loss worst = lossOf(documented->second);
     EXPECT_LE(result.during, worst) << textOf(result.during) << " is worse than what docs/reliability.md says";
-    if (options().isFull) {
+    if (options().isFull && !GetParam().shape->isLarge()) {
         EXPECT_EQ(result.during, worst) << "docs/reliability.md does not say " << textOf(result.during);
     }
 }

@@ -50,6 +50,18 @@ std::vector<std::string> cellsOf(const std::string& line) {
     return cells;
 }
 
+/// The worst that is known of a cell: of a large shape only a sample is tried, so what the others show counts for it
+/// too.
+Loss worstOf(const Operation& operation, const Shape& shape) {
+    Loss worst = results().at({operation.name, shape.name}).during;
+    for (const Shape& other : shapes()) {
+        const auto found = results().find({operation.name, other.name});
+        if (shape.isLarge() && found != results().end())
+            worst = std::max(worst, found->second.during);
+    }
+    return worst;
+}
+
 std::string tableText() {
     std::size_t states = 0;
     std::size_t secondStates = 0;
@@ -68,8 +80,8 @@ std::string tableText() {
     for (const Operation& operation : operations()) {
         text << "\n| " << operation.name << " |";
         for (const Shape& shape : shapes()) {
-            const auto found = results().find({operation.name, shape.name});
-            text << ' ' << (found == results().end() ? NOT_OFFERED : textOf(found->second.during)) << " |";
+            const bool isOffered = results().count({operation.name, shape.name}) != 0;
+            text << ' ' << (isOffered ? textOf(worstOf(operation, shape)) : NOT_OFFERED) << " |";
         }
     }
     text << '\n';
