@@ -10,6 +10,7 @@ namespace td::paths {
 /// Bytes of every buffer that holds a path, terminator included. What does not fit is refused.
 constexpr int PATH_SIZE = 256;
 
+constexpr const char* DATA_DIRECTORY = "/var/local/dataModule/";
 constexpr const char* CURRENT_DIRECTORY = "/var/local/dataModule/current/";
 constexpr const char* BACKUP_DIRECTORY = "/var/local/dataModule/backup/";
 constexpr const char* LOCK_DIRECTORY = "/var/local/dataModule/lock/";

@@ -6,13 +6,14 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <filesystem>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <vector>
+
+#include <dirent.h>
 
 #ifdef __SANITIZE_THREAD__
 #define BOOST_ASIO_DISABLE_FENCED_BLOCK // g++'s thread sanitizer refuses fences; the pool's mutex orders the same
@@ -33,8 +34,6 @@
 #include <dataModule/platform/RootPrefix.h>
 
 #include "LiveManagers.h"
-
-namespace fs = std::filesystem;
 
 namespace td {
 
@@ -275,31 +274,46 @@ private:
     FileLock m_locks[CATEGORY_COUNT];
 };
 
-/// Puts a directory on the disk with all that is in it.
-bool syncTree(const std::string& directory) {
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(directory, error)) {
-        if (!FileUtil::syncPath(entry.path().c_str()))
-            return false;
+/// The names in a directory but "." and ".."; false when it cannot be listed. (The standard's iterators end the program
+/// when they run out of memory.)
+bool listNames(const char* directory, std::vector<std::string>& names) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(directory), &closedir);
+    if (!listing)
+        return false;
+    while (const dirent* const entry = readdir(listing.get())) {
+        if (!FileUtil::isSpecialDir(entry->d_name))
+            names.emplace_back(entry->d_name);
     }
-    return !error && FileUtil::syncPath(directory.c_str());
+    return true;
+}
+
+/// Copies files from one directory to another, which is made, so that each is there as a whole or not at all, whatever
+/// cuts this short, and on the disk when this returns true. Like FileUtil::copyDirFile it goes on after one that cannot
+/// be copied.
+bool copyWholeFiles(const std::string& from, const std::vector<std::string>& names, const std::string& to) {
+    if (!FileUtil::checkPath(to.c_str(), true))
+        return false;
+    for (const std::string& name : names)
+        FileUtil::replaceFile((from + name).c_str(), (to + name).c_str());
+    return FileUtil::syncPath(to.c_str());
 }
 
 /// Nothing is removed when there is nothing to put in its place.
 bool replaceByFactoryFiles(const char* factory) {
-    std::error_code error;
-    const fs::directory_iterator listing(factory, error);
-    if (error)
+    std::vector<std::string> names;
+    if (!listNames(factory, names))
         return false;
     const std::string current = paths::currentDirectory();
     const std::string backup = paths::backupDirectory();
+    const std::string parent = underRootPrefix(paths::DATA_DIRECTORY);
     const AllFilesLock lock;
-    // The backups go first: whatever cuts this short, no old backup takes the place of a newer current file.
+    // The backups go first, on the disk too: whatever cuts this short, no old backup takes the place of a newer current
+    // file.
     FileUtil::removeDirFile(backup.c_str());
+    static_cast<void>(FileUtil::syncPath(parent.c_str()));
     FileUtil::removeDirFile(current.c_str());
-    return FileUtil::copyDirFile(factory, current.c_str()) && FileUtil::copyDirFile(factory, backup.c_str()) &&
-           syncTree(current) && syncTree(backup) &&
-           FileUtil::syncPath(fs::path(current).parent_path().parent_path().c_str());
+    return copyWholeFiles(factory, names, current) && copyWholeFiles(factory, names, backup) &&
+           FileUtil::syncPath(parent.c_str());
 }
 
 bool loadReported(IFileOperator& op, const FileName& name) {
@@ -645,7 +659,8 @@ bool FileDataSeparateManager::init(_DS_Scope_t scope) {
         return false;
     }
     m_inited = true;
-    static_cast<void>(m_processesLock->lock(paths::processesLockFile(), FileLock::Kind::Shared));
+    static_cast<void>(
+        attempt([this] { return m_processesLock->lock(paths::processesLockFile(), FileLock::Kind::Shared); }));
     if (s_listening)
         startDetailLogListener(this);
 

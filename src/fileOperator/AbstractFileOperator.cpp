@@ -257,7 +257,9 @@ bool AbstractFileOperator::takeFiles() {
 void AbstractFileOperator::endPendingWrite() {
     const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
     m_redoStored = false;
-    if (!redoIsPending(current) || !replayRedo(current, m_crc))
+    m_redo.writes.clear(); // of a copy that was given up
+    m_pendingError = 0;
+    if (!redoIsPending(current) || !replayRedo(current, m_crc, &m_pendingError))
         return;
     m_file.dropReadAhead();
     m_backupOutdated = true;
@@ -300,6 +302,9 @@ bool AbstractFileOperator::openCurrent() {
     shareFiles();
     m_sectionSkipped = false;
     const std::string path = getWorkPath(NORMAL_LOAD) + m_fileName;
+    // With a new checksum what is half written would pass for whole (invariant 7).
+    if (m_pendingError != 0 && !fileVerifies(path.c_str(), nullptr))
+        return false;
     m_loadMode = NORMAL_LOAD;
     setPath(path);
     if (m_open.writable && m_open.lengthsRead && isOpenFileAt(path) && m_file.dropReadAhead())
@@ -331,12 +336,15 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
 
 bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
     const std::string path = m_path.load();
-    if (!FileUtil::checkFile(path.c_str())) {
+    if (!isThere(path.c_str())) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", path.c_str());
         return false;
     }
     if (mode != MANUFACTORY_LOAD) {
+        errno = 0;
         m_fileSize = FileUtil::getFileSize(path.c_str());
+        if (m_fileSize < 0 && errno != 0)
+            noteUnreadable(errno);
         // A size beyond an int reads as -1.
         if (m_fileSize > text::MAX_FILE_SIZE || m_fileSize < 0) {
             DM_WARNING("the file [%s] size is [%d] and exception, so will RECOVER it from manufactory.\n", path.c_str(),
@@ -356,17 +364,33 @@ void AbstractFileOperator::noteUnreadable(int error) {
     m_readError = error != 0 ? error : EIO;
 }
 
+bool AbstractFileOperator::isThere(const char* path) {
+    errno = 0;
+    if (FileUtil::checkFile(path))
+        return true;
+    if (errno != ENOENT && errno != ENOTDIR)
+        noteUnreadable(errno);
+    return false;
+}
+
+void AbstractFileOperator::noteIfUnreadable() {
+    if (m_file.isOpend() && std::ferror(m_file.stream()) != 0)
+        noteUnreadable(EIO);
+}
+
 bool AbstractFileOperator::loadSummary(const char* path) {
     shareFiles();
     closeFile();
     if (path == nullptr || std::strlen(path) >= static_cast<std::size_t>(paths::PATH_SIZE))
         return false;
     setPath(path);
-    if (!FileUtil::checkFile(path)) {
+    m_readError = 0;
+    if (!isThere(path)) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", path);
         return false;
     }
     if (!openFile(path, "r")) {
+        noteUnreadable(errno);
         DM_WARNING("open file [%s] failed.\n", path);
         return false;
     }
@@ -539,6 +563,22 @@ _LOAD_FILE_MODE AbstractFileOperator::stateChanged(_LOAD_FILE_MODE mode) const {
     return next;
 }
 
+/// A merge that does not come to its end, whatever ended it, is to be made again.
+struct AbstractFileOperator::MergeScope {
+    explicit MergeScope(AbstractFileOperator& loading) : op(loading) {}
+    ~MergeScope() {
+        if (goesOn || !op.m_otaLoading)
+            return;
+        op.m_versionCheck = true;
+        op.m_otaLoading = false;
+    }
+    MergeScope(const MergeScope&) = delete;
+    MergeScope& operator=(const MergeScope&) = delete;
+
+    AbstractFileOperator& op;
+    bool goesOn = false;
+};
+
 bool AbstractFileOperator::loadFile() {
     DM_INFO("======================= start to load file =====================\n");
     TimeUtil::instance()->start();
@@ -559,12 +599,11 @@ bool AbstractFileOperator::loadFile() {
     // A merge that could not be written is in the table alone; if it still cannot be, it is made again.
     if (m_mergeUnwritten && !mergedByOther())
         createFile();
-    if (!loadKeepingUnwritten([this]() TD_REQUIRES(m_criticalSection) { return loadFirstGoodCopy(); })) {
-        // A merge that did not come to its end is to be made again.
-        if (m_otaLoading)
-            m_versionCheck = true;
-        m_otaLoading = false;
-        return false;
+    {
+        MergeScope merge(*this);
+        if (!loadKeepingUnwritten([this]() TD_REQUIRES(m_criticalSection) { return loadFirstGoodCopy(); }))
+            return false;
+        merge.goesOn = m_otaLoading;
     }
     m_loaded = true;
     m_releasedLoaded = false;
@@ -595,7 +634,7 @@ void AbstractFileOperator::outdateSnapshots() {
 
 bool AbstractFileOperator::loadFirstGoodCopy() {
     _LOAD_FILE_MODE mode = NORMAL_LOAD;
-    bool triedAgain = false;
+    _LOAD_FILE_MODE triedAgain = INVALID_LOAD;
     for (;;) {
         bool fatal = false;
         Reading reading = Reading::TryNext;
@@ -608,19 +647,19 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
             break;
         if (fatal || reading == Reading::Failed)
             return false;
-        if (mode == NORMAL_LOAD && m_readError != 0) {
-            // It may be as good as ever, so nothing takes its place but when the medium itself gave it up.
-            if (!std::exchange(triedAgain, true))
-                continue;
-            if (m_readError != EIO) {
-                DM_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(),
-                         std::strerror(m_readError));
-                return false;
-            }
-        }
+        if (m_readError != 0 && std::exchange(triedAgain, mode) != mode)
+            continue;
+        if (staysUnread())
+            return false;
         if (mode == NORMAL_LOAD && currentWasMended()) {
             m_otaLoading = false;
             continue;
+        }
+        if (mode == NORMAL_LOAD && m_pendingError != 0) {
+            // With the write that is pending it would be whole.
+            noteUnreadable(m_pendingError);
+            if (staysUnread())
+                return false;
         }
         mode = stateChanged(mode);
         if (mode == INVALID_LOAD) {
@@ -639,17 +678,29 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
     return false;
 }
 
-/// Another process may have found the same damage, or the same old version, and be done with it.
+bool AbstractFileOperator::staysUnread() const {
+    if (m_readError == 0 || m_readError == EIO)
+        return false;
+    DM_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(), std::strerror(m_readError));
+    return true;
+}
+
+/// Another process may have found the same damage, or the same old version, and be done with it. A pending write that
+/// could not be ended a moment ago may end now.
 bool AbstractFileOperator::currentWasMended() {
-    return takeFiles() && fileVerifies((getWorkPath(NORMAL_LOAD) + m_fileName).c_str(), m_version);
+    const bool mayHaveChanged = takeFiles();
+    const bool triesAgain = m_pendingError != 0;
+    if (triesAgain)
+        endPendingWrite();
+    return (mayHaveChanged || (triesAgain && m_pendingError == 0)) &&
+           fileVerifies((getWorkPath(NORMAL_LOAD) + m_fileName).c_str(), m_version);
 }
 
 AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mode) {
     if (mode == MANUFACTORY_LOAD && m_otaLoading)
         return readForMerge();
     if (!loadContents()) {
-        if (m_file.isOpend() && std::ferror(m_file.stream()) != 0)
-            noteUnreadable(EIO);
+        noteIfUnreadable();
         DM_WARNING("load contents from file [%s] failed.\n", m_path.load());
         logWhere();
         return mode == MANUFACTORY_LOAD ? Reading::Failed : Reading::TryNext;
@@ -680,12 +731,16 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
     DM_INFO("load manufactory data file completely.\n");
 
     DM_INFO("2. load current data file in OTA mode ... \n");
-    if (loadCurrentFile()) {
+    if (loadCurrentFile() || (m_readError != 0 && loadCurrentFile())) {
         DM_INFO("load current data file in OTA mode completely \n");
     } else {
-        DM_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
-        if (!mergeBackup() && !readFactoryTable())
+        if (staysUnread())
             return Reading::Failed;
+        DM_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
+        if (!mergeBackup() && !(m_readError != 0 && mergeBackup())) {
+            if (staysUnread() || !readFactoryTable())
+                return Reading::Failed;
+        }
     }
     closeFile();
     m_loadMode = NORMAL_LOAD;
@@ -703,6 +758,7 @@ bool AbstractFileOperator::loadCurrentFile() {
     }
     // A copy that ends before its checksum has not been verified and has nothing to merge.
     if (m_crcLineLength == 0 || !loadContents_OTA()) {
+        noteIfUnreadable();
         DM_WARNING("load contents from file [%s] failed when load OTA data.\n", m_path.load());
         closeFile();
         return false;
@@ -715,10 +771,13 @@ bool AbstractFileOperator::loadCurrentFile() {
 /// The current copy could not be merged, perhaps not to its end: the table starts from the factory values again.
 bool AbstractFileOperator::mergeBackup() {
     const std::string backup = getWorkPath(BACKUP_LOAD) + m_fileName;
-    if (!FileUtil::checkFile(backup.c_str()) || !readFactoryTable() || !loadSummary(backup.c_str()))
+    m_readError = 0;
+    if (!isThere(backup.c_str()) || !readFactoryTable() || !loadSummary(backup.c_str()) || m_crcLineLength == 0)
         return false;
-    if (m_crcLineLength == 0 || !loadContents_OTA())
+    if (!loadContents_OTA()) {
+        noteIfUnreadable();
         return false;
+    }
     DM_INFO("load backup data file [%s] in OTA mode completely \n", backup.c_str());
     return true;
 }
@@ -741,7 +800,7 @@ void AbstractFileOperator::startMergeThread() {
     } else {
         m_criticalSection.keepFiles(false);
         DM_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
-        createFileProc(this);
+        writeMerged();
     }
     DM_INFO("#################### load OTA data flow end. ###################.\n");
 }
@@ -750,14 +809,18 @@ void* AbstractFileOperator::mergeProc(void* self) {
     auto* op = static_cast<AbstractFileOperator*>(self);
     SectionLock lock(op->m_criticalSection);
     op->m_criticalSection.keepFiles(false);
+    op->writeMerged();
+    return nullptr;
+}
+
+void AbstractFileOperator::writeMerged() {
     try {
-        return createFileProc(op);
+        createFileProc(this);
     } catch (...) {
-        DM_ERROR("create file (%s) failed when load OTA data.\n", op->m_path.load());
-        op->m_mergeUnwritten = true;
-        op->m_versionCheck = true;
-        op->m_otaLoading = false;
-        return nullptr;
+        DM_ERROR("create file (%s) failed when load OTA data.\n", m_path.load());
+        m_mergeUnwritten = true;
+        m_versionCheck = true;
+        m_otaLoading = false;
     }
 }
 
@@ -1295,8 +1358,13 @@ bool AbstractFileOperator::generateCRC32(const char* path) {
     CRC32Util::instance()->init_crc_table();
     // With a right checksum a store that was cut short would pass for a whole one (invariant 7).
     unsigned int ended = 0;
+    int failure = 0;
     if (redoIsPending(name))
-        replayRedo(name, ended);
+        replayRedo(name, ended, &failure);
+    if (failure != 0) {
+        DM_WARNING("a store in file [%s] was cut short and could not be ended.\n", path);
+        return false;
+    }
     FileUtil file;
     if (!file.openFile(path, "r+")) {
         DM_WARNING("open file [%s] failed.\n", path);

@@ -200,6 +200,7 @@ private:
     };
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
+    struct MergeScope;
 
     /// What remains to be done once the critical section was had by try. False when another process is at work, and
     /// while the files are released.
@@ -226,10 +227,19 @@ private:
     bool mergeBackup() TD_REQUIRES(m_criticalSection);
     bool readFactoryTable() TD_REQUIRES(m_criticalSection);
     void startMergeThread() TD_REQUIRES(m_criticalSection);
+    /// Whatever ends it.
+    void writeMerged() TD_REQUIRES(m_criticalSection);
     static void* mergeProc(void* self);
 
     /// Notes that the copy at hand could not be read, which does not make it a bad one.
     void noteUnreadable(int error) TD_REQUIRES(m_criticalSection);
+    /// The same after a read from the open file, if it was an error that ended it.
+    void noteIfUnreadable() TD_REQUIRES(m_criticalSection);
+    /// Whether there is a file; one that cannot be asked for is noted.
+    bool isThere(const char* path) TD_REQUIRES(m_criticalSection);
+    /// Whether the copy that could not be read is to stay as it is: it may be as good as ever, so nothing takes its
+    /// place but when the medium itself gave it up.
+    bool staysUnread() const TD_REQUIRES(m_criticalSection);
     bool openForSummary(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
     bool verifySummary(const _LOAD_FILE_MODE* mode, bool& fatal) TD_REQUIRES(m_criticalSection);
     bool checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode, bool& fatal)
@@ -272,6 +282,7 @@ private:
     OpenFile m_open TD_GUARDED_BY(m_criticalSection);
     bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made
     int m_readError TD_GUARDED_BY(m_criticalSection) = 0;     ///< errno when the last copy could not be read; else 0
+    int m_pendingError TD_GUARDED_BY(m_criticalSection) = 0;  ///< errno when a pending write could not be ended; else 0
     bool m_sectionSkipped TD_GUARDED_BY(m_criticalSection) = false;
     bool m_mergeUnwritten TD_GUARDED_BY(m_criticalSection) = false;
     bool m_backupOutdated TD_GUARDED_BY(m_criticalSection) = false; ///< the current copy has changed since

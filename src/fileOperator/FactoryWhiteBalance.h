@@ -238,6 +238,8 @@ bool FactoryWhiteBalance<Self, Record, EventType>::completeRecord(const std::vec
 
 template <class Self, class Record, class EventType>
 bool FactoryWhiteBalance<Self, Record, EventType>::writeNewFile(bool defaults) {
+    // What is read here must still be so when it is written.
+    this->takeFiles();
     if (!defaults && !readMissingRecords())
         return false;
     if (!Base::writeNewFile(defaults))

@@ -1,6 +1,7 @@
 #include <dataModule/fileOperator/RedoRecord.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -91,15 +92,25 @@ bool staysInPlace(const RedoRecord& record) {
                        [&](const RedoRecord::Write& write) { return write.offset >= record.contentPosition; });
 }
 
-bool readAll(const std::string& path, std::string& text) {
+/// What errno says of a call that failed; "there is none" is no failure to read it.
+int failureFrom(int error) {
+    return error == ENOENT || error == ENOTDIR ? 0 : error;
+}
+
+/// `failure` becomes 0 when there is no such file, or one that cannot be a record.
+bool readAll(const std::string& path, std::string& text, int& failure) {
     FileUtil file;
-    if (!FileUtil::isFile(path.c_str()) || !file.openFile(path.c_str(), "r"))
+    errno = 0;
+    if (!FileUtil::isFile(path.c_str()) || !file.openFile(path.c_str(), "r")) {
+        failure = failureFrom(errno);
         return false;
+    }
     char block[BLOCK_SIZE];
     std::size_t count = 0;
     while (text.size() <= LONGEST_RECORD && (count = std::fread(block, 1, sizeof block, file.stream())) > 0)
         text.append(block, count);
-    return std::ferror(file.stream()) == 0 && text.size() <= LONGEST_RECORD;
+    failure = std::ferror(file.stream()) != 0 ? EIO : 0;
+    return failure == 0 && text.size() <= LONGEST_RECORD;
 }
 
 /// Puts the writes that meet the block at `offset` over it.
@@ -111,6 +122,35 @@ void overlay(const RedoRecord& record, int offset, unsigned char* block, int len
             std::memcpy(block + (first - offset), write.bytes.data() + (first - write.offset),
                         static_cast<std::size_t>(last - first));
     }
+}
+
+/// `failure` becomes 0 when there is no such file, or none that reaches as far.
+bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc, int& failure) {
+    FileUtil file;
+    errno = 0;
+    if (!file.openFile(settingsFile.c_str(), "r") || !file.setPos(record.contentPosition)) {
+        failure = failureFrom(errno);
+        return false;
+    }
+    CRC32Util::instance()->init_crc_table();
+    unsigned char block[BLOCK_SIZE];
+    unsigned int computed = CRC32Util::INITIAL;
+    int offset = record.contentPosition;
+    int count = 0;
+    while (offset <= text::MAX_FILE_SIZE &&
+           (count = static_cast<int>(std::fread(block, 1, sizeof block, file.stream()))) > 0) {
+        overlay(record, offset, block, count);
+        computed = CRC32Util::instance()->crc32(computed, block, static_cast<unsigned int>(count));
+        offset += count;
+    }
+    const bool reaches = std::all_of(record.writes.begin(), record.writes.end(), [&](const RedoRecord::Write& write) {
+        return write.offset + static_cast<int>(write.bytes.size()) <= offset;
+    });
+    failure = std::ferror(file.stream()) != 0 ? EIO : 0;
+    if (failure != 0 || !reaches || offset > text::MAX_FILE_SIZE)
+        return false;
+    crc = computed;
+    return true;
 }
 
 bool writeBack(const std::string& settingsFile, const RedoRecord& record) {
@@ -163,7 +203,9 @@ std::string redoPath(const std::string& settingsFile) {
 }
 
 bool redoIsPending(const std::string& settingsFile) {
-    return FileUtil::getFileSize(redoPath(settingsFile).c_str()) > 0;
+    errno = 0;
+    const int size = FileUtil::getFileSize(redoPath(settingsFile).c_str());
+    return size > 0 || (size < 0 && failureFrom(errno) != 0);
 }
 
 bool storeRedo(const std::string& settingsFile, const RedoRecord& record) {
@@ -175,33 +217,16 @@ void clearRedo(const std::string& settingsFile) {
 }
 
 bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc) {
-    FileUtil file;
-    if (!file.openFile(settingsFile.c_str(), "r") || !file.setPos(record.contentPosition))
-        return false;
-    CRC32Util::instance()->init_crc_table();
-    unsigned char block[BLOCK_SIZE];
-    unsigned int computed = CRC32Util::INITIAL;
-    int offset = record.contentPosition;
-    int count = 0;
-    while (offset <= text::MAX_FILE_SIZE &&
-           (count = static_cast<int>(std::fread(block, 1, sizeof block, file.stream()))) > 0) {
-        overlay(record, offset, block, count);
-        computed = CRC32Util::instance()->crc32(computed, block, static_cast<unsigned int>(count));
-        offset += count;
-    }
-    const bool reaches = std::all_of(record.writes.begin(), record.writes.end(), [&](const RedoRecord::Write& write) {
-        return write.offset + static_cast<int>(write.bytes.size()) <= offset;
-    });
-    if (std::ferror(file.stream()) != 0 || !reaches || offset > text::MAX_FILE_SIZE)
-        return false;
-    crc = computed;
-    return true;
+    int ignored = 0;
+    return checksumAfter(settingsFile, record, crc, ignored);
 }
 
-bool replayRedo(const std::string& settingsFile, unsigned int& crc) {
+bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure) {
+    int ignored = 0;
+    int& error = failure != nullptr ? *failure : ignored;
     std::string text;
     RedoRecord record;
-    if (!readAll(redoPath(settingsFile), text) || !parseRedo(text, record))
+    if (!readAll(redoPath(settingsFile), text, error) || !parseRedo(text, record))
         return false;
     // It was done, or another file has taken the place of the one that it was made for.
     if (fileVerifies(settingsFile.c_str(), nullptr)) {
@@ -209,9 +234,11 @@ bool replayRedo(const std::string& settingsFile, unsigned int& crc) {
         return false;
     }
     unsigned int after = 0;
-    if (!checksumAfter(settingsFile, record, after) || after != record.crc)
+    if (!checksumAfter(settingsFile, record, after, error) || after != record.crc)
         return false;
+    errno = 0;
     if (!writeBack(settingsFile, record)) {
+        error = errno != 0 ? errno : EIO;
         DM_WARNING("a store in file [%s] was cut short and could not be ended.\n", settingsFile.c_str());
         return false;
     }

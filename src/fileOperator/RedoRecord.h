@@ -35,7 +35,7 @@ DATAMODULE_API bool parseRedo(const std::string& text, RedoRecord& record);
 
 /// The record's file for a settings file.
 DATAMODULE_API std::string redoPath(const std::string& settingsFile);
-/// Whether a write may be pending.
+/// Whether a write may be pending; also when that cannot be told for now.
 bool redoIsPending(const std::string& settingsFile);
 /// Puts the record on the disk.
 bool storeRedo(const std::string& settingsFile, const RedoRecord& record);
@@ -47,7 +47,8 @@ DATAMODULE_API bool checksumAfter(const std::string& settingsFile, const RedoRec
 
 /// Ends a pending write, if the file does not verify as it is and would with the record, which then is cleared. A file
 /// that verifies stays as it is. The caller has the files for itself. Whether the file was changed; `crc` is then the
-/// checksum of its contents, and untouched otherwise.
-DATAMODULE_API bool replayRedo(const std::string& settingsFile, unsigned int& crc);
+/// checksum of its contents, and untouched otherwise. `failure`, if given, becomes 0, or errno's value when there is a
+/// record that could not be read, or not be carried out, for now: then it is still there.
+DATAMODULE_API bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure = nullptr);
 
 } // namespace td

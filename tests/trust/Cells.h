@@ -1,4 +1,4 @@
-/// The pairs of an operation and a shape that tests go through, and what a cut may cost in them.
+/// The pairs of an operation and a shape that tests go through.
 #pragma once
 
 #include <ostream>
@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "Operations.h"
-#include "PowerCutMatrix.h"
 
 namespace td::test {
 
@@ -19,16 +18,9 @@ struct Cell {
 std::ostream& operator<<(std::ostream& stream, const Cell& cell);
 
 std::vector<Cell> allCells();
-/// Those that take failures: every operation on the smallest shape that has it.
+/// Those that take failures: every operation on one shape, a small one if it has any; with --full all.
 std::vector<Cell> failureCells();
 /// For the names of tests.
 std::string nameOfCell(const testing::TestParamInfo<Cell>& info);
-
-/// What the library has yet to learn before a test can pass, by the test's name and the operation; null for all that it
-/// knows. Such a test is skipped, unless --awaited asks for it.
-const char* awaitedFor(const std::string& test, const Operation& operation);
-
-/// The worst that a cut while the operation runs may cost.
-Loss allowedDuring(const Operation& operation);
 
 } // namespace td::test

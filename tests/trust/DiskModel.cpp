@@ -66,6 +66,11 @@ Tree readTree(const std::string& root) {
     return tree;
 }
 
+ContentPointer readFileIn(const std::string& root, const std::string& path) {
+    const fs::path file = fs::path(root) / path;
+    return fs::is_regular_file(file) ? std::make_shared<const Content>(readFile(file)) : nullptr;
+}
+
 void writeTree(const std::string& root, const Tree& tree) {
     for (const auto& entry : fs::directory_iterator(root))
         fs::remove_all(entry.path());

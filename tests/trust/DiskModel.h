@@ -31,6 +31,8 @@ using ContentPointer = std::shared_ptr<const Content>;
 using Tree = std::map<std::string, ContentPointer>;
 
 Tree readTree(const std::string& root);
+/// One file of it, or null when there is none.
+ContentPointer readFileIn(const std::string& root, const std::string& path);
 /// Makes the tree below `root`, a directory, exactly this one.
 void writeTree(const std::string& root, const Tree& tree);
 /// The same number for equal trees, and hardly ever for others.

@@ -321,7 +321,8 @@ TEST_F(KillTest, FindsWhatWasStoredAndNothingElse) {
             break;
     }
     check(killOne(true));
-    std::printf("%d kills; %d processes came to store, %d found a store that was cut short\n", kills, m_boots, m_ended);
+    std::printf("%d kills with --seed=%llu; %d processes came to store, %d found a store that was cut short\n", kills,
+                static_cast<unsigned long long>(options().seed), m_boots, m_ended);
     EXPECT_GT(m_boots, 0);
     const Tree tree = m_root.read();
     for (const Shape& shape : smallShapes()) {

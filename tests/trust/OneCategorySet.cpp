@@ -26,7 +26,8 @@ constexpr const char* CURRENT = "var/local/dataModule/current/";
 constexpr const char* BACKUP = "var/local/dataModule/backup/";
 constexpr const char* FACTORY = "ovdata/model/dataModule/manufactory/";
 
-/// The checksum of contents, independent of the library's.
+} // namespace
+
 std::uint32_t checksumOf(const std::string& contents) {
     static const std::array<std::uint32_t, 256> table = [] {
         std::array<std::uint32_t, 256> all{};
@@ -42,8 +43,6 @@ std::uint32_t checksumOf(const std::string& contents) {
         crc = (crc >> 8) ^ table[(crc ^ static_cast<unsigned char>(c)) & 0xFFU];
     return crc;
 }
-
-} // namespace
 
 // --- shapes ---
 

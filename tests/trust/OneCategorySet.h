@@ -2,6 +2,7 @@
 /// of the process.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,6 +42,7 @@ public:
 
     const std::string& path() const { return m_path; }
     Tree read() const { return readTree(m_path); }
+    ContentPointer readFile(const std::string& path) const { return readFileIn(m_path, path); }
     void write(const Tree& tree) const { writeTree(m_path, tree); }
 
 private:
@@ -54,6 +56,8 @@ constexpr const char* LOCK_DIRECTORY = "var/local/dataModule/lock";
 Tree emptyDirectories();
 /// The contents of a complete file in which every record tells by its values from which series it is. One thread only.
 const std::string& contentsOf(const CategoryLayout& layout, int series);
+/// The checksum of contents, independent of the library's.
+std::uint32_t checksumOf(const std::string& contents);
 /// A file with these contents.
 std::string fileOf(const CategoryLayout& layout, const std::string& contents);
 /// The same of another version.

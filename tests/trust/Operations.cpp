@@ -2,6 +2,9 @@
 
 #include <array>
 
+#include <dataModule/fileOperator/RedoRecord.h>
+#include <dataModule/fileOperator/TextLayout.h>
+
 #include "FileCalls.h"
 
 namespace td::test {
@@ -36,6 +39,32 @@ Tree threeCopies(const Shape& shape) {
     return tree;
 }
 
+/// The current copy's contents after one store.
+std::string storedContents(const CategoryLayout& layout) {
+    std::string contents = contentsOf(layout, CURRENT_SERIES);
+    const std::string section = sectionOf(layout, 0, valuesOf(layout, FIRST_STORE, 0));
+    return contents.replace(0, section.size(), section);
+}
+
+/// As that store leaves it half way, with the record of what is to become of it.
+Tree cutStore(const Shape& shape) {
+    const CategoryLayout& layout = shape.layout();
+    const std::string contents = storedContents(layout);
+    const std::string section = sectionIn(layout, contents, 0);
+    std::string text = fileOf(layout, contentsOf(layout, CURRENT_SERIES));
+    const std::size_t position = text.size() - contents.size();
+    text.replace(position, section.size() / 2, section, 0, section.size() / 2);
+    RedoRecord record;
+    record.contentPosition = static_cast<int>(position);
+    record.crcPosition = record.contentPosition - text::CRC_LINE_LENGTH;
+    record.crc = checksumOf(contents);
+    record.writes = {{record.contentPosition, section}};
+    Tree tree = threeCopies(shape);
+    tree[shape.current()] = file(text);
+    tree[redoPath(shape.current())] = file(redoText(record));
+    return tree;
+}
+
 Tree with(Tree tree, const std::string& path, const ContentPointer& content) {
     tree[path] = content;
     return tree;
@@ -54,15 +83,17 @@ bool always(const CategoryLayout&) {
     return true;
 }
 
-Step boot(bool isPreparation = true) {
-    return {"start", [](Life& life) { return life.set().boot() && life.set().settle(); }, isPreparation};
+Step boot(Step::Role role) {
+    return {"start", [](Life& life) { return life.set().boot() && life.set().settle(); }, role};
 }
 
-Step store(int record, int series) {
-    return {"store", [=](Life& life) {
+Step store(int record, int series, Step::Role role) {
+    return {"store",
+            [=](Life& life) {
                 const int last = life.shape.layout().recordCount() - 1;
                 return life.set().storeRecord(record < 0 ? last : record, series) && life.set().settle();
-            }};
+            },
+            role};
 }
 
 std::vector<int> firstRecord(const Shape& shape) {
@@ -108,37 +139,41 @@ std::vector<Operation> makeOperations() {
     using Set = FileDataSeparateManager;
     const auto current = series(CURRENT_SERIES);
     // A section may be stored again and again, so what one store leaves behind must not disturb the next.
-    const std::vector<Step> stores{boot(), store(0, FIRST_STORE), store(-1, SECOND_STORE), store(0, THIRD_STORE)};
+    const Step booted = boot(Step::Role::Preparation);
+    const Step start = boot(Step::Role::Own);
+    const Step later = store(0, FIRST_STORE, Step::Role::Later);
     return {
-        {"start", always, threeCopies, current, {boot(false)}},
-        {"store", always, threeCopies, current, stores},
+        {"start", always, threeCopies, current, {start}},
+        {"store",
+         always,
+         threeCopies,
+         current,
+         {booted, store(0, FIRST_STORE, Step::Role::Own), store(-1, SECOND_STORE, Step::Role::Own),
+          store(0, THIRD_STORE, Step::Role::Own)}},
+        {"end a store that was cut short", always, cutStore, storedContents, {start, later}},
         {"copy to all sources",
          [](const CategoryLayout& layout) { return layout.applyToAllSources.axes != 0; },
          threeCopies,
          current,
-         {boot(), request("copy", &Set::applySettingForAllSources), store(0, FIRST_STORE)}},
+         {booted, request("copy", &Set::applySettingForAllSources), later}},
         {"group store",
          [](const CategoryLayout& layout) { return layout.category == PICTURE_FACTORY_WB; },
          threeCopies,
          current,
-         {boot(), {"group store", storeGroup}}},
-        {"restore",
-         always,
-         threeCopies,
-         current,
-         {boot(), request("restore", &Set::restoreSetting), store(0, FIRST_STORE)}},
+         {booted, {"group store", storeGroup}}},
+        {"restore", always, threeCopies, current, {booted, request("restore", &Set::restoreSetting), later}},
         {"backup",
          always,
          threeCopies,
          current,
-         {boot(), {"backup", [](Life& life) { return life.set().backupData(); }}, store(0, FIRST_STORE)}},
+         {booted, {"backup", [](Life& life) { return life.set().backupData(); }}, later}},
         {"recover from backup",
          always,
          [](const Shape& shape) {
              return with(threeCopies(shape), shape.current(), damagedFile(shape, CURRENT_SERIES));
          },
          series(BACKUP_SERIES),
-         {boot(false), store(0, FIRST_STORE)}},
+         {start, later}},
         {"recover from factory",
          always,
          [](const Shape& shape) {
@@ -146,7 +181,7 @@ std::vector<Operation> makeOperations() {
                             shape.backup());
          },
          series(FACTORY_SERIES),
-         {boot(false), store(0, FIRST_STORE)}},
+         {start, later}},
         {"version merge",
          always,
          [](const Shape& shape) {
@@ -154,12 +189,12 @@ std::vector<Operation> makeOperations() {
                          olderFile(shape, BACKUP_SERIES));
          },
          current,
-         {boot(false), store(0, FIRST_STORE)}},
+         {start, later}},
         {"create",
          always,
          [](const Shape&) { return emptyDirectories(); },
          [](const CategoryLayout&) { return std::nullopt; },
-         {{"start", [](Life& life) { return life.set().start(); }, true},
+         {{"start", [](Life& life) { return life.set().start(); }, Step::Role::Preparation},
           {"create", [](Life& life) { return life.set().initData(life.shape.category) && life.set().settle(); }}}},
         {"first boot",
          always,
@@ -170,24 +205,22 @@ std::vector<Operation> makeOperations() {
              return tree;
          },
          series(FACTORY_SERIES),
-         {{"first boot", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }},
-          store(0, FIRST_STORE)}},
+         {{"first boot", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }}, later}},
         {"factory reset",
          always,
          threeCopies,
          current,
-         {{"reset", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }},
-          store(0, FIRST_STORE)}},
+         {{"reset", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }}, later}},
         {"reset from factory",
          always,
          threeCopies,
          current,
-         {boot(),
+         {booted,
           {"refresh",
            [](Life& life) {
                return life.set().refreshDataFromManufactory(life.shape.category) && life.set().settle();
            }},
-          store(0, FIRST_STORE)}},
+          later}},
     };
 }
 

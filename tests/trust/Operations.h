@@ -36,11 +36,16 @@ private:
 };
 
 struct Step {
+    enum class Role {
+        Preparation, ///< leads up to the operation: nothing fails within it
+        Own,         ///< of the operation
+        Later,       ///< comes after it
+    };
+
     const char* name;
     /// Returns when all is done, queued stores included. Whether it succeeded.
     std::function<bool(Life&)> act;
-    /// What leads up to the operation: no cut is tried within it.
-    bool isPreparation = false;
+    Role role = Role::Own;
 };
 
 struct Operation {

@@ -23,7 +23,7 @@ struct Recording {
     struct Mark {
         std::size_t events; ///< done at the end of the step
         std::optional<std::string> contents;
-        bool isPreparation;
+        Step::Role role; ///< of the step
     };
     Tree start;
     std::vector<DiskEvent> events;
@@ -44,7 +44,7 @@ public:
             return m_result;
         }
         for (std::size_t step = 1; step < recording.marks.size(); ++step) {
-            if (!recording.marks[step].isPreparation)
+            if (recording.marks[step].role != Step::Role::Preparation)
                 cutStep(recording, step);
         }
         return m_result;
@@ -56,7 +56,7 @@ private:
         recording.start = m_operation.disk(m_shape);
         m_root.write(recording.start);
         DiskRecorder recorder(recording.start, LOCK_DIRECTORY);
-        recording.marks.push_back({0, m_operation.before(m_layout), true});
+        recording.marks.push_back({0, m_operation.before(m_layout), Step::Role::Preparation});
         noteBackup(recording, recording.start);
         {
             const WatchedFiles watched(m_root.path(), recorder);
@@ -68,14 +68,13 @@ private:
                 }
                 const Unwatched unwatched;
                 const Tree tree = m_root.read();
-                recording.marks.push_back(
-                    {recorder.events().size(), contentsIn(tree, m_shape.current()), step.isPreparation});
+                recording.marks.push_back({recorder.events().size(), contentsIn(tree, m_shape.current()), step.role});
                 noteBackup(recording, tree);
             }
             life.end();
         }
         recording.events = recorder.events();
-        recording.marks.push_back({recording.events.size(), recording.marks.back().contents, false});
+        recording.marks.push_back({recording.events.size(), recording.marks.back().contents, Step::Role::Own});
         recording.fault = modelError(recording);
         return recording;
     }
@@ -92,6 +91,10 @@ private:
     std::optional<std::string> contentsIn(const Tree& tree, const std::string& path) const {
         const auto found = tree.find(path);
         return found == tree.end() ? std::nullopt : verifiedContents(m_layout, found->second);
+    }
+
+    std::optional<std::string> contentsAt(const std::string& path) const {
+        return verifiedContents(m_layout, m_root.readFile(path));
     }
 
     void noteBackup(Recording& recording, const Tree& tree) const {
@@ -114,7 +117,8 @@ private:
         };
         if (after.events == before.events)
             return;
-        cut(before.events, after.events - 1, {before.contents, after.contents, recording.backups}, m_result.during);
+        cut(before.events, after.events - 1, {before.contents, after.contents, recording.backups},
+            after.role == Step::Role::Own ? m_result.during : m_result.later);
         // Even what is still pending when the step has returned must not take it back.
         cut(after.events, after.events, {before.contents, after.contents, recording.backups}, m_result.after);
     }
@@ -147,10 +151,11 @@ private:
         Life life(m_shape);
         if (!boot(life, tree, events))
             return promise.before ? "the category does not load" : "";
-        const Tree loaded = m_root.read();
-        const std::optional<std::string> contents = contentsIn(loaded, m_shape.current());
+        const std::optional<std::string> contents = contentsAt(m_shape.current());
         if (!contents)
             return "after the load the current copy is not good";
+        if (contentsIn(tree, m_shape.factory()) != contentsAt(m_shape.factory()))
+            return "the load changed the factory copy";
         const std::optional<Loss> loss = lossOf(*contents, promise);
         if (!loss)
             return "a record is neither old nor new: " + firstWrong(*contents, promise);
@@ -206,7 +211,7 @@ private:
     /// The first record that is neither old nor new.
     std::string firstWrong(const std::string& contents, const Promise& promise) const {
         for (int record = 0; record < m_layout.recordCount(); ++record) {
-            const std::string section = sectionIn(m_layout, contents, record);
+            std::string section = sectionIn(m_layout, contents, record);
             const bool isOld = promise.before && section == sectionIn(m_layout, *promise.before, record);
             if (!isOld && section != sectionIn(m_layout, *promise.after, record))
                 return section;
@@ -220,13 +225,14 @@ private:
         if (!life.set().storeRecord(record, LATER_STORE) || !life.set().settle())
             return "a later store failed";
         const std::string stored = sectionOf(m_layout, record, valuesOf(m_layout, LATER_STORE, record));
-        contents.replace(static_cast<std::size_t>(record * m_layout.sectionLength()), stored.size(), stored);
+        contents.replace(static_cast<std::size_t>(record) * static_cast<std::size_t>(m_layout.sectionLength()),
+                         stored.size(), stored);
         life.end();
         Life next(m_shape);
         if (!next.set().boot())
             return "the category does not load after a later store";
         next.end();
-        return contentsIn(m_root.read(), m_shape.current()) == contents ? "" : "a later store is not kept";
+        return contentsAt(m_shape.current()) == contents ? "" : "a later store is not kept";
     }
 
     const Operation& m_operation;
@@ -250,6 +256,14 @@ const char* textOf(Loss loss) {
         break;
     }
     return "back to the last backup";
+}
+
+Loss lossOf(const std::string& text) {
+    for (const Loss loss : {Loss::LastStore, Loss::LastBackup}) {
+        if (text == textOf(loss))
+            return loss;
+    }
+    return Loss::Nothing;
 }
 
 CellResult runCell(const Operation& operation, const Shape& shape, const CellEffort& effort) {

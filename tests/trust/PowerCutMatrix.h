@@ -19,10 +19,13 @@ enum class Loss {
 
 /// The words for it.
 const char* textOf(Loss loss);
+/// What these words stand for; Nothing if they are none of these.
+Loss lossOf(const std::string& text);
 
 struct CellResult {
     Loss during = Loss::Nothing;  ///< cut while the operation runs
-    Loss after = Loss::Nothing;   ///< cut after it has returned
+    Loss later = Loss::Nothing;   ///< cut while what follows on it runs
+    Loss after = Loss::Nothing;   ///< cut after it, or what follows, has returned
     std::size_t states = 0;       ///< loaded after one cut
     std::size_t secondStates = 0; ///< loaded after another cut while that load was recovering
     /// What is beyond any loss: a category that does not load, a record that is neither old nor new, a later store that

@@ -7,6 +7,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include <dataModule/fileOperator/TextLayout.h>
+
 namespace td::test {
 namespace {
 
@@ -17,12 +19,25 @@ constexpr std::size_t SECTOR = 512;
 /// Writes up to this length are torn behind every byte.
 constexpr std::size_t SMALL_WRITE = 64;
 constexpr std::size_t MOST_TEARS = 16;
+constexpr int SUMMARY_LINES = 4;
 
 const Fate LOST{Fate::Kind::Lost};
 const Fate DONE{Fate::Kind::Done};
 
 std::size_t below(Random& random, std::size_t limit) {
     return static_cast<std::size_t>(random() % limit);
+}
+
+/// The ends of the lines of a settings file's summary: up to there a file may be taken for a whole one.
+void addSummaryLines(const std::string& bytes, std::vector<std::size_t>& tears) {
+    const std::size_t summary = bytes.find(text::SUMMARY_HEADER);
+    if (summary == std::string::npos)
+        return;
+    std::size_t end = bytes.find('\n', summary);
+    for (int line = 0; line < SUMMARY_LINES && end != std::string::npos && end + 1 < bytes.size(); ++line) {
+        tears.push_back(end + 1);
+        end = bytes.find('\n', end + 1);
+    }
 }
 
 /// Where a write may be torn.
@@ -39,6 +54,7 @@ std::vector<std::size_t> tearsOf(const DiskEvent& write, Random& random) {
     std::shuffle(tears.begin(), tears.end(), random);
     tears.resize(std::min(tears.size(), MOST_TEARS / 2));
     tears.insert(tears.end(), {1, size / 2, size - 1});
+    addSummaryLines(write.bytes, tears);
     while (tears.size() < MOST_TEARS)
         tears.push_back(1 + below(random, size - 1));
     return tears;

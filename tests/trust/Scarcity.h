@@ -15,6 +15,8 @@ public:
     bool end();
     /// Notes one use. Whether it fails.
     bool strikes();
+    /// Since begin().
+    int uses() const { return m_uses; }
 
 private:
     std::atomic<bool> m_active{false};

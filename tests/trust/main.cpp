@@ -8,6 +8,7 @@
 #include <dataModule/platform/DebugOutput.h>
 
 #include "Options.h"
+#include "ReliabilityPage.h"
 
 namespace td::test {
 
@@ -24,8 +25,6 @@ bool takeOption(const std::string& argument) {
     const char* const value = equals == std::string::npos ? "" : argument.c_str() + equals + 1;
     if (name == "--full")
         options().isFull = true;
-    else if (name == "--awaited")
-        options().runsAwaited = true;
     else if (name == "--log")
         options().showsLog = true;
     else if (name == "--seed")
@@ -34,6 +33,8 @@ bool takeOption(const std::string& argument) {
         options().onlyNumber = std::atoi(value);
     else if (name == "--kills")
         options().kills = std::atoi(value);
+    else if (name == "--write-table")
+        options().tablePage = value;
     else
         return false;
     return true;
@@ -44,12 +45,18 @@ bool takeOption(const std::string& argument) {
 } // namespace td::test
 
 int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
+    // First, as they decide which tests there are.
+    int left = 1;
     for (int i = 1; i < argc; ++i) {
-        if (!td::test::takeOption(argv[i])) {
-            std::fprintf(stderr, "unknown option %s\n", argv[i]);
-            return EXIT_FAILURE;
-        }
+        if (!td::test::takeOption(argv[i]))
+            argv[left++] = argv[i];
+    }
+    argc = left;
+    argv[argc] = nullptr;
+    testing::InitGoogleTest(&argc, argv);
+    if (argc > 1) {
+        std::fprintf(stderr, "unknown option %s\n", argv[1]);
+        return EXIT_FAILURE;
     }
     // The listeners' names are the same for every process of the machine, and no matter here.
     td::FileDataSeparateManager::setListening(false);
@@ -58,5 +65,12 @@ int main(int argc, char** argv) {
         td::DebugOutput::setLevel(td::DebugOutput::Level::Info);
     else
         td::DebugOutput::setSink([](td::DebugOutput::Level, const char*) {});
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    const std::string& page = td::test::options().tablePage;
+    if (page.empty() || result != EXIT_SUCCESS)
+        return result;
+    if (td::test::writeLossTable(page))
+        return EXIT_SUCCESS;
+    std::fprintf(stderr, "no table was written: %s has none, or not all cells ran\n", page.c_str());
+    return EXIT_FAILURE;
 }
