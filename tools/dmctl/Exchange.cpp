@@ -12,7 +12,6 @@
 
 #include <dataModule/fileOperator/TextLayout.h>
 
-#include "FileTable.h"
 #include "Names.h"
 #include "Output.h"
 

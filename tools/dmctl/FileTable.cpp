@@ -92,16 +92,6 @@ bool storeWasCut(const std::string& path) {
            checksumAfter(path, record, after) && after == record.crc;
 }
 
-std::vector<int> indicesOf(const CategoryLayout& layout, int record) {
-    std::vector<int> indices(layout.dimensions.size());
-    layout.indicesOf(record, indices.data());
-    return indices;
-}
-
-std::string recordLabel(const CategoryLayout& layout, int record) {
-    return layout.dimensions.empty() ? categoryName(layout) : recordText(layout, indicesOf(layout, record));
-}
-
 Copy copyNamed(const std::string& word) {
     std::vector<std::string> names;
     for (const Copy copy : COPIES) {
