@@ -51,6 +51,11 @@ void AbstractFileOperator::setParent(IDataSeparateManagerInner* parent) {
 }
 
 void AbstractFileOperator::setFileName(const char* name) {
+    // The name is put behind the directories and must not lead out of them.
+    if (name != nullptr && std::strchr(name, '/') != nullptr) {
+        DM_WARNING("file name [%s] is refused, for it is a path.\n", name);
+        return;
+    }
     copyBounded(name, m_fileName, sizeof m_fileName);
 }
 
@@ -928,7 +933,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         return false;
     }
     const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
-    FileUtil::removeSingleFile(temporary.c_str());
+    FileUtil::makeWay(temporary.c_str());
     if (!openFile(temporary, "w+x")) {
         DM_WARNING("create file [%s] failed.\n", path.c_str());
         return false;

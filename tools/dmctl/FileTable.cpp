@@ -111,7 +111,8 @@ std::string timeText(std::time_t time) {
 bool putFile(const std::string& path, const std::string& bytes) {
     const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
     FileUtil file;
-    const bool written = !bytes.empty() && file.createFile(temporary.c_str()) && file.takeModeAndOwner(path.c_str()) &&
+    const bool written = !bytes.empty() && FileUtil::makeWay(temporary.c_str()) &&
+                         file.openFile(temporary.c_str(), "w+x") && file.takeModeAndOwner(path.c_str()) &&
                          file.writeFile(bytes.c_str(), true);
     file.closeFile();
     if (written)
