@@ -8,6 +8,8 @@ test_packages=(libgtest-dev libgmock-dev)
 check_packages=(clang clang-format clang-tidy shellcheck python3 abigail-tools xz-utils)
 coverage_packages=(gcovr python3)
 package_packages=(debhelper dpkg-dev lintian)
+# The fuzzers' own library is but recommended by the compiler; llvm puts names into the traces of what they find.
+fuzz_packages=(clang libclang-rt-14-dev llvm)
 armhf_packages=(g++-arm-linux-gnueabihf qemu-user)
 # Of the architecture armhf, unpacked below build/ by scripts/armhf-libraries and never installed.
 armhf_libraries=(libboost1.74-dev libinih1 libinih-dev libcli11-dev libfmt9 libfmt-dev nlohmann-json3-dev

@@ -63,7 +63,7 @@ public:
     virtual bool updateSummary() = 0;
     /// Recomputes the checksum and rewrites its line in place. The caller holds the critical section.
     virtual bool updateCrcCode() = 0;
-    /// Sets the file name, at most 255 characters.
+    /// Sets the file name, at most 255 characters. A path, with a '/' in it, changes nothing.
     virtual void setFileName(const char* name) = 0;
     /// Full path of the copy being read or written. Owned by the operator.
     virtual const char* getFileFullPath() = 0;

@@ -34,25 +34,27 @@ int takeValue(void* user, const char* section, const char* key, const char* valu
     return 1;
 }
 
-void skipRestOfLine(FILE* file) {
-    int character = 0;
-    while (character != '\n' && character != EOF)
-        character = std::fgetc(file);
-}
-
 /// Reads one line for the parser. Indentation is taken off, since the parser would take an indented key for a
-/// continuation of the value above it. A line that does not fit is passed over whole: cut in two, its parts would be
-/// taken for lines of their own.
+/// continuation of the value above it. A line that does not fit, or has a zero byte, is passed over whole: cut in two,
+/// its parts would be taken for lines of their own.
 char* readConfigLine(char* buffer, int size, void* stream) {
     auto* const file = static_cast<FILE*>(stream);
-    if (std::fgets(buffer, size, file) == nullptr)
+    const int room = size - 2; // for what stands before a newline and the terminator
+    int length = 0;
+    bool isTaken = true;
+    int character = std::fgetc(file);
+    if (character == EOF)
         return nullptr;
-    if (std::strchr(buffer, '\n') == nullptr && std::feof(file) == 0) {
-        skipRestOfLine(file);
-        buffer[0] = '\0';
+    for (; character != EOF && character != '\n'; character = std::fgetc(file)) {
+        const bool isIndentation = length == 0 && (character == ' ' || character == '\t');
+        isTaken = isTaken && character != '\0' && (isIndentation || length < room);
+        if (isTaken && !isIndentation)
+            buffer[length++] = static_cast<char>(character);
     }
-    const std::size_t indentation = std::strspn(buffer, " \t");
-    std::memmove(buffer, buffer + indentation, std::strlen(buffer + indentation) + 1);
+    if (!isTaken)
+        length = 0;
+    buffer[length++] = '\n';
+    buffer[length] = '\0';
     return buffer;
 }
 

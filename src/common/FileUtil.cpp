@@ -92,6 +92,12 @@ bool isAt(const char* path, const struct stat& file) {
     return lstat(path, &found) == 0 && isSameFile(found, file);
 }
 
+/// Whether an open file is one that is written without harm to others: a regular one without further names.
+bool isNobodyElses(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
+}
+
 bool writeBlock(int target, const char* block, std::size_t size) {
     while (size > 0) {
         const ssize_t written = write(target, block, size);
@@ -175,7 +181,12 @@ public:
 
     /// Copies `from` into it, complete and on disk, with the mode and owner of what is at `replaced`.
     bool fill(const char* from, const char* replaced) const {
-        if (FileUtil::copySingleFile(from, m_path) != 0 || !isComplete(from))
+        const Descriptor source(open(from, O_RDONLY | O_CLOEXEC));
+        if (!source.isOpen())
+            return false;
+        // Not by name, where another file or a link may stand meanwhile.
+        copyBytes(source.get(), m_descriptor.get());
+        if (!isComplete(from))
             return false;
         return giveModeAndOwnerOf(replaced, m_descriptor.get()) && fsync(m_descriptor.get()) == 0;
     }
@@ -203,7 +214,7 @@ private:
         struct stat status {};
         if (!lock(descriptor) || fstat(descriptor, &status) != 0 || !isAt(path, status))
             return false;
-        if (S_ISREG(status.st_mode) && status.st_nlink == 1)
+        if (isNobodyElses(descriptor))
             return ftruncate(descriptor, 0) == 0;
         unlink(path);
         return false;
@@ -541,16 +552,21 @@ bool FileUtil::commitTemporary(const char* temporary, const char* to) {
     return syncDirectory(directory);
 }
 
+bool FileUtil::makeWay(const char* path) {
+    return path != nullptr && (unlink(path) == 0 || errno == ENOENT);
+}
+
 bool FileUtil::writeDurably(const char* path, const std::string& bytes) {
     if (path == nullptr)
         return false;
-    constexpr int FLAGS = O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
+    constexpr int FLAGS = O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     int opened = open(path, FLAGS);
     const bool isNew = opened < 0 && errno == ENOENT;
     if (isNew)
         opened = open(path, FLAGS | O_CREAT | O_EXCL, FILE_MODE);
     const Descriptor file(opened);
-    if (!file.isOpen() || !writeBlock(file.get(), bytes.data(), bytes.size()) || fsync(file.get()) != 0)
+    if (!file.isOpen() || !isNobodyElses(file.get()) || !writeBlock(file.get(), bytes.data(), bytes.size()) ||
+        fsync(file.get()) != 0)
         return false;
     if (!isNew)
         return true;

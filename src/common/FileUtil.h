@@ -103,8 +103,12 @@ public:
     static bool replaceFile(const char* from, const char* to);
     /// The last two steps of replaceFile for a temporary file that is complete and synced; the same on failure.
     static bool commitTemporary(const char* temporary, const char* to);
+    /// Removes whatever is at `path` but a directory, so that a new file can be made there; of a symbolic link the
+    /// link. False when something stays.
+    static bool makeWay(const char* path);
     /// Makes `path` start with `bytes`, on the disk when this returns true; what the file held behind them stays. A
-    /// file that is missing is made (mode 0666), its name synced too. No symbolic link is followed.
+    /// file that is missing is made (mode 0666), its name synced too. Nothing is written, and false returned, where a
+    /// symbolic link, a file with further names or no regular file stands.
     static bool writeDurably(const char* path, const std::string& bytes);
     /// Puts a file, or the names in a directory, on the disk.
     static bool syncPath(const char* path);

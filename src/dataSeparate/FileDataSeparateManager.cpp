@@ -41,6 +41,7 @@ namespace {
 
 FileDataSeparateManager* s_instance = nullptr;
 std::atomic<bool> s_listening{true};
+std::atomic<bool> s_detailLogListened{false};
 
 constexpr const char* LISTENER_NAME = "DataModuleDetailLog";
 constexpr const char* WORKER_NAME = "FileManagerSyncFileThread";
@@ -232,6 +233,14 @@ struct FileName {
     }
     char text[paths::PATH_SIZE] = {};
 };
+
+/// The detail-log listener's thread. It ends only where there is no shared memory or no semaphore to be had.
+void* listenUntilRefused(void* manager) {
+    FileDataSeparateManager::listenDetailLogSwitch(manager);
+    s_detailLogListened = false;
+    DM_INFO("nobody listens for the detail log switch, the next manager starts it again.\n");
+    return nullptr;
+}
 
 /// Whether a path of the value leads to another level than its text says.
 bool leadsUpwards(std::string_view value) {
@@ -674,16 +683,15 @@ void FileDataSeparateManager::setListening(bool listen) {
 
 void FileDataSeparateManager::startDetailLogListener(FileDataSeparateManager* manager) {
     // The thread needs no manager and outlives this one; a later one finds it running.
-    static std::atomic<bool> started{false};
-    if (started.exchange(true))
+    if (s_detailLogListened.exchange(true))
         return;
     OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
-    if (OsalThreads::create(LISTENER_NAME, listenDetailLogSwitch, manager, handle)) {
+    if (OsalThreads::create(LISTENER_NAME, listenUntilRefused, manager, handle)) {
         OsalThreads::detach(handle);
         return;
     }
     DM_WARNING(" FileDataSeparateManager create listen detail log switch thread failed.\n");
-    started = false;
+    s_detailLogListened = false;
 }
 
 bool FileDataSeparateManager::registerScope(_DS_Scope_t scope) {

@@ -51,6 +51,11 @@ void AbstractFileOperator::setParent(IDataSeparateManagerInner* parent) {
 }
 
 void AbstractFileOperator::setFileName(const char* name) {
+    // The name is put behind the directories and must not lead out of them.
+    if (name != nullptr && std::strchr(name, '/') != nullptr) {
+        DM_WARNING("file name [%s] is refused, for it is a path.\n", name);
+        return;
+    }
     copyBounded(name, m_fileName, sizeof m_fileName);
 }
 
@@ -991,7 +996,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         return false;
     }
     const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
-    FileUtil::removeSingleFile(temporary.c_str());
+    FileUtil::makeWay(temporary.c_str());
     if (!openFile(temporary, "w+x")) {
         DM_WARNING("create file [%s] failed.\n", path.c_str());
         return false;
@@ -1297,44 +1302,46 @@ bool AbstractFileOperator::rewriteChecksumLine() {
 
 namespace {
 
-/// Reads one summary line of a file that is being repaired.
-bool readRepairLine(FileUtil& file, char* line, const char* word, const char* subject, const char* field) {
-    if (!file.readLine(line, text::LINE_BUFFER)) {
-        DM_WARNING("read line failed for tv %s.\n", subject);
+/// Whether the file has a place for a checksum: whole lines as every reader takes them, and a last one of the length
+/// of the one that is to stand there (invariant 3). What stands in that one does not matter.
+bool hasChecksumLine(const Summary& summary, SummaryState state) {
+    switch (state) {
+    case SummaryState::NotReadable:
+    case SummaryState::BadHeader:
+        DM_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
         return false;
+    case SummaryState::BadTvType:
+        DM_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::BadVersion:
+        DM_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
+        return false;
+    case SummaryState::EndOfFile:
+        DM_WARNING("read line failed for tv %s.\n", !summary.hasTvType    ? "type"
+                                                    : !summary.hasVersion ? "version"
+                                                                          : "crc");
+        return false;
+    case SummaryState::BadCrc:
+    case SummaryState::Complete:
+        break;
     }
-    if (std::strstr(line, word) != nullptr)
+    if (summary.crcLineLength == text::CRC_LINE_LENGTH)
         return true;
-    DM_WARNING("Summary section %s Field (%s) is invalid.\n", field, line);
+    DM_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
     return false;
 }
 
 bool rewriteCrcOf(FileUtil& file, const char* path) {
-    char line[text::LINE_BUFFER] = {};
-    bool read = file.readLine(line, sizeof line);
-    while (read && text::isComment(line))
-        read = file.readLine(line, sizeof line);
-    if (!read || std::strcmp(line, text::SUMMARY_HEADER) != 0) {
-        DM_WARNING("Summary section subject (%s) is invalid.\n", read ? line : "");
+    Summary summary;
+    const SummaryState state = readSummary(file, summary);
+    if (!hasChecksumLine(summary, state))
         return false;
-    }
-    if (!readRepairLine(file, line, "SN", "type", "SN") || !readRepairLine(file, line, "Version", "version", "VER"))
-        return false;
-    long crcPosition = 0;
-    long contentPosition = 0;
-    if (!file.getCurrentPos(crcPosition) || !readRepairLine(file, line, "CRC", "crc", "CRC"))
-        return false;
-    // The new line takes the place of the old one, which must have its length (invariant 3).
-    if (std::strlen(line) != static_cast<std::size_t>(text::CRC_LINE_LENGTH)) {
-        DM_WARNING("Summary section CRC Field (%s) is invalid.\n", line);
-        return false;
-    }
     unsigned int crc = 0;
-    if (!file.getCurrentPos(contentPosition) || !contentChecksum(path, static_cast<int>(contentPosition), crc)) {
+    if (!contentChecksum(path, summary.contentPosition(), crc)) {
         DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
         return false;
     }
-    if (!file.setPos(static_cast<int>(crcPosition))) {
+    if (!file.setPos(summary.crcPosition)) {
         DM_WARNING("Failed to set pos when write CRC code of data file [%s].\n", path);
         return false;
     }

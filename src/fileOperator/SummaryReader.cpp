@@ -29,7 +29,10 @@ SummaryState readHeader(FileUtil& file, Summary& summary, char* line) {
         }
         if (std::strcmp(line, text::SUMMARY_HEADER) == 0) {
             summary.length = static_cast<int>(std::strlen(line));
-            return SummaryState::Complete;
+            // A zero byte ends a comment line before its end, and all that follows would be looked for too early.
+            long position = 0;
+            const bool isInPlace = file.getCurrentPos(position) && position == summary.contentPosition();
+            return isInPlace ? SummaryState::Complete : SummaryState::BadHeader;
         }
         std::memcpy(summary.badLine, line, std::strlen(line) + 1);
         return SummaryState::BadHeader;
@@ -65,11 +68,10 @@ SummaryState readSummary(FileUtil& file, Summary& summary) {
     if (state != SummaryState::Complete)
         return state;
     summary.crcLineLength = summary.contentPosition() - summary.crcPosition;
-    if (!text::parseCrc(line, summary.crc)) {
+    const bool hasCrc = text::parseCrc(line, summary.crc);
+    if (!hasCrc || summary.crcLineLength != text::CRC_LINE_LENGTH)
         std::memcpy(summary.badLine, line, std::strlen(line) + 1);
-        return SummaryState::BadCrc;
-    }
-    return SummaryState::Complete;
+    return hasCrc ? SummaryState::Complete : SummaryState::BadCrc;
 }
 
 bool contentChecksum(const char* path, int offset, unsigned int& crc) {

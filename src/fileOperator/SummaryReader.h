@@ -11,7 +11,7 @@ namespace td {
 /// How far a summary could be read.
 enum class SummaryState {
     NotReadable, ///< the file is not open or cannot be rewound
-    BadHeader,   ///< the first line without '#' is not the header, or there is none
+    BadHeader,   ///< the first line without '#' is not the header, or there is none, or a comment has a zero byte
     BadTvType,   ///< the line where SN belongs is something else
     BadVersion,  ///< the same for Version
     BadCrc,      ///< the same for CRC
@@ -29,7 +29,7 @@ struct Summary {
     int length = 0;                       ///< bytes of the summary lines read
     int crcPosition = 0;                  ///< offset of the CRC line
     int crcLineLength = 0;                ///< its bytes, newline included
-    char badLine[text::LINE_BUFFER] = {}; ///< the line that was something else
+    char badLine[text::LINE_BUFFER] = {}; ///< the line that was something else, or a CRC line of unusual length
 
     /// Offset of the first section.
     int contentPosition() const { return static_cast<int>(comment.size()) + length; }

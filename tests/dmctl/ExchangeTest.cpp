@@ -177,6 +177,17 @@ TEST(ExchangeTest, AllFaultsAreCollectedUpToALimit) {
     EXPECT_THAT(large.faults[0].text, HasSubstr("are not read"));
 }
 
+/// The names of unknown members are the export's own, and were once shown as they are.
+TEST(ExchangeTest, PlacesOfFaultsObeyNoTerminalSequence) {
+    const Exchange read = parseExchange(R"({"\u001b[2J\n": 1, ")" + std::string(500, 'n') + R"(": 2})");
+    ASSERT_GE(read.faults.size(), 2U);
+    for (const ExchangeFault& fault : read.faults) {
+        EXPECT_EQ(fault.place.find_first_of("\x1b\n"), std::string::npos) << fault.place;
+        EXPECT_LT(fault.place.size(), 300U);
+    }
+    EXPECT_EQ(read.faults[0].place, "/\\x1b[2J\\x0a");
+}
+
 /// Whatever is cut or changed in an export: no value comes out that is not in the text.
 TEST(ExchangeTest, DamagedExportsAreRefusedOrHoldLess) {
     ExchangeCategory category(*layoutOf(SOUND_EQ));

@@ -139,5 +139,36 @@ TEST_F(ExchangeVerbsTest, DiffNamesWhatDiffersAndNothingElse) {
     EXPECT_EQ(diff({"--against", m_output.write("no.json", "{}")}).code, 1);
 }
 
+/// A folder of exports may be anybody's to write in.
+TEST_F(ExchangeVerbsTest, AnExportFollowsNoLinkOfItsTemporaryNameAndReplacesNoDevice) {
+    const std::string kept = m_output.write("kept", "another one's");
+    for (const char* target : {"kept", "nothing"}) {
+        std::filesystem::create_symlink(m_output.file(target), m_output.file("export.csv.tmp"));
+        EXPECT_EQ(run({"export", "PICTURE_MODE", m_output.file("export.csv")}).code, 0);
+        EXPECT_EQ(m_output.read("kept"), "another one's");
+        EXPECT_FALSE(m_output.exists("nothing"));
+        EXPECT_FALSE(m_output.exists("export.csv.tmp"));
+    }
+    // A device of the test's own: nobody's is put at risk.
+    std::filesystem::create_symlink("/dev/null", m_output.file("device"));
+    EXPECT_EQ(run({"export", "PICTURE_MODE", m_output.file("device")}).code, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(m_output.file("device")));
+}
+
+/// Nor do the verbs that make whole files.
+TEST_F(ExchangeVerbsTest, WhatInitMakesIsNotWrittenThroughALink) {
+    ASSERT_EQ(run({"init"}).code, 0);
+    const std::string kept = m_output.write("kept", "another one's");
+    const std::string factory = m_root.file(FACTORY + MODE_FILE);
+    for (const char* target : {"kept", "nothing"}) {
+        std::filesystem::remove(factory);
+        std::filesystem::create_symlink(m_output.file(target), factory + ".tmp");
+        EXPECT_EQ(run({"init"}).code, 0);
+        EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(factory)));
+        EXPECT_EQ(m_output.read("kept"), "another one's");
+        EXPECT_FALSE(m_output.exists("nothing"));
+    }
+}
+
 } // namespace
 } // namespace td::test

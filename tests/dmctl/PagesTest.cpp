@@ -62,6 +62,7 @@ TEST_F(PagesTest, BashCompletesEveryKindOfWord) {
     EXPECT_THAT(completed({"import", m_root.string().substr(0, m_root.string().size() - 1)}),
                 Contains(m_root.string()));
     EXPECT_THAT(completed({"log", "o"}), ElementsAre("on", "off"));
+    EXPECT_THAT(completed({"completion", ""}), ElementsAre("bash"));
     EXPECT_THAT(completed({"--root", m_root.string().substr(0, m_root.string().size() - 1)}),
                 Contains(m_root.string()));
     EXPECT_THAT(completed({"get", "picture_global"}), ElementsAre("PICTURE_GLOBAL"));

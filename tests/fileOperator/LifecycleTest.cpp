@@ -960,5 +960,24 @@ TEST_F(LifecycleTest, RepairsAChecksumLine) {
     EXPECT_FALSE(AbstractFileOperator::generateCRC32(nullptr));
 }
 
+/// Such files got a checksum once that no reader took for theirs, at a place that was not its own.
+TEST_F(LifecycleTest, RepairsNoChecksumThatWouldNotBeFound) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string good = goodText(Copy::Current);
+    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    const std::string zeroByte(1, '\0');
+    // As long as a reader's buffer, so that the Version line behind it is taken for a line of its own.
+    const std::size_t tvType = lineAt(good, "SN ");
+    std::string joined = good;
+    joined.replace(tvType, lineAt(good, "Version ") - tvType, "SN" + std::string(text::LINE_BUFFER - 3, ' '));
+    for (const std::string& text :
+         {replaced(good, " #\n", zeroByte + "#\n"), replaced(good, "\nVersion ", "\nVersion" + zeroByte), joined}) {
+        m_root.write(Copy::Current, FILE_NAME, text);
+        EXPECT_FALSE(AbstractFileOperator::generateCRC32(path.c_str()));
+        EXPECT_EQ(current(), text);
+        EXPECT_TRUE(m_log.contains("Summary section"));
+    }
+}
+
 } // namespace
 } // namespace td::test

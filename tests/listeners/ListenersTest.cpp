@@ -12,6 +12,7 @@
 #include <sys/shm.h>
 #include <sys/stat.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <dataModule/common/ListenerNames.h>
@@ -37,6 +38,13 @@ bool semaphoreExists(const char* name) {
         return false;
     sem_close(semaphore);
     return true;
+}
+
+/// Permissions of a semaphore, where the system keeps it as a file; 0 where it does not.
+mode_t semaphoreMode(const char* name) {
+    struct stat status = {};
+    const std::string path = std::string("/dev/shm/sem.") + (name[0] == '/' ? name + 1 : name);
+    return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777U : 0;
 }
 
 bool post(const char* name) {
@@ -134,6 +142,8 @@ TEST_F(ListenersTest, ASuspendCycleClosesAndReopensTheFiles) {
     ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
     ASSERT_TRUE(m_log.waitFor("2.1 just waitting"));
     EXPECT_TRUE(m_log.contains("1.2 release data Module for STD successfully.\n"));
+    EXPECT_THAT(semaphoreMode(names::RELEASE_SEMAPHORE), testing::AnyOf(0666, 0)) << "whatever the umask";
+    EXPECT_THAT(semaphoreMode(names::RELOAD_SEMAPHORE), testing::AnyOf(0666, 0));
     EXPECT_EQ(set->getFileHandler(PICTURE_MODE), nullptr);
     EXPECT_EQ(set->getFileHandler(PICTURE_GLOBAL), nullptr);
     EXPECT_EQ(contrast(*set), -1) << "no requests while released";
@@ -230,10 +240,18 @@ TEST_F(ListenersTest, AManagerThatHasGoneBeforeIsNotTouched) {
     EXPECT_TRUE(m_log.contains("release dataModule failed for STD.\n"));
 }
 
-TEST_F(ListenersTest, TheDetailLogFollowsTheSharedWord) {
+TEST_F(ListenersTest, TheDetailLogFollowsTheSharedWordOnceThereIsOne) {
     FileDataSeparateManager::setListening(true);
+    {
+        ASSERT_GE(shmget(names::DETAIL_LOG_KEY, 1, IPC_CREAT | 0600), 0); // another one's, too small
+        SmallSet refused;
+        ASSERT_TRUE(refused.init(DS_SCOPE_ALL));
+        ASSERT_TRUE(m_log.waitFor("the next manager starts it again"));
+        removeNames();
+    }
     const auto set = boot();
     ASSERT_TRUE(m_log.waitFor("just waitting the received sem from user ...\n"));
+    EXPECT_THAT(semaphoreMode(names::LOG_SEMAPHORE), testing::AnyOf(0600, 0));
     EXPECT_FALSE(m_log.contains("contrast = "));
 
     ASSERT_EQ(Process::run({"switch", "5"}), 0);

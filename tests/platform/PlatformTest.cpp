@@ -100,6 +100,15 @@ TEST_F(ConfigReaderTest, FindsTheLastValueOfTheKeyInItsSection) {
     EXPECT_EQ(text("Missing", "Name"), "<none>");
 }
 
+/// The line below one with a zero byte was lost once, a section's header among them.
+TEST_F(ConfigReaderTest, ALineWithAZeroByteIsPassedOverAlone) {
+    using namespace std::string_literals;
+    m_directory.write("config.ini", "[ModuleData]\nName = ab\0cd\n[Other]\nName = o\0\nName = other\nPath = y\0"s);
+    EXPECT_EQ(text("ModuleData", "Name"), "<none>");
+    EXPECT_EQ(text("Other", "Name"), "other");
+    EXPECT_EQ(text("Other", "Path"), "<none>");
+}
+
 TEST_F(ConfigReaderTest, LeavesTheValueAloneOnFailure) {
     char value[5] = "old";
     EXPECT_FALSE(ConfigReader::readString(m_path.c_str(), "Other", "Name", value, sizeof value)); // needs 6

@@ -93,9 +93,10 @@ _dmctl() {
 complete -F _dmctl dmctl
 )";
 
-const char* takesName(const Verb& verb) {
+std::string takesName(const Verb& verb) {
     constexpr const char* NAMES[] = {"other", "categories", "record", "fields", "assignments", "export", "files"};
-    return verb.takes == Takes::Choice ? verb.arguments : NAMES[static_cast<int>(verb.takes)];
+    // A choice is told by its bar, also where there is but one.
+    return verb.takes == Takes::Choice ? std::string(verb.arguments) + '|' : NAMES[static_cast<int>(verb.takes)];
 }
 
 /// Words with blanks between; a blank in a word becomes '_', as people type it.

@@ -12,7 +12,6 @@
 
 #include <dataModule/fileOperator/TextLayout.h>
 
-#include "FileTable.h"
 #include "Names.h"
 #include "Output.h"
 
@@ -171,15 +170,26 @@ void appendJson(const ExchangeCategory& category, std::string& text) {
 
 // --- reading ---
 
-/// What stands in a fault about a text of the export: short and without bytes that a terminal would obey.
-std::string shown(const std::string& text) {
-    constexpr std::size_t SHOWN = 200;
+/// At most so much of a text of the export stands in a fault.
+constexpr std::size_t SHOWN = 200;
+
+/// Without bytes that a terminal would obey.
+std::string escaped(const std::string& text) {
     std::string result;
-    for (const char c : text.substr(0, std::min(SHOWN, text.find('\n')))) {
+    for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
         result += byte >= 0x20 && byte < 0x7F ? std::string(1, c) : fmt::format("\\x{:02x}", byte);
     }
-    return text.size() > SHOWN ? result + "..." : result;
+    return result;
+}
+
+std::string shortened(const std::string& text) {
+    return escaped(text.substr(0, SHOWN)) + (text.size() > SHOWN ? "..." : "");
+}
+
+/// The first line of what is to be said.
+std::string shown(const std::string& text) {
+    return shortened(text.substr(0, text.find('\n')));
 }
 
 void checkLength(const std::string& word) {
@@ -203,7 +213,7 @@ public:
     bool isFull() const { return m_result.cutShort; }
     void fault(const std::string& place, const std::string& text) {
         if (m_result.faults.size() < Exchange::MAX_FAULTS)
-            m_result.faults.push_back({place, shown(text)});
+            m_result.faults.push_back({shortened(place), shown(text)});
         else
             m_result.cutShort = true;
     }

@@ -9,6 +9,8 @@
 
 #include <fmt/core.h>
 
+#include <dataModule/common/FileUtil.h>
+
 #include "Exchange.h"
 #include "FileTable.h"
 #include "Names.h"
@@ -81,16 +83,26 @@ std::vector<ExchangeCategory> readAll(const Session& session, const Request& req
     return categories;
 }
 
-/// The file is there as a whole or not at all.
+/// Whether the whole text went to a file opened in `mode`.
+bool writeText(const std::string& path, const char* mode, const std::string& text) {
+    std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), mode), std::fclose);
+    const bool written = file && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    return file && std::fclose(file.release()) == 0 && written;
+}
+
+/// A file is there as a whole or not at all. A device or a pipe is no file to replace, so it is written to.
 void writeExport(const std::string& path, const std::string& text) {
-    const std::string temporary = path + ".tmp";
-    std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(temporary.c_str(), "wb"), std::fclose);
-    bool written = file && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    written = file && std::fclose(file.release()) == 0 && written;
-    if (written && std::rename(temporary.c_str(), path.c_str()) == 0)
+    std::error_code error;
+    const bool isOther = fs::exists(path, error) && !fs::is_regular_file(path, error);
+    const std::string target = isOther ? path : path + FileUtil::TEMPORARY_SUFFIX;
+    // Elsewhere than in the settings' directories others may have put a link there.
+    const bool written =
+        isOther ? writeText(target, "wb", text) : FileUtil::makeWay(target.c_str()) && writeText(target, "wbx", text);
+    if (written && (isOther || std::rename(target.c_str(), path.c_str()) == 0))
         return;
     const std::string reason = std::strerror(errno);
-    std::remove(temporary.c_str());
+    if (!isOther)
+        std::remove(target.c_str());
     throw Failure(fmt::format("{} cannot be written: {}", path, reason));
 }
 

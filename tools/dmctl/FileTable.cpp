@@ -92,16 +92,6 @@ bool storeWasCut(const std::string& path) {
            checksumAfter(path, record, after) && after == record.crc;
 }
 
-std::vector<int> indicesOf(const CategoryLayout& layout, int record) {
-    std::vector<int> indices(layout.dimensions.size());
-    layout.indicesOf(record, indices.data());
-    return indices;
-}
-
-std::string recordLabel(const CategoryLayout& layout, int record) {
-    return layout.dimensions.empty() ? categoryName(layout) : recordText(layout, indicesOf(layout, record));
-}
-
 Copy copyNamed(const std::string& word) {
     std::vector<std::string> names;
     for (const Copy copy : COPIES) {
@@ -121,7 +111,8 @@ std::string timeText(std::time_t time) {
 bool putFile(const std::string& path, const std::string& bytes) {
     const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
     FileUtil file;
-    const bool written = !bytes.empty() && file.createFile(temporary.c_str()) && file.takeModeAndOwner(path.c_str()) &&
+    const bool written = !bytes.empty() && FileUtil::makeWay(temporary.c_str()) &&
+                         file.openFile(temporary.c_str(), "w+x") && file.takeModeAndOwner(path.c_str()) &&
                          file.writeFile(bytes.c_str(), true);
     file.closeFile();
     if (written)

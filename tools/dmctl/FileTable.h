@@ -9,6 +9,7 @@
 #include <dataModule/fileOperator/CategoryLayout.h>
 #include <dataModule/fileOperator/FileInspection.h>
 
+#include "Names.h"
 #include "Session.h"
 
 namespace td::dmctl {
@@ -42,15 +43,6 @@ bool storeWasCut(const std::string& path);
 enum class Writers { ToKeepAway, KeptAway };
 
 FileTable readTable(const CategoryLayout& layout, const std::string& path, Writers writers = Writers::ToKeepAway);
-
-/// The place of a field's value in a table.
-inline std::size_t cellOf(const CategoryLayout& layout, int record, const Field& field) {
-    return static_cast<std::size_t>(record) * layout.fields.size() + static_cast<std::size_t>(field.position);
-}
-/// The indices of a record.
-std::vector<int> indicesOf(const CategoryLayout& layout, int record);
-/// What addresses a record, for people; its category's name where that has one record only.
-std::string recordLabel(const CategoryLayout& layout, int record);
 
 /// The copy of that name. Throws UsageError.
 Copy copyNamed(const std::string& word);

@@ -9,6 +9,7 @@
 #include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 
+#include "FileTable.h"
 #include "Names.h"
 #include "Output.h"
 #include "Session.h"
@@ -37,15 +38,7 @@ bool copyCurrentToBackup(const Session& session, const CategoryLayout& layout) {
 
 bool writeDefaults(const Session& session, const CategoryLayout& layout, Copy copy) {
     const std::string path = session.path(layout, copy);
-    const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
-    const std::string bytes = wholeFile(layout, session.tvTypeOf(layout), defaultTable(layout));
-    FileUtil file;
-    const bool written = !bytes.empty() && file.createFile(temporary.c_str()) && file.writeFile(bytes.c_str(), true);
-    file.closeFile();
-    if (written)
-        return FileUtil::commitTemporary(temporary.c_str(), path.c_str());
-    FileUtil::removeSingleFile(temporary.c_str());
-    return false;
+    return putFile(path, wholeFile(layout, session.tvTypeOf(layout), defaultTable(layout)));
 }
 
 void make(Session& session, const CategoryLayout& layout, Copy copy) {

@@ -165,6 +165,16 @@ std::string recordText(const CategoryLayout& layout, const std::vector<int>& ind
     return joined(names);
 }
 
+std::vector<int> indicesOf(const CategoryLayout& layout, int record) {
+    std::vector<int> indices(layout.dimensions.size());
+    layout.indicesOf(record, indices.data());
+    return indices;
+}
+
+std::string recordLabel(const CategoryLayout& layout, int record) {
+    return layout.dimensions.empty() ? categoryName(layout) : recordText(layout, indicesOf(layout, record));
+}
+
 bool offersRestoreForAllSources(const CategoryLayout& layout) {
     const BulkRestore::Kind kind = layout.restoreForAllSources.kind;
     return kind == BulkRestore::Kind::PostChanged || kind == BulkRestore::Kind::PostEach;

@@ -2,6 +2,7 @@
 /// UsageError that says what would fit.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,14 @@ std::string valueName(const Dimension& dimension, int index);
 std::vector<std::string> valueNames(const Dimension& dimension);
 /// What addresses the record, for people: value names with commas between; empty without dimensions.
 std::string recordText(const CategoryLayout& layout, const std::vector<int>& indices);
+/// What addresses a record, for people; its category's name where that has one record only.
+std::string recordLabel(const CategoryLayout& layout, int record);
+/// The indices of a record.
+std::vector<int> indicesOf(const CategoryLayout& layout, int record);
+/// The place of a field's value in a table that is row-major by record and position.
+inline std::size_t cellOf(const CategoryLayout& layout, int record, const Field& field) {
+    return static_cast<std::size_t>(record) * layout.fields.size() + static_cast<std::size_t>(field.position);
+}
 /// The field of that name in requests, case ignored if none is written exactly so.
 const Field& fieldNamed(const CategoryLayout& layout, const std::string& word);
 /// Says that the word names no field, and which would.

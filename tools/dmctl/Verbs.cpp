@@ -192,7 +192,7 @@ const std::vector<Verb>& verbs() {
          "is a text in a document.",
          "source <(dmctl completion bash)\n"
          "dmctl completion bash >/usr/share/bash-completion/completions/dmctl",
-         runCompletion},
+         runCompletion, Takes::Choice},
         {"man", "", "Print the manual page", "For man(1), in its own format. With --json it is a text in a document.",
          "dmctl man >dmctl.1 && man ./dmctl.1", runMan},
     };
