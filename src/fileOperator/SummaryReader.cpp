@@ -31,8 +31,9 @@ SummaryState readHeader(FileUtil& file, Summary& summary, char* line) {
             summary.length = static_cast<int>(std::strlen(line));
             // A zero byte ends a comment line before its end, and all that follows would be looked for too early.
             long position = 0;
-            const bool isInPlace = file.getCurrentPos(position) && position == summary.contentPosition();
-            return isInPlace ? SummaryState::Complete : SummaryState::BadHeader;
+            if (!file.getCurrentPos(position))
+                return SummaryState::NotReadable;
+            return position == summary.contentPosition() ? SummaryState::Complete : SummaryState::BadHeader;
         }
         std::memcpy(summary.badLine, line, std::strlen(line) + 1);
         return SummaryState::BadHeader;

@@ -10,7 +10,7 @@ namespace td {
 
 /// How far a summary could be read.
 enum class SummaryState {
-    NotReadable, ///< the file is not open or cannot be rewound
+    NotReadable, ///< the file is not open, or its position cannot be had or set
     BadHeader,   ///< the first line without '#' is not the header, or there is none, or a comment has a zero byte
     BadTvType,   ///< the line where SN belongs is something else
     BadVersion,  ///< the same for Version
