@@ -263,7 +263,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
 }
 
 bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
-    if (!switchToManufactory())
+    if (!m_factoryVerified && !switchToManufactory())
         return false;
     DM_INFO("Load data from file [%s] when restore setting\n", getFileFullPath());
     return readSectionAt(dims);
@@ -324,26 +324,48 @@ bool TableOperator::restoreSettingForAllSource(const std::vector<int>& dims) {
     return m_layout.restoreForAllSources.kind == BulkRestore::Kind::PostEach ? restoreEach(dims) : restoreChanged(dims);
 }
 
-bool TableOperator::restoreEach(const std::vector<int>& dims) {
-    for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
-        if (!restoreOne(toVector(m_layout, sweep.indices())))
-            return false;
+/// Until the end of its life the factory copy, once it was verified and as long as it is open, need not be again.
+struct TableOperator::FactoryReading {
+    explicit FactoryReading(TableOperator& reading) : op(reading) {}
+    ~FactoryReading() TD_NO_THREAD_SAFETY_ANALYSIS { op.m_factoryVerified = false; }
+    FactoryReading(const FactoryReading&) = delete;
+    FactoryReading& operator=(const FactoryReading&) = delete;
+
+    bool load(const int* indices) TD_NO_THREAD_SAFETY_ANALYSIS {
+        op.m_factoryVerified = op.loadDataFromManufactoryFile(toVector(op.m_layout, indices));
+        return op.m_factoryVerified;
     }
-    return true;
+
+    TableOperator& op;
+};
+
+bool TableOperator::restoreEach(const std::vector<int>& dims) {
+    FactoryReading factory(*this);
+    bool restored = true;
+    AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes);
+    for (; restored && !sweep.done(); sweep.next()) {
+        restored = factory.load(sweep.indices());
+        if (restored)
+            postRecord(sweep.indices());
+    }
+    switchToNormal();
+    closeIfReleased();
+    return restored;
 }
 
 bool TableOperator::restoreChanged(const std::vector<int>& dims) {
+    FactoryReading factory(*this);
     const int given = m_layout.recordIndex(dims.data());
     for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
-        if (!loadDataFromManufactoryFile(toVector(m_layout, sweep.indices()))) {
+        if (!factory.load(sweep.indices())) {
             DM_WARNING("Load data from file [%s] failed when restore setting\n", m_layout.file);
             closeIfReleased();
             return false;
         }
-        switchToNormal();
         if (!sameValues(recordAt(m_layout.recordIndex(sweep.indices())), recordAt(given)))
             postRecord(sweep.indices());
     }
+    switchToNormal();
     return true;
 }
 

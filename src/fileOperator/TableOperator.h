@@ -121,6 +121,7 @@ private:
     /// Adds the record's section to those that writeSections() is to write.
     bool addRecord(const int* record) TD_REQUIRES(m_criticalSection);
     bool addAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
+    struct FactoryReading;
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreEach(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
@@ -154,8 +155,9 @@ private:
         std::vector<int> values; ///< while the table is loaded
     };
     std::map<int, Unwritten> m_unwritten TD_GUARDED_BY(m_criticalSection); ///< by record
-    bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false; ///< the snapshot to be written is the newest
+    bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false;         ///< the snapshot to be written is the newest
     bool m_refreshed TD_GUARDED_BY(m_criticalSection) = false;
+    bool m_factoryVerified TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is the factory copy
 };
 
 } // namespace td
