@@ -144,6 +144,7 @@ private:
 
     const CategoryLayout& m_layout;
     const FieldNames m_names;
+    const std::vector<const Field*> m_listed; ///< in a whole-record answer
     std::vector<int> m_table TD_GUARDED_BY(m_criticalSection);
     std::vector<int> m_section TD_GUARDED_BY(m_criticalSection); ///< the record being read, until it is whole
     /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
