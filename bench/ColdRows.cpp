@@ -22,11 +22,16 @@ void measure(benchmark::State& state, const std::string& task, const std::string
         std::size_t tableBytes = 0;
         for (const Table& table : setting.tables)
             tableBytes += table.values.size() * sizeof(int);
-        state.counters["resident"] = static_cast<double>(outcome.residentBytes);
-        state.counters["tables"] = static_cast<double>(tableBytes);
-        state.counters["threads"] = static_cast<double>(outcome.threads);
+        state.counters["memory"] = static_cast<double>(outcome.residentBytes);
+        state.counters["memory of tables"] =
+            static_cast<double>(outcome.residentBytes) / static_cast<double>(tableBytes);
+        state.counters["threads left"] = static_cast<double>(outcome.threads);
     }
-    state.counters["syncs"] = static_cast<double>(outcome.syncs);
+    if (task == "create") {
+        state.counters["syncs"] = static_cast<double>(outcome.syncs);
+        state.counters["syncs of a file"] =
+            static_cast<double>(outcome.syncs) / static_cast<double>(setting.tables.size());
+    }
 }
 
 void registerRow(const std::string& task, const std::string& subject, const Setting& setting) {

@@ -149,12 +149,19 @@ private:
 
 // --- the rows ---
 
-/// The call alone; the worker is at rest when it comes.
+/// Between two measurements of a store: a person's keys come one by one, and no store profits from one that the same
+/// tick of the kernel's clock saw, which leaves a file's times as they are.
+void pause() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
+/// The call alone; the worker sleeps when it comes.
 void storeCall(benchmark::State& state, const Setting& setting, int fields) {
     Library& subject = library(setting);
     const td::CategoryLayout& layout = *setting.tables[static_cast<std::size_t>(tableOf(MODE))].layout;
     ChangingRecord record(setting, layout, layout.recordCount() / 2);
     for ([[maybe_unused]] auto _ : state) {
+        pause();
         record.change(fields);
         const auto start = Clock::now();
         subject.manager().storeData(MODE, record.dims(), record.args());
@@ -163,11 +170,36 @@ void storeCall(benchmark::State& state, const Setting& setting, int fields) {
     }
 }
 
-/// The longest of many calls to `stored` while the worker writes `written`.
+/// Calls one after another, as a slider makes them; the worker is at work from the first on.
+void storeCallsInARow(benchmark::State& state, const Setting& setting, const td::CategoryLayout& busyWith, int fields) {
+    constexpr int CALLS = 100;
+    Library& subject = library(setting);
+    const td::CategoryLayout& layout = *setting.tables[static_cast<std::size_t>(tableOf(MODE))].layout;
+    ChangingRecord busy(setting, busyWith, 0);
+    ChangingRecord record(setting, layout, layout.recordCount() / 2);
+    for ([[maybe_unused]] auto _ : state) {
+        // A store of another file first: the calls compete with the worker for the queue, not for one file.
+        for (int i = 0; i < 3; ++i) {
+            busy.change(1);
+            subject.manager().storeData(busyWith.category, busy.dims(), busy.args());
+        }
+        double seconds = 0;
+        for (int i = 0; i < CALLS; ++i) {
+            record.change(fields);
+            const auto start = Clock::now();
+            subject.manager().storeData(MODE, record.dims(), record.args());
+            seconds += secondsSince(start);
+        }
+        state.SetIterationTime(seconds / CALLS);
+        subject.waitStored();
+    }
+}
+
+/// The longest of many calls to `stored`, some time apart, while the worker writes `written`.
 void longestStoreCall(benchmark::State& state, const Setting& setting, const td::CategoryLayout& written,
                       const td::CategoryLayout& stored) {
     constexpr int CALLS = 200;
-    constexpr int QUEUED = 20;
+    constexpr int QUEUED = 50;
     Library& subject = library(setting);
     ChangingRecord busy(setting, written, 0);
     ChangingRecord record(setting, stored, stored.recordCount() / 2);
@@ -178,6 +210,9 @@ void longestStoreCall(benchmark::State& state, const Setting& setting, const td:
         }
         double longest = 0;
         for (int i = 0; i < CALLS; ++i) {
+            const auto next = Clock::now() + std::chrono::microseconds(50);
+            while (Clock::now() < next) {
+            }
             record.change(1);
             const auto start = Clock::now();
             subject.manager().storeData(stored.category, record.dims(), record.args());
@@ -221,9 +256,12 @@ void durableStoreOfOurs(benchmark::State& state, const Setting& setting, const t
     ChangingRecord record(setting, layout, layout.recordCount() / 2);
     const long before = syncCount();
     for ([[maybe_unused]] auto _ : state) {
+        pause();
         record.change(1);
+        const auto start = Clock::now();
         subject.manager().storeData(layout.category, record.dims(), record.args());
         subject.waitStored();
+        state.SetIterationTime(std::chrono::duration<double>(lastSyncEnd() - start).count());
     }
     state.counters["syncs"] = static_cast<double>(syncCount() - before) / static_cast<double>(state.iterations());
     state.counters["bytes"] = static_cast<double>(fileSize(layout));
@@ -234,6 +272,10 @@ long syncsOfAStore(const Setting& setting) {
     const td::CategoryLayout& layout = *bySize(setting).front();
     ChangingRecord record(setting, layout, 0);
     record.change(1);
+    // The first store makes what the others only write to.
+    library(setting).manager().storeData(layout.category, record.dims(), record.args());
+    library(setting).waitStored();
+    record.change(1);
     const long before = syncCount();
     library(setting).manager().storeData(layout.category, record.dims(), record.args());
     library(setting).waitStored();
@@ -243,8 +285,12 @@ long syncsOfAStore(const Setting& setting) {
 void bareStore(benchmark::State& state, const Setting& setting, const td::CategoryLayout& layout, int sections,
                long syncs) {
     BareFile file(setting, layout);
-    for ([[maybe_unused]] auto _ : state)
+    for ([[maybe_unused]] auto _ : state) {
+        pause();
+        const auto start = Clock::now();
         file.store(sections, syncs);
+        state.SetIterationTime(secondsSince(start));
+    }
     state.counters["syncs"] = static_cast<double>(syncs);
 }
 
@@ -262,7 +308,10 @@ void durableStoreOfPeer(benchmark::State& state, const Setting& setting, const s
             record.change(fields);
             changes.push_back(record.asChange());
         }
+        pause();
+        const auto start = Clock::now();
         subject.store(changes);
+        state.SetIterationTime(secondsSince(start));
     }
     state.counters["syncs"] = static_cast<double>(syncCount() - before) / static_cast<double>(state.iterations());
 }
@@ -277,6 +326,7 @@ void copyToAllSources(benchmark::State& state, const Setting& setting) {
         record.change(layout.fieldCount());
         subject.manager().storeData(COPIED, record.dims(), record.args());
         subject.waitStored();
+        pause();
         const long before = syncCount();
         const auto start = Clock::now();
         subject.manager().applySettingForAllSources(COPIED, record.dims());
@@ -293,6 +343,7 @@ void restoreForAllSources(benchmark::State& state, const Setting& setting, bool 
     ChangingRecord record(setting, layout, layout.recordCount() / 2);
     long syncs = 0;
     for ([[maybe_unused]] auto _ : state) {
+        pause();
         const long before = syncCount();
         const auto start = Clock::now();
         subject.manager().restoreSettingForAllSource(RESTORED, record.dims());
@@ -318,8 +369,10 @@ void groupStore(benchmark::State& state, const Setting& setting) {
             for (auto& row : source)
                 std::fill(std::begin(row), std::end(row), turn);
         }
+        const auto start = Clock::now();
         subject.manager().storeDataForGroup(GROUPED, {0, 0, 0, 0, 0}, temperatures, ranges, data);
         subject.waitStored();
+        state.SetIterationTime(secondsSince(start));
     }
     state.counters["syncs"] = static_cast<double>(syncCount() - before) / static_cast<double>(state.iterations());
 }
@@ -328,89 +381,105 @@ void loadOne(benchmark::State& state, const Setting& setting, const td::Category
     Library& subject = library(setting);
     subject.waitStored();
     for ([[maybe_unused]] auto _ : state) {
+        const auto start = Clock::now();
         if (!subject.manager().loadData(layout.category))
             state.SkipWithError("cannot load");
+        state.SetIterationTime(secondsSince(start));
     }
     state.counters["bytes"] = static_cast<double>(fileSize(layout));
 }
 
 // --- their registration ---
 
-template <class Body>
-benchmark::internal::Benchmark* add(const std::string& name, Body body) {
-    return benchmark::RegisterBenchmark(name.c_str(), body)->UseRealTime();
-}
+constexpr int STORES = 40; ///< of a row, each some time after the other
+constexpr int FEW = 5;     ///< of what takes long
 
 /// A row that times a part of each of its iterations itself.
 template <class Body>
-benchmark::internal::Benchmark* addTimed(const std::string& name, int iterations, Body body) {
-    return benchmark::RegisterBenchmark(name.c_str(), body)->UseManualTime()->Iterations(iterations);
+benchmark::internal::Benchmark* add(const std::string& name, int iterations, Body body) {
+    return benchmark::RegisterBenchmark(name.c_str(), body)
+        ->UseManualTime()
+        ->Iterations(iterations)
+        ->Unit(benchmark::kMicrosecond);
 }
 
-void registerDurableRow(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, long syncs) {
-    add(row + "/ours", [&](benchmark::State& state) { durableStoreOfOurs(state, setting, layout); });
-    add(row + "/bound",
-        [&setting, &layout, syncs](benchmark::State& state) { bareStore(state, setting, layout, 1, syncs); });
+void addBound(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, int sections,
+              long syncs) {
+    add(row + "/bound", STORES, [&setting, &layout, sections, syncs](benchmark::State& state) {
+        bareStore(state, setting, layout, sections, syncs);
+    });
 }
 
-void registerPeers(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, int count,
-                   int fields, bool oneTime) {
+void addPeers(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, int count, int fields) {
     for (const std::string& name : peerNames()) {
         if (!peer(name, setting).stores())
             continue;
-        auto* const added = add(row + "/" + name, [&setting, &layout, name, count, fields](benchmark::State& state) {
-            durableStoreOfPeer(state, setting, name, layout, count, fields);
-        });
-        if (oneTime)
-            added->Iterations(1);
+        // Those that write a whole file take longer.
+        const bool wholeFile = name == "GKeyFile" || name == "PropertyTree";
+        add(row + "/" + name, wholeFile ? FEW : STORES,
+            [&setting, &layout, name, count, fields](benchmark::State& state) {
+                durableStoreOfPeer(state, setting, name, layout, count, fields);
+            });
     }
 }
 
 void registerCalls(const Setting& setting, const td::CategoryLayout& mode, const td::CategoryLayout& largest) {
-    constexpr int CALLS = 20;
-    for (const int fields : {1, 24})
-        addTimed("store call, " + std::to_string(fields) + (fields == 1 ? " field" : " fields") + "/ours", CALLS,
-                 [&setting, fields](benchmark::State& state) { storeCall(state, setting, fields); });
-    addTimed("longest store call, another file is written/ours", 1,
-             [&](benchmark::State& state) { longestStoreCall(state, setting, largest, mode); });
-    addTimed("longest store call, the same file is written/ours", 1,
-             [&](benchmark::State& state) { longestStoreCall(state, setting, mode, mode); });
+    for (const int fields : {1, 24}) {
+        const std::string what = std::to_string(fields) + (fields == 1 ? " field" : " fields");
+        add("store call, " + what + "/ours", STORES,
+            [&setting, fields](benchmark::State& state) { storeCall(state, setting, fields); });
+        addPeers(setting, "store call, " + what, mode, 1, fields);
+        add("store call of many, " + what + "/ours", FEW, [&setting, &largest, fields](benchmark::State& state) {
+            storeCallsInARow(state, setting, largest, fields);
+        });
+    }
+    add("longest store call, another file is written/ours", FEW,
+        [&](benchmark::State& state) { longestStoreCall(state, setting, largest, mode); });
+    add("longest store call, the same file is written/ours", FEW,
+        [&](benchmark::State& state) { longestStoreCall(state, setting, mode, mode); });
     if (!setting.shortRun)
-        addTimed("store call, backup of all files runs/ours", 1, [&](benchmark::State& state) {
+        add("store call, backup of all files runs/ours", 1, [&](benchmark::State& state) {
             storeCallDuringBackup(state, setting);
-        })->Repetitions(1);
+        })->Repetitions(3);
+}
+
+void registerDurableRow(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, long syncs) {
+    add(row + "/ours", STORES, [&](benchmark::State& state) { durableStoreOfOurs(state, setting, layout); });
+    addBound(setting, row, layout, 1, syncs);
+    addPeers(setting, row, layout, 1, 1);
 }
 
 void registerBulkRows(const Setting& setting) {
+    constexpr long SYNCS = 2;
     const td::CategoryLayout& copied = *setting.tables[static_cast<std::size_t>(tableOf(COPIED))].layout;
     const td::CategoryLayout& restored = *setting.tables[static_cast<std::size_t>(tableOf(RESTORED))].layout;
     const td::CategoryLayout& grouped = *setting.tables[static_cast<std::size_t>(tableOf(GROUPED))].layout;
-    constexpr int TIMES = 5;
-    addTimed("copy to all sources/ours", TIMES, [&](benchmark::State& state) { copyToAllSources(state, setting); });
-    add("copy to all sources/bound",
-        [&](benchmark::State& state) { bareStore(state, setting, copied, SOURCES - 1, 2); });
-    registerPeers(setting, "copy to all sources", copied, SOURCES - 1, copied.fieldCount(), false);
+    add("copy to all sources/ours", FEW, [&](benchmark::State& state) { copyToAllSources(state, setting); });
+    addBound(setting, "copy to all sources", copied, SOURCES - 1, SYNCS);
+    addPeers(setting, "copy to all sources", copied, SOURCES - 1, copied.fieldCount());
 
-    addTimed("restore for all sources, call/ours", TIMES,
-             [&](benchmark::State& state) { restoreForAllSources(state, setting, false); });
-    addTimed("restore for all sources/ours", TIMES,
-             [&](benchmark::State& state) { restoreForAllSources(state, setting, true); });
-    registerPeers(setting, "restore for all sources", restored, SOURCES, restored.fieldCount(), false);
+    add("restore for all sources, call/ours", FEW,
+        [&](benchmark::State& state) { restoreForAllSources(state, setting, false); });
+    add("restore for all sources/ours", FEW,
+        [&](benchmark::State& state) { restoreForAllSources(state, setting, true); });
+    addBound(setting, "restore for all sources", restored, SOURCES, SYNCS);
+    addPeers(setting, "restore for all sources", restored, SOURCES, restored.fieldCount());
 
     if (setting.shortRun)
         return;
     constexpr int RECORDS = 960;
-    add("group store of 960 records/ours", [&](benchmark::State& state) { groupStore(state, setting); })->Iterations(1);
-    registerPeers(setting, "group store of 960 records", grouped, RECORDS, grouped.fieldCount(), true);
+    add("group store of 960 records/ours", 1, [&](benchmark::State& state) { groupStore(state, setting); });
+    addBound(setting, "group store of 960 records", grouped, RECORDS, SYNCS);
+    addPeers(setting, "group store of 960 records", grouped, RECORDS, grouped.fieldCount());
 }
 
 void registerGrowth(const Setting& setting, const std::vector<const td::CategoryLayout*>& layouts) {
     constexpr std::size_t STEPS = 5;
     for (std::size_t step = 0; step <= STEPS; ++step) {
         const td::CategoryLayout& layout = *layouts[(layouts.size() - 1) * step / STEPS];
-        add(std::string("growth of load/") + layout.file,
-            [&](benchmark::State& state) { loadOne(state, setting, layout); });
-        add(std::string("growth of durable store/") + layout.file,
+        const std::string file = " of " + std::to_string((fileSize(layout) + 512) / 1024) + " KiB/ours";
+        add("load of one file" + file, FEW, [&](benchmark::State& state) { loadOne(state, setting, layout); });
+        add("durable store in a file" + file, STORES,
             [&](benchmark::State& state) { durableStoreOfOurs(state, setting, layout); });
     }
 }
@@ -424,8 +493,6 @@ void registerStoreRows(const Setting& setting) {
     registerCalls(setting, mode, *layouts.back());
     registerDurableRow(setting, "durable store, smallest file", *layouts.front(), syncs);
     registerDurableRow(setting, "durable store, largest file", *layouts.back(), syncs);
-    registerPeers(setting, "durable store, smallest file", *layouts.front(), 1, 1, false);
-    registerPeers(setting, "durable store, largest file", *layouts.back(), 1, 1, false);
     registerBulkRows(setting);
     if (!setting.shortRun)
         registerGrowth(setting, layouts);

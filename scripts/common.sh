@@ -5,6 +5,7 @@
 {
 build_packages=(g++ cmake ninja-build ccache pkg-config libboost-dev libinih-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libgmock-dev)
+bench_packages=(libbenchmark-dev libsqlite3-dev liblmdb-dev libleveldb-dev libglib2.0-dev libinih-dev python3)
 check_packages=(clang clang-format clang-tidy shellcheck python3 abigail-tools xz-utils)
 coverage_packages=(gcovr python3)
 package_packages=(debhelper dpkg-dev lintian)

@@ -19,6 +19,7 @@ namespace td {
 namespace {
 
 constexpr std::size_t BLOCK_SIZE = 4096;
+constexpr std::uint32_t POLYNOMIAL = 0xEDB88320U;
 
 #if defined(__ARM_FEATURE_CRC32) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
 
@@ -35,8 +36,6 @@ unsigned int fold(unsigned int crc, const unsigned char* bytes, unsigned int cou
 }
 
 #else
-
-constexpr std::uint32_t POLYNOMIAL = 0xEDB88320U;
 
 /// Bytes that one step of the sliced loop folds.
 constexpr unsigned int SLICES = 16;
@@ -89,6 +88,22 @@ unsigned int fold(unsigned int crc, const unsigned char* bytes, unsigned int cou
 
 #endif
 
+// A checksum is a polynomial over the two-element field, modulo the CRC's own; the top bit stands for 1, the next for
+// x.
+constexpr std::uint32_t ONE = 0x80000000U;
+constexpr std::uint32_t EIGHTH_POWER_OF_X = ONE >> 8;
+
+/// The product of two polynomials.
+std::uint32_t product(std::uint32_t one, std::uint32_t other) {
+    std::uint32_t sum = 0;
+    for (; other != 0; other <<= 1) {
+        if ((other & ONE) != 0)
+            sum ^= one;
+        one = (one & 1U) != 0 ? (one >> 1) ^ POLYNOMIAL : one >> 1;
+    }
+    return sum;
+}
+
 /// A descriptor for reading, closed at the end of the block.
 class InputFile {
 public:
@@ -124,6 +139,17 @@ void CRC32Util::init_crc_table() {
 
 unsigned int CRC32Util::crc32(unsigned int crc, unsigned char* buf, unsigned int len) const {
     return fold(crc, buf, len);
+}
+
+unsigned int CRC32Util::throughZeros(unsigned int crc, unsigned int count) {
+    // One byte of zero multiplies by x to the eighth.
+    std::uint32_t power = EIGHTH_POWER_OF_X;
+    for (; count != 0; count >>= 1) {
+        if ((count & 1U) != 0)
+            crc = product(crc, power);
+        power = product(power, power);
+    }
+    return crc;
 }
 
 bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {

@@ -22,6 +22,8 @@ public:
     void init_crc_table();
     /// Folds `len` bytes into `crc` and returns it, without initial or final inversion. Lock-free.
     unsigned int crc32(unsigned int crc, unsigned char* buf, unsigned int len) const;
+    /// What `crc` becomes when `count` bytes of zero are folded into it, in a time that hardly depends on how many.
+    static unsigned int throughZeros(unsigned int crc, unsigned int count);
     /// Checksums a file from byte `offset` to its end. False, and `crc` untouched, before init_crc_table. Otherwise
     /// true, also when the file cannot be opened, positioned or read: `crc` is then 0xFFFFFFFF, the checksum of
     /// nothing. Files are checksummed one after another.

@@ -51,8 +51,10 @@ class Descriptor {
 public:
     explicit Descriptor(int value) : m_value(value) {}
     ~Descriptor() {
+        const int error = errno; // of what failed before
         if (m_value >= 0)
             close(m_value);
+        errno = error;
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
@@ -581,11 +583,20 @@ bool FileUtil::syncPath(const char* path) {
     return file.isOpen() && syncDirectory(file);
 }
 
-bool FileUtil::emptyFile(const char* path) {
+bool FileUtil::overwriteStart(const char* path, const std::string& bytes) {
     if (path == nullptr)
         return false;
     const Descriptor file(open(path, O_WRONLY | O_NOFOLLOW | O_CLOEXEC));
-    return file.isOpen() && ftruncate(file.get(), 0) == 0;
+    return file.isOpen() && writeBlock(file.get(), bytes.data(), bytes.size());
+}
+
+bool FileUtil::startsWith(const char* path, const std::string& bytes) {
+    if (path == nullptr)
+        return false;
+    const Descriptor file(open(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    std::string start(bytes.size(), '\0');
+    return file.isOpen() && read(file.get(), start.data(), start.size()) == static_cast<ssize_t>(start.size()) &&
+           start == bytes;
 }
 
 } // namespace td

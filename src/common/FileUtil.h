@@ -112,8 +112,10 @@ public:
     static bool writeDurably(const char* path, const std::string& bytes);
     /// Puts a file, or the names in a directory, on the disk.
     static bool syncPath(const char* path);
-    /// Leaves nothing in a file. No sync; false also when there is none.
-    static bool emptyFile(const char* path);
+    /// Puts `bytes` in the place of the first ones of a file. No sync; false also when there is none.
+    static bool overwriteStart(const char* path, const std::string& bytes);
+    /// Whether the file at `path` starts with `bytes`. No symbolic link is followed.
+    static bool startsWith(const char* path, const std::string& bytes);
     /// Ends the name of every unfinished file.
     static constexpr const char* TEMPORARY_SUFFIX = ".tmp";
 

@@ -91,12 +91,15 @@ bool Thread::stop() {
 bool Thread::post(Event* event) {
     if (m_exit)
         return false;
-    const MutexLock lock(m_queueMutex);
-    // Again: stop() may have emptied the queue for the last time since.
-    if (m_exit)
-        return false;
-    m_queue.push_back(event);
-    ++m_postedCount;
+    {
+        const MutexLock lock(m_queueMutex);
+        // Again: stop() may have emptied the queue for the last time since.
+        if (m_exit)
+            return false;
+        m_queue.push_back(event);
+        ++m_postedCount;
+    }
+    // Not under the mutex, which the worker would wake up only to wait for.
     m_queueCondition.signal();
     return true;
 }

@@ -1267,7 +1267,9 @@ bool AbstractFileOperator::writeSections() {
         return true;
     m_redo.contentPosition = contentPosition();
     m_redo.crcPosition = m_crcPosition;
-    m_redoStored = checksumAfter(m_open.path, m_redo, m_redo.crc) && storeRedo(m_open.path, m_redo);
+    m_redoStored = (m_knownChecksum.after(fileno(m_file.stream()), m_redo, m_redo.crc) ||
+                    checksumAfter(m_open.path, m_redo, m_redo.crc)) &&
+                   storeRedo(m_open.path, m_redo);
     if (!m_redoStored)
         DM_INFO("no redo record for file [%s], the store goes on without.\n", m_open.path.c_str());
     const std::vector<RedoRecord::Write> writes = std::exchange(m_redo.writes, {});
@@ -1293,7 +1295,11 @@ bool AbstractFileOperator::rewriteChecksumLine() {
         DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
         return false;
     }
+    const DeferredSync deferred(m_file, true);
     if (!m_file.writeFile(text::crcLine(crc).c_str(), true))
+        return false;
+    m_knownChecksum.mark(fileno(m_file.stream()), contentPosition(), crc);
+    if (!m_file.syncFile())
         return false;
     m_crc = crc;
     m_backupOutdated = true;

@@ -28,6 +28,7 @@
 #include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/CriticalSection.h>
+#include <dataModule/fileOperator/KnownChecksum.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/SnapshotFloor.h>
 #include <dataModule/fileOperator/SummaryReader.h>
@@ -279,6 +280,7 @@ private:
 
     RedoRecord m_redo TD_GUARDED_BY(m_criticalSection);         ///< of the sections added or written last
     bool m_redoStored TD_GUARDED_BY(m_criticalSection) = false; ///< it is on the disk; the checksum is still to follow
+    KnownChecksum m_knownChecksum TD_GUARDED_BY(m_criticalSection);
     OpenFile m_open TD_GUARDED_BY(m_criticalSection);
     bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made
     int m_readError TD_GUARDED_BY(m_criticalSection) = 0;     ///< errno when the last copy could not be read; else 0

@@ -17,6 +17,8 @@ namespace {
 
 constexpr const char* SUFFIX = ".redo";
 constexpr const char* FIRST_LINE = "redo 1\n";
+/// Takes its place when the write is done.
+constexpr const char* DONE_LINE = "done 1\n";
 /// What a copy to all sources of the widest category needs, many times over.
 constexpr std::size_t LONGEST_RECORD = std::size_t{1} << 20;
 constexpr std::size_t BLOCK_SIZE = 16384;
@@ -204,8 +206,7 @@ std::string redoPath(const std::string& settingsFile) {
 
 bool redoIsPending(const std::string& settingsFile) {
     errno = 0;
-    const int size = FileUtil::getFileSize(redoPath(settingsFile).c_str());
-    return size > 0 || (size < 0 && failureFrom(errno) != 0);
+    return FileUtil::startsWith(redoPath(settingsFile).c_str(), FIRST_LINE) || failureFrom(errno) != 0;
 }
 
 bool storeRedo(const std::string& settingsFile, const RedoRecord& record) {
@@ -213,7 +214,8 @@ bool storeRedo(const std::string& settingsFile, const RedoRecord& record) {
 }
 
 void clearRedo(const std::string& settingsFile) {
-    FileUtil::emptyFile(redoPath(settingsFile).c_str());
+    // In place: a file that is emptied needs new blocks for the next record, which makes its sync twice as long.
+    FileUtil::overwriteStart(redoPath(settingsFile).c_str(), DONE_LINE);
 }
 
 bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc) {

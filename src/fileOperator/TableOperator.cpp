@@ -30,6 +30,18 @@ int elapsedMilliseconds() {
     return TimeUtil::instance()->getElapsed();
 }
 
+/// The fields of a whole-record answer. It is in record order, which is not always the order of the key lines.
+std::vector<const Field*> listedFields(const CategoryLayout& layout) {
+    std::vector<const Field*> fields;
+    for (const Field& field : layout.fields) {
+        if (field.listing != Listing::Hidden)
+            fields.push_back(&field);
+    }
+    std::sort(fields.begin(), fields.end(),
+              [](const Field* one, const Field* other) { return one->position < other->position; });
+    return fields;
+}
+
 std::vector<int> toVector(const CategoryLayout& layout, const int* indices) {
     return {indices, indices + layout.dimensionCount()};
 }
@@ -38,6 +50,7 @@ std::vector<int> toVector(const CategoryLayout& layout, const int* indices) {
 
 TableOperator::TableOperator(const CategoryLayout& layout)
     : AbstractFileOperator(layout.file, layout.version), m_layout(layout), m_names(layout),
+      m_listed(listedFields(layout)),
       m_table(static_cast<std::size_t>(layout.recordCount()) * static_cast<std::size_t>(layout.fieldCount())),
       m_section(layout.fields.size()) {
     m_category = layout.category;
@@ -129,20 +142,9 @@ bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_A
 }
 
 void TableOperator::listFields(const int* record, std::vector<_Argument_t>& args) const {
-    const std::size_t first = args.size();
-    args.resize(first + m_layout.fields.size());
-    // A whole record is answered in record order, which is not always the order of the key lines.
-    std::vector<const Field*> inOrder(m_layout.fields.size());
-    for (const Field& field : m_layout.fields)
-        inOrder[static_cast<std::size_t>(field.position)] = &field;
-    std::size_t next = first;
-    for (const Field* field : inOrder) {
-        if (field->listing == Listing::Hidden)
-            continue;
-        const char* name = field->listing == Listing::Named ? field->argumentName() : nullptr;
-        args[next++] = {name, record[field->position]};
-    }
-    args.resize(next);
+    args.reserve(args.size() + m_listed.size());
+    for (const Field* field : m_listed)
+        args.push_back({field->listing == Listing::Named ? field->argumentName() : nullptr, record[field->position]});
 }
 
 void TableOperator::getFields(const int* record, std::vector<_Argument_t>& args) const {
@@ -263,7 +265,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
 }
 
 bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
-    if (!switchToManufactory())
+    if (!m_factoryVerified && !switchToManufactory())
         return false;
     DM_INFO("Load data from file [%s] when restore setting\n", getFileFullPath());
     return readSectionAt(dims);
@@ -324,26 +326,48 @@ bool TableOperator::restoreSettingForAllSource(const std::vector<int>& dims) {
     return m_layout.restoreForAllSources.kind == BulkRestore::Kind::PostEach ? restoreEach(dims) : restoreChanged(dims);
 }
 
-bool TableOperator::restoreEach(const std::vector<int>& dims) {
-    for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
-        if (!restoreOne(toVector(m_layout, sweep.indices())))
-            return false;
+/// Until the end of its life the factory copy, once it was verified and as long as it is open, need not be again.
+struct TableOperator::FactoryReading {
+    explicit FactoryReading(TableOperator& reading) : op(reading) {}
+    ~FactoryReading() TD_NO_THREAD_SAFETY_ANALYSIS { op.m_factoryVerified = false; }
+    FactoryReading(const FactoryReading&) = delete;
+    FactoryReading& operator=(const FactoryReading&) = delete;
+
+    bool load(const int* indices) TD_NO_THREAD_SAFETY_ANALYSIS {
+        op.m_factoryVerified = op.loadDataFromManufactoryFile(toVector(op.m_layout, indices));
+        return op.m_factoryVerified;
     }
-    return true;
+
+    TableOperator& op;
+};
+
+bool TableOperator::restoreEach(const std::vector<int>& dims) {
+    FactoryReading factory(*this);
+    bool restored = true;
+    AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes);
+    for (; restored && !sweep.done(); sweep.next()) {
+        restored = factory.load(sweep.indices());
+        if (restored)
+            postRecord(sweep.indices());
+    }
+    switchToNormal();
+    closeIfReleased();
+    return restored;
 }
 
 bool TableOperator::restoreChanged(const std::vector<int>& dims) {
+    FactoryReading factory(*this);
     const int given = m_layout.recordIndex(dims.data());
     for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
-        if (!loadDataFromManufactoryFile(toVector(m_layout, sweep.indices()))) {
+        if (!factory.load(sweep.indices())) {
             DM_WARNING("Load data from file [%s] failed when restore setting\n", m_layout.file);
             closeIfReleased();
             return false;
         }
-        switchToNormal();
         if (!sameValues(recordAt(m_layout.recordIndex(sweep.indices())), recordAt(given)))
             postRecord(sweep.indices());
     }
+    switchToNormal();
     return true;
 }
 

@@ -121,6 +121,7 @@ private:
     /// Adds the record's section to those that writeSections() is to write.
     bool addRecord(const int* record) TD_REQUIRES(m_criticalSection);
     bool addAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
+    struct FactoryReading;
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreEach(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
@@ -143,6 +144,7 @@ private:
 
     const CategoryLayout& m_layout;
     const FieldNames m_names;
+    const std::vector<const Field*> m_listed; ///< in a whole-record answer
     std::vector<int> m_table TD_GUARDED_BY(m_criticalSection);
     std::vector<int> m_section TD_GUARDED_BY(m_criticalSection); ///< the record being read, until it is whole
     /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
@@ -154,8 +156,9 @@ private:
         std::vector<int> values; ///< while the table is loaded
     };
     std::map<int, Unwritten> m_unwritten TD_GUARDED_BY(m_criticalSection); ///< by record
-    bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false; ///< the snapshot to be written is the newest
+    bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false;         ///< the snapshot to be written is the newest
     bool m_refreshed TD_GUARDED_BY(m_criticalSection) = false;
+    bool m_factoryVerified TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is the factory copy
 };
 
 } // namespace td

@@ -72,6 +72,14 @@ TEST_F(CRC32UtilTest, FoldsAnyLengthFromAnyAddressAsDefined) {
     }
 }
 
+TEST_F(CRC32UtilTest, PassesThroughZerosAsThroughAnyOtherBytes) {
+    std::vector<unsigned char> zeros(100'000);
+    for (const unsigned int count : {0U, 1U, 2U, 3U, 7U, 8U, 255U, 65'537U, 100'000U}) {
+        for (const unsigned int crc : {0U, 1U, 0x80000000U, 0x12345678U, CRC32Util::INITIAL})
+            EXPECT_EQ(CRC32Util::throughZeros(crc, count), slowCrc(crc, zeros.data(), count)) << crc << ", " << count;
+    }
+}
+
 TEST_F(CRC32UtilTest, ChecksumsAFileFromTheOffset) {
     const TemporaryDirectory directory;
     std::string content;

@@ -1,0 +1,74 @@
+// The checksum that a store works out from the one before it is the one that the file has, whatever happened to the
+// file meanwhile.
+#include <filesystem>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <dataModule/fileOperator/FileUserPictureMode.h>
+
+#include "FakeParent.h"
+#include "LogCapture.h"
+#include "SettingsRoot.h"
+
+namespace td::test {
+namespace {
+
+constexpr const char* FILE_NAME = "pic_mode_usr.ini";
+
+class KnownChecksumTest : public testing::Test {
+protected:
+    KnownChecksumTest() {
+        m_op.setParent(&m_parent);
+        EXPECT_TRUE(m_op.initFile(true));
+        EXPECT_TRUE(m_op.loadFile());
+        store({0, 0, 0}, 11);
+    }
+    /// To its end, as the worker does it.
+    void store(const std::vector<int>& dims, int value) {
+        ASSERT_TRUE(m_op.storeData(dims, {{"Contrast", value}}));
+        ASSERT_EQ(m_parent.deliver(), 1);
+    }
+    std::string current() const { return m_root.read(Copy::Current, FILE_NAME); }
+
+    SettingsRoot m_root;
+    FakeParent m_parent;
+    LogCapture m_log;
+    FileUserPictureMode m_op;
+};
+
+TEST_F(KnownChecksumTest, IsRightAfterEachOfManyStores) {
+    std::mt19937 random(5);
+    const auto below = [&random](unsigned int end) { return static_cast<int>(random() % end); };
+    for (int i = 0; i < 50; ++i) {
+        store({below(16), below(12), below(8)}, 1000 + i);
+        ASSERT_TRUE(checksumIsRight(current())) << i;
+    }
+}
+
+TEST_F(KnownChecksumTest, IsRightAfterACopyToAllSources) {
+    ASSERT_TRUE(m_op.applySettingForAllSources({0, 0, 0}));
+    EXPECT_TRUE(checksumIsRight(current()));
+}
+
+TEST_F(KnownChecksumTest, CoversWhatOthersWroteInTheFile) {
+    const std::string changed = withValue(current(), "[111]\n", "Contrast", 42);
+    m_root.write(Copy::Current, FILE_NAME, changed);
+    store({0, 0, 0}, 12);
+    EXPECT_EQ(current(), withChecksum(withValue(changed, "[000]\n", "Contrast", 12)));
+}
+
+TEST_F(KnownChecksumTest, CoversAFileThatTookThePlaceOfTheOldOne) {
+    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    const std::string changed = withValue(current(), "[111]\n", "Contrast", 42);
+    m_root.write(Copy::Current, "other", changed);
+    std::filesystem::last_write_time(SettingsRoot::path(Copy::Current, "other"),
+                                     std::filesystem::last_write_time(path));
+    std::filesystem::rename(SettingsRoot::path(Copy::Current, "other"), path);
+    store({0, 0, 0}, 12);
+    EXPECT_EQ(current(), withChecksum(withValue(changed, "[000]\n", "Contrast", 12)));
+}
+
+} // namespace
+} // namespace td::test
