@@ -91,6 +91,8 @@ void AbstractFileOperator::enterCriticalSection() {
 
 void AbstractFileOperator::leaveCriticalSection() {
     m_criticalSection.unlock();
+    // The worker comes back at once when more is queued: a client waits for one write, not for all of them.
+    m_criticalSection.giveWay();
 }
 
 bool AbstractFileOperator::tryEnterCriticalSection() {

@@ -7,7 +7,10 @@
 /// be had the steps go on without.
 #pragma once
 
+#include <atomic>
 #include <string>
+
+#include <sched.h>
 
 #include <dataModule/common/FileLock.h>
 #include <dataModule/common/Mutex.h>
@@ -17,7 +20,14 @@ namespace td {
 /// Not recursive.
 class TD_CAPABILITY("mutex") CriticalSection {
 public:
-    void lock() TD_ACQUIRE() { m_mutex.lock(); }
+    void lock() TD_ACQUIRE() {
+        lockOrder::willWait(LockRank::Section);
+        if (m_mutex.tryLock())
+            return;
+        ++m_waiting;
+        m_mutex.lock();
+        --m_waiting;
+    }
     void unlock() TD_RELEASE() {
         if (!m_kept) {
             m_files.unlock();
@@ -26,6 +36,13 @@ public:
         m_mutex.unlock();
     }
     bool tryLock() TD_TRY_ACQUIRE(true) { return m_mutex.tryLock(); }
+    /// For a thread that left the section and is about to enter it again: lets those enter first that wait for it.
+    /// Awake, it would overtake them time and again.
+    void giveWay() const TD_EXCLUDES(this) {
+        constexpr int PATIENCE = 1000;
+        for (int i = 0; i < PATIENCE && m_waiting > 0; ++i)
+            sched_yield();
+    }
 
     /// Nobody else writes the category's files from now on. Does nothing, and returns false, after any of these three
     /// in the same section.
@@ -65,6 +82,7 @@ private:
     /// What the section asked for, whether there was a lock file to be had or not: it is asked once.
     enum class Claim { None, Shared, Exclusive };
 
+    std::atomic<int> m_waiting{0};
     Mutex m_mutex{LockRank::Section};
     // These belong to whoever holds the mutex.
     FileLock m_files;
