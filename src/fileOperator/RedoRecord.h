@@ -7,8 +7,8 @@
 ///   checksum <offset of the checksum line> 0x<checksum of the contents afterwards>
 ///   write <offset> <bytes>            one for each section, followed by its bytes and a newline
 ///   end 0x<CRC-32 of all before>
-/// Anything else, and anything behind the last line, is no record. A file that starts with "done 1" holds a record whose
-/// write is done; then, as without one, nothing is pending.
+/// Anything else, and anything behind the last line, is no record. A file that starts with "done 1" holds a record
+/// whose write is done; then, as without one, nothing is pending.
 #pragma once
 
 #include <string>
