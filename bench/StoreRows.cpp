@@ -89,8 +89,8 @@ public:
     BareFile(const Setting& setting, const td::CategoryLayout& layout)
         : m_layout(layout), m_text(fileSize(layout), 'x'), m_file(make(setting, layout.file)),
           m_side(make(setting, std::string(layout.file) + ".side")) {
-        writeAt(m_file, 0, m_text.size());
-        writeAt(m_side, 0, sectionSize());
+        writeOnly(m_file, 0, m_text.size());
+        sync(m_file);
     }
     ~BareFile() {
         close(m_file);
@@ -99,21 +99,19 @@ public:
     BareFile(const BareFile&) = delete;
     BareFile& operator=(const BareFile&) = delete;
 
-    /// `sections` written, then a checksum line: as many syncs as the library needs, one after the sections, one after
-    /// the line, what is beyond that for a small file beside it.
-    void store(int sections, long syncs) {
+    /// What a store of the library consists of: the sections written to a file beside this one and synced, then here,
+    /// with a checksum line, and synced.
+    void store(int sections) {
         m_text.assign(m_text.size(), m_text[0] == 'x' ? 'y' : 'x');
-        for (long extra = 2; extra < syncs; ++extra)
-            writeAt(m_side, 0, sectionSize());
         const std::size_t start = m_text.size() - static_cast<std::size_t>(m_layout.contentLength());
+        const std::size_t distance = (m_text.size() - start) / static_cast<std::size_t>(sections);
+        writeOnly(m_side, 0, sectionSize() * static_cast<std::size_t>(sections));
+        sync(m_side);
         for (int i = 0; i < sections; ++i)
-            writeOnly(m_file,
-                      start +
-                          (m_text.size() - start) / static_cast<std::size_t>(sections) * static_cast<std::size_t>(i),
-                      sectionSize());
+            writeOnly(m_file, start + distance * static_cast<std::size_t>(i), sectionSize());
+        writeOnly(m_file, start - static_cast<std::size_t>(td::text::CRC_LINE_LENGTH),
+                  static_cast<std::size_t>(td::text::CRC_LINE_LENGTH));
         sync(m_file);
-        writeAt(m_file, start - static_cast<std::size_t>(td::text::CRC_LINE_LENGTH),
-                static_cast<std::size_t>(td::text::CRC_LINE_LENGTH));
     }
 
 private:
@@ -135,10 +133,6 @@ private:
     static void sync(int file) {
         if (fsync(file) != 0)
             throw std::runtime_error("cannot sync");
-    }
-    void writeAt(int file, std::size_t offset, std::size_t size) {
-        writeOnly(file, offset, size);
-        sync(file);
     }
 
     const td::CategoryLayout& m_layout;
@@ -254,6 +248,10 @@ void storeCallDuringBackup(benchmark::State& state, const Setting& setting) {
 void durableStoreOfOurs(benchmark::State& state, const Setting& setting, const td::CategoryLayout& layout) {
     Library& subject = library(setting);
     ChangingRecord record(setting, layout, layout.recordCount() / 2);
+    // The first store makes what the others only write to.
+    record.change(1);
+    subject.manager().storeData(layout.category, record.dims(), record.args());
+    subject.waitStored();
     const long before = syncCount();
     for ([[maybe_unused]] auto _ : state) {
         pause();
@@ -267,31 +265,17 @@ void durableStoreOfOurs(benchmark::State& state, const Setting& setting, const t
     state.counters["bytes"] = static_cast<double>(fileSize(layout));
 }
 
-/// How many syncs one store of the library takes.
-long syncsOfAStore(const Setting& setting) {
-    const td::CategoryLayout& layout = *bySize(setting).front();
-    ChangingRecord record(setting, layout, 0);
-    record.change(1);
-    // The first store makes what the others only write to.
-    library(setting).manager().storeData(layout.category, record.dims(), record.args());
-    library(setting).waitStored();
-    record.change(1);
-    const long before = syncCount();
-    library(setting).manager().storeData(layout.category, record.dims(), record.args());
-    library(setting).waitStored();
-    return syncCount() - before;
-}
-
-void bareStore(benchmark::State& state, const Setting& setting, const td::CategoryLayout& layout, int sections,
-               long syncs) {
+void bareStore(benchmark::State& state, const Setting& setting, const td::CategoryLayout& layout, int sections) {
     BareFile file(setting, layout);
+    file.store(sections);
+    const long before = syncCount();
     for ([[maybe_unused]] auto _ : state) {
         pause();
         const auto start = Clock::now();
-        file.store(sections, syncs);
+        file.store(sections);
         state.SetIterationTime(secondsSince(start));
     }
-    state.counters["syncs"] = static_cast<double>(syncs);
+    state.counters["syncs"] = static_cast<double>(syncCount() - before) / static_cast<double>(state.iterations());
 }
 
 /// `count` records of the peer, equally far from each other, changed in one go.
@@ -403,11 +387,9 @@ benchmark::internal::Benchmark* add(const std::string& name, int iterations, Bod
         ->Unit(benchmark::kMicrosecond);
 }
 
-void addBound(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, int sections,
-              long syncs) {
-    add(row + "/bound", STORES, [&setting, &layout, sections, syncs](benchmark::State& state) {
-        bareStore(state, setting, layout, sections, syncs);
-    });
+void addBound(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, int sections) {
+    add(row + "/bound", STORES,
+        [&setting, &layout, sections](benchmark::State& state) { bareStore(state, setting, layout, sections); });
 }
 
 void addPeers(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, int count, int fields) {
@@ -443,33 +425,32 @@ void registerCalls(const Setting& setting, const td::CategoryLayout& mode, const
         })->Repetitions(3);
 }
 
-void registerDurableRow(const Setting& setting, const std::string& row, const td::CategoryLayout& layout, long syncs) {
+void registerDurableRow(const Setting& setting, const std::string& row, const td::CategoryLayout& layout) {
     add(row + "/ours", STORES, [&](benchmark::State& state) { durableStoreOfOurs(state, setting, layout); });
-    addBound(setting, row, layout, 1, syncs);
+    addBound(setting, row, layout, 1);
     addPeers(setting, row, layout, 1, 1);
 }
 
 void registerBulkRows(const Setting& setting) {
-    constexpr long SYNCS = 2;
     const td::CategoryLayout& copied = *setting.tables[static_cast<std::size_t>(tableOf(COPIED))].layout;
     const td::CategoryLayout& restored = *setting.tables[static_cast<std::size_t>(tableOf(RESTORED))].layout;
     const td::CategoryLayout& grouped = *setting.tables[static_cast<std::size_t>(tableOf(GROUPED))].layout;
     add("copy to all sources/ours", FEW, [&](benchmark::State& state) { copyToAllSources(state, setting); });
-    addBound(setting, "copy to all sources", copied, SOURCES - 1, SYNCS);
+    addBound(setting, "copy to all sources", copied, SOURCES - 1);
     addPeers(setting, "copy to all sources", copied, SOURCES - 1, copied.fieldCount());
 
     add("restore for all sources, call/ours", FEW,
         [&](benchmark::State& state) { restoreForAllSources(state, setting, false); });
     add("restore for all sources/ours", FEW,
         [&](benchmark::State& state) { restoreForAllSources(state, setting, true); });
-    addBound(setting, "restore for all sources", restored, SOURCES, SYNCS);
+    addBound(setting, "restore for all sources", restored, SOURCES);
     addPeers(setting, "restore for all sources", restored, SOURCES, restored.fieldCount());
 
     if (setting.shortRun)
         return;
     constexpr int RECORDS = 960;
     add("group store of 960 records/ours", 1, [&](benchmark::State& state) { groupStore(state, setting); });
-    addBound(setting, "group store of 960 records", grouped, RECORDS, SYNCS);
+    addBound(setting, "group store of 960 records", grouped, RECORDS);
     addPeers(setting, "group store of 960 records", grouped, RECORDS, grouped.fieldCount());
 }
 
@@ -489,10 +470,9 @@ void registerGrowth(const Setting& setting, const std::vector<const td::Category
 void registerStoreRows(const Setting& setting) {
     const std::vector<const td::CategoryLayout*> layouts = bySize(setting);
     const td::CategoryLayout& mode = *setting.tables[static_cast<std::size_t>(tableOf(MODE))].layout;
-    const long syncs = syncsOfAStore(setting);
     registerCalls(setting, mode, *layouts.back());
-    registerDurableRow(setting, "durable store, smallest file", *layouts.front(), syncs);
-    registerDurableRow(setting, "durable store, largest file", *layouts.back(), syncs);
+    registerDurableRow(setting, "durable store, smallest file", *layouts.front());
+    registerDurableRow(setting, "durable store, largest file", *layouts.back());
     registerBulkRows(setting);
     if (!setting.shortRun)
         registerGrowth(setting, layouts);
