@@ -407,7 +407,7 @@ void addPeers(const Setting& setting, const std::string& row, const td::Category
 
 void registerCalls(const Setting& setting, const td::CategoryLayout& mode, const td::CategoryLayout& largest) {
     for (const int fields : {1, 24}) {
-        const std::string what = std::to_string(fields) + (fields == 1 ? " field" : " fields");
+        const std::string what = std::to_string(fields).append(fields == 1 ? " field" : " fields");
         add("store call, " + what + "/ours", STORES,
             [&setting, fields](benchmark::State& state) { storeCall(state, setting, fields); });
         addPeers(setting, "store call, " + what, mode, 1, fields);
