@@ -398,7 +398,7 @@ void addPeers(const Setting& setting, const std::string& row, const td::Category
             continue;
         // Those that write a whole file take longer.
         const bool wholeFile = name == "GKeyFile" || name == "PropertyTree";
-        add(row + "/" + name, wholeFile ? FEW : STORES,
+        add(std::string(row).append("/").append(name), wholeFile ? FEW : STORES,
             [&setting, &layout, name, count, fields](benchmark::State& state) {
                 durableStoreOfPeer(state, setting, name, layout, count, fields);
             });
