@@ -4,7 +4,8 @@
 RESULTS is what bench wrote with --benchmark_out, GOALS the goals of goals.json: what a row of the library's takes over
 what it is held against is at most "most" (or one part in "times faster"), or its time is at most "most ns".
 Ends with 1 when a goal is missed; in the short form, which runs beside other things and measures less often, only when
-it is missed by more than a factor of two.
+it is missed by more than a factor of two. A goal that hangs on when the system lets a thread run, which noise makes
+more than twice as long, is held in the full run only.
 """
 import json
 import sys

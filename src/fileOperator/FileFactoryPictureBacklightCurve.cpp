@@ -7,7 +7,7 @@ namespace td {
 
 namespace {
 
-constexpr const char* CURVES[] = {"BACKLIGHT"};
+constexpr const char* BACKLIGHT_CURVES[] = {"BACKLIGHT"};
 
 } // namespace
 
@@ -23,7 +23,7 @@ const CategoryLayout& FileFactoryPictureBacklightCurve::layout() {
         .dimensions = {axis::source("source       scope:0~16"),
                        axis::factoryDynamicRange("dr           scope:0~7"),
                        axis::signal("sig          scope:0~1"),
-                       {.name = "curve_mode", .heading = "curve_mode   scope:0", .count = 1, .valueNames = CURVES}},
+                       {.name = "curve_mode", .heading = "curve_mode   scope:0", .count = 1, .valueNames = BACKLIGHT_CURVES}},
         .fields = {{"Curv0", &Record::curv0},
                    {"Curv1", &Record::curv1},
                    {"Curv2", &Record::curv2},
