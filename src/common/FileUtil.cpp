@@ -586,7 +586,7 @@ bool FileUtil::syncPath(const char* path) {
 bool FileUtil::overwriteStart(const char* path, const std::string& bytes) {
     if (path == nullptr)
         return false;
-    const Descriptor file(open(path, O_WRONLY | O_NOFOLLOW | O_CLOEXEC));
+    const Descriptor file(open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     return file.isOpen() && writeBlock(file.get(), bytes.data(), bytes.size());
 }
 

@@ -902,6 +902,7 @@ bool AbstractFileOperator::switchToManufactory() {
 
 bool AbstractFileOperator::loadFile(const char* path) {
     SectionLock lock(m_criticalSection);
+    saveUnwritten(); // for the next load of the category's own files
     const std::string before = m_path.load();
     bool loaded = loadSummary(path);
     if (!loaded) {
@@ -1301,8 +1302,11 @@ bool AbstractFileOperator::rewriteChecksumLine() {
     if (!m_file.writeFile(text::crcLine(crc).c_str(), true))
         return false;
     m_knownChecksum.mark(fileno(m_file.stream()), contentPosition(), crc);
-    if (!m_file.syncFile())
+    if (!m_file.syncFile()) {
+        // Whether the system keeps what it could not write to the disk is not known.
+        m_knownChecksum.forget();
         return false;
+    }
     m_crc = crc;
     m_backupOutdated = true;
     return true;

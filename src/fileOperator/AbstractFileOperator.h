@@ -152,7 +152,8 @@ protected:
     /// The table was refreshed from the factory copy.
     virtual void tableRefreshed() TD_REQUIRES(m_criticalSection) {}
 
-    /// Before the table is loaded anew: remembers the records that were stored and are not in the file yet.
+    /// Before the table is loaded anew: remembers the records that were stored and are not in the file yet, unless it
+    /// does already.
     virtual void saveUnwritten() TD_REQUIRES(m_criticalSection) {}
     /// Afterwards: puts them back, and if the load succeeded posts again those whose write had failed.
     virtual void putBackUnwritten(bool /*loaded*/) TD_REQUIRES(m_criticalSection) {}

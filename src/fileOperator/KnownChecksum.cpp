@@ -30,7 +30,7 @@ bool KnownChecksum::readStamp(int descriptor, Stamp& stamp) {
 void KnownChecksum::mark(int descriptor, int contentPosition, unsigned int crc) {
     m_known = false;
     timespec times[2] = {};
-    // The kernel's own times are those of its last tick, so one with odd nanoseconds is nobody else's.
+    // Newer than the times that the kernel itself gives, which are those of its last tick, and odd.
     if (clock_gettime(CLOCK_REALTIME, &times[1]) != 0)
         return;
     times[0].tv_nsec = UTIME_OMIT;

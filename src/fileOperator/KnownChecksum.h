@@ -21,6 +21,8 @@ public:
     /// in ascending order within the file.
     bool after(int descriptor, const RedoRecord& record, unsigned int& crc) const;
 
+    void forget() { m_known = false; }
+
 private:
     /// Of fixed widths: those of the system's types depend on a client's definitions where long has 32 bits.
     struct Stamp {

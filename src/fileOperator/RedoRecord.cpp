@@ -155,6 +155,13 @@ bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, un
     return true;
 }
 
+bool statesChecksum(const std::string& settingsFile, unsigned int crc) {
+    FileUtil file;
+    Summary summary;
+    return file.openFile(settingsFile.c_str(), "r") && readSummary(file, summary) == SummaryState::Complete &&
+           summary.crc == crc;
+}
+
 bool writeBack(const std::string& settingsFile, const RedoRecord& record) {
     FileUtil file;
     if (!file.openFile(settingsFile.c_str(), "r+"))
@@ -230,22 +237,26 @@ bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure
     RedoRecord record;
     if (!readAll(redoPath(settingsFile), text, error) || !parseRedo(text, record))
         return false;
-    // It was done, or another file has taken the place of the one that it was made for.
-    if (fileVerifies(settingsFile.c_str(), nullptr)) {
+    const bool verifies = fileVerifies(settingsFile.c_str(), nullptr);
+    // It was not begun, or another file has taken the place of the one that it was made for.
+    if (verifies && !statesChecksum(settingsFile, record.crc)) {
         clearRedo(settingsFile);
         return false;
     }
     unsigned int after = 0;
     if (!checksumAfter(settingsFile, record, after, error) || after != record.crc)
         return false;
+    // Also where all of it is in the file: its writer may have ended before the sync, or the sync may have failed.
     errno = 0;
     if (!writeBack(settingsFile, record)) {
         error = errno != 0 ? errno : EIO;
         DM_WARNING("a store in file [%s] was cut short and could not be ended.\n", settingsFile.c_str());
         return false;
     }
-    DM_INFO("a store in file [%s] was cut short and has been ended.\n", settingsFile.c_str());
     clearRedo(settingsFile);
+    if (verifies)
+        return false;
+    DM_INFO("a store in file [%s] was cut short and has been ended.\n", settingsFile.c_str());
     crc = record.crc;
     return true;
 }

@@ -47,7 +47,8 @@ void clearRedo(const std::string& settingsFile);
 DATAMODULE_API bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc);
 
 /// Ends a pending write, if the file does not verify as it is and would with the record, which then is cleared. A file
-/// that verifies stays as it is. The caller has the files for itself. Whether the file was changed; `crc` is then the
+/// that verifies keeps its contents; where the write is in them already it is made once more, as it may not be on the
+/// disk. The caller has the files for itself. Whether the file was changed; `crc` is then the
 /// checksum of its contents, and untouched otherwise. `failure`, if given, becomes 0, or errno's value when there is a
 /// record that could not be read, or not be carried out, for now: then it is still there.
 DATAMODULE_API bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure = nullptr);

@@ -206,14 +206,18 @@ void TableOperator::postRecord(const int* indices) {
 // --- records that are not in the file yet, while the table is loaded ---
 
 void TableOperator::saveUnwritten() {
-    for (auto& [record, unwritten] : m_unwritten)
-        unwritten.values.assign(recordAt(record), recordAt(record) + m_layout.fieldCount());
+    for (auto& [record, unwritten] : m_unwritten) {
+        // Where values are kept already the table holds a file of somebody else.
+        if (unwritten.values.empty())
+            unwritten.values.assign(recordAt(record), recordAt(record) + m_layout.fieldCount());
+    }
 }
 
 void TableOperator::putBackUnwritten(bool loaded) {
     std::vector<int> failed;
     for (auto& [record, unwritten] : m_unwritten) {
         std::copy(unwritten.values.begin(), unwritten.values.end(), recordAt(record));
+        unwritten.values.clear();
         recordPutBack(record);
         if (loaded && unwritten.hasFailed)
             failed.push_back(record);
@@ -403,9 +407,9 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
     {
         SectionLock lock(m_criticalSection);
         dumpRecord(dims.data());
-        const bool written = copyRecord(copy, dims.data());
-        if (written)
-            updateCrcCode();
+        const std::vector<int> records = copyRecord(copy, dims.data());
+        if (!records.empty())
+            writeAtOnce(records);
         if (copy.writesAtOnce)
             setBackupReq(true);
     }
@@ -413,34 +417,47 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
     return true;
 }
 
-bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
+std::vector<int> TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
     const int* given = recordAt(m_layout.recordIndex(indices));
-    bool added = false;
+    std::vector<int> atOnce;
     for (AxisSweep sweep(m_layout, indices, copy.axes); !sweep.done(); sweep.next()) {
-        int* other = recordAt(m_layout.recordIndex(sweep.indices()));
+        const int record = m_layout.recordIndex(sweep.indices());
+        int* other = recordAt(record);
         if (other == given || (copy.equal != nullptr ? copy.equal(other, given) : sameValues(other, given)))
             continue;
         std::copy_n(given, m_layout.fieldCount(), other);
         dumpRecord(sweep.indices());
-        if (copy.writesAtOnce)
-            added = addAtOnce(sweep.indices()) || added;
-        else
+        if (!copy.writesAtOnce) {
             postRecord(sweep.indices());
+            continue;
+        }
+        addAtOnce(sweep.indices());
+        atOnce.push_back(record);
     }
-    if (added && !writeSections())
-        DM_WARNING("write section %s for file [%s] failed!\n", idText(indices).c_str(), getFileFullPath());
-    return added;
+    return atOnce;
 }
 
 /// Goes past the queue, so what is queued for the section is out of date afterwards (invariant 4).
-bool TableOperator::addAtOnce(const int* indices) {
+void TableOperator::addAtOnce(const int* indices) {
     const int record = m_layout.recordIndex(indices);
     const std::unique_ptr<Event> event(makeEvent(toVector(m_layout, indices), recordAt(record)));
     m_writingAtOnce = true;
-    const bool added = syncSectionToFile(event.get());
+    syncSectionToFile(event.get());
+    m_unwritten[record] = {event->id(), true, {}};
     m_snapshotFloor.raise(record, EventIdGenerator::instance()->peekNextEventId());
     noteChange(record);
-    return added;
+}
+
+void TableOperator::writeAtOnce(const std::vector<int>& records) {
+    // No checksum makes good what is not all written: that is left to the redo record, or to the backup.
+    if (!writeSections()) {
+        DM_WARNING("write sections for file [%s] failed!\n", getFileFullPath());
+        return;
+    }
+    if (!updateCrcCode() || mergePending())
+        return;
+    for (const int record : records)
+        m_unwritten.erase(record);
 }
 
 // --- between a refresh from the factory copy and the reset of the current one ---

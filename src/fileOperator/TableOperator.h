@@ -116,11 +116,13 @@ private:
     void logIndices(DebugOutput::Level level, const char* format, const std::vector<int>& dims) const;
     bool sameValues(const int* one, const int* other) const;
     bool copyToOthers(const BulkCopy& copy, const std::vector<int>& dims) TD_EXCLUDES(m_criticalSection);
-    /// Copies the record to the others that the copy visits. Whether sections were written at once.
-    bool copyRecord(const BulkCopy& copy, const int* indices) TD_REQUIRES(m_criticalSection);
+    /// Copies the record to the others that the copy visits. The result: those that are to be written at once.
+    std::vector<int> copyRecord(const BulkCopy& copy, const int* indices) TD_REQUIRES(m_criticalSection);
+    /// Writes what was added for these records.
+    void writeAtOnce(const std::vector<int>& records) TD_REQUIRES(m_criticalSection);
     /// Adds the record's section to those that writeSections() is to write.
     bool addRecord(const int* record) TD_REQUIRES(m_criticalSection);
-    bool addAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
+    void addAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
     struct FactoryReading;
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
     bool restoreChanged(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
@@ -153,7 +155,7 @@ private:
     struct Unwritten {
         int event = 0;           ///< the newest
         bool hasFailed = false;  ///< it was handled, and is not written
-        std::vector<int> values; ///< while the table is loaded
+        std::vector<int> values; ///< while the table is loaded, or holds another file
     };
     std::map<int, Unwritten> m_unwritten TD_GUARDED_BY(m_criticalSection); ///< by record
     bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false;         ///< the snapshot to be written is the newest

@@ -483,6 +483,17 @@ TEST_F(LifecycleTest, ALoadKeepsWhatWasStoredAndIsNotWrittenYet) {
     EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_EQ(current(), currentWith(50));
+    // Nor does a look at another file come between.
+    op->releaseFile();
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 40));
+    EXPECT_EQ(m_parent.deliver(), 0);
+    EXPECT_TRUE(op->loadFile(m_root.path(Copy::Factory, FILE_NAME).c_str()));
+    EXPECT_NE(valueOf(*op, {}, FIELD), 40);
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 40);
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 50));
+    EXPECT_EQ(m_parent.deliver(), 1);
     // Taken back, or dropped because writing is forbidden.
     EXPECT_TRUE(storeValue(*op, {}, FIELD, 51));
     EXPECT_TRUE(op->restoreSettingFromCurrent({}));
