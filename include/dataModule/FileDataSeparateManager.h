@@ -145,6 +145,7 @@ private:
     bool loadInParallel(int& dataSize);
     /// Lets what was queued until now reach the files, so that no load reads older ones.
     void settleStores();
+    void forgetUnwritten();
     bool backupIfRequested(IFileOperator& op);
     /// Walks the set; nothing after stop().
     template <typename Action>

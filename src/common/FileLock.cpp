@@ -41,6 +41,10 @@ bool isAt(const std::string& path, int descriptor) {
            open.st_ino == named.st_ino;
 }
 
+bool isForNow(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOLCK || error == EIO;
+}
+
 } // namespace
 
 FileLock::~FileLock() {
@@ -58,17 +62,21 @@ FileLock::Attempt FileLock::tryLock(const std::string& path, Kind kind) {
 FileLock::Attempt FileLock::take(const std::string& path, Kind kind, bool wait) {
     constexpr int ATTEMPTS = 100;
     unlock();
+    m_failedForNow = false;
     if (wait)
         lockOrder::willWait(LockRank::Files);
     const int operation = (kind == Kind::Exclusive ? LOCK_EX : LOCK_SH) | (wait ? 0 : LOCK_NB);
     for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
         const int descriptor = openLockFile(path);
-        if (descriptor < 0)
+        if (descriptor < 0) {
+            m_failedForNow = isForNow(errno);
             return Attempt::NotAvailable;
+        }
         int result = flock(descriptor, operation);
         while (result != 0 && errno == EINTR)
             result = flock(descriptor, operation);
         const bool busy = result != 0 && errno == EWOULDBLOCK;
+        m_failedForNow = result != 0 && isForNow(errno);
         if (result == 0 && isAt(path, descriptor)) {
             m_descriptor = descriptor;
             m_kind = kind;

@@ -29,6 +29,9 @@ public:
     /// Gives the lock back, if one is held.
     void unlock();
     bool isHeld() const { return m_descriptor >= 0; }
+    /// Whether the last attempt failed for want of something that may be there again soon, as descriptors or memory:
+    /// others may well hold the lock.
+    bool failedForNow() const { return m_failedForNow; }
     /// Of the lock that is held.
     Kind kind() const { return m_kind; }
 
@@ -37,6 +40,7 @@ private:
 
     int m_descriptor = -1;
     Kind m_kind = Kind::Shared;
+    bool m_failedForNow = false;
 };
 
 } // namespace td

@@ -21,7 +21,7 @@ constexpr std::size_t PATH_SIZE = 256;
 constexpr std::size_t COPY_BLOCK_SIZE = 4096;
 constexpr mode_t DIRECTORY_MODE = 0777;
 constexpr mode_t FILE_MODE = 0666;
-constexpr mode_t PERMISSIONS = 07777;
+constexpr mode_t PERMISSIONS = 0777;
 
 // A stream belongs to one thread at a time, so stdio's own lock is not needed.
 #if defined(__GLIBC__)
@@ -164,8 +164,10 @@ bool syncDirectory(const Descriptor& directory) {
 /// Gives an open file the mode and owner of the file at `replaced`, if there is one.
 bool giveModeAndOwnerOf(const char* replaced, int descriptor) {
     struct stat status {};
-    if (stat(replaced, &status) != 0)
+    if (lstat(replaced, &status) != 0)
         return errno == ENOENT;
+    if (!S_ISREG(status.st_mode))
+        return true;
     // Only a privileged process may give files away; for the others the file stays their own.
     [[maybe_unused]] const int ignored = fchown(descriptor, status.st_uid, status.st_gid);
     return fchmod(descriptor, status.st_mode & PERMISSIONS) == 0;
@@ -210,13 +212,13 @@ private:
         return -1;
     }
 
-    /// Takes the lock. Whoever had it before may have renamed or removed the file meanwhile, and a leftover that has
-    /// further names or is no regular file is not ours to empty: then another one is made.
+    /// Takes the lock. Whoever had it before may have renamed or removed the file meanwhile, and a leftover that is
+    /// another user's, has further names or is no regular file is not ours to empty: then another one is made.
     static bool isOurs(const char* path, int descriptor) {
         struct stat status {};
         if (!lock(descriptor) || fstat(descriptor, &status) != 0 || !isAt(path, status))
             return false;
-        if (isNobodyElses(descriptor))
+        if (status.st_uid == geteuid() && isNobodyElses(descriptor))
             return ftruncate(descriptor, 0) == 0;
         unlink(path);
         return false;
@@ -400,7 +402,16 @@ bool FileUtil::checkPath(const char* path, bool create) {
     if (!create)
         return false;
     // Several loaders make the same directory at once; one of them does, the others find it made.
-    return mkdir(path, DIRECTORY_MODE) == 0 || (errno == EEXIST && exists(path));
+    if (mkdir(path, DIRECTORY_MODE) != 0)
+        return errno == EEXIST && exists(path);
+    // What is put into it is to be found again.
+    char name[PATH_SIZE] = {};
+    std::snprintf(name, sizeof name, "%s", path);
+    for (std::size_t last = std::strlen(name); last > 1 && name[last - 1] == '/'; --last)
+        name[last - 1] = '\0';
+    const Descriptor parent = openParent(name);
+    static_cast<void>(parent.isOpen() && syncDirectory(parent));
+    return true;
 }
 
 bool FileUtil::checkFile(const char* path) {

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,8 @@
 #include <dataModule/common/Thread.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/fileOperator/RedoRecord.h>
+#include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/platform/ConfigReader.h>
 #include <dataModule/platform/OsalThreads.h>
 #include <dataModule/platform/RootPrefix.h>
@@ -307,20 +310,52 @@ bool copyWholeFiles(const std::string& from, const std::vector<std::string>& nam
     return FileUtil::syncPath(to.c_str());
 }
 
+/// Takes the settings files that do not verify out of `names` of files in `directory`; they are the result.
+std::set<std::string> takeOutDamaged(const std::string& directory, std::vector<std::string>& names) {
+    std::set<std::string> damaged;
+    CRC32Util::instance()->init_crc_table(); // init() may still be to come
+    for (const CategoryLayout* layout : allLayouts()) {
+        const auto name = std::find(names.begin(), names.end(), layout->file);
+        if (name == names.end() || fileVerifies((directory + *name).c_str(), nullptr))
+            continue;
+        DM_WARNING(" file [%s%s] is damaged, the files in use stay as they are.\n", directory.c_str(), layout->file);
+        damaged.insert(*name);
+        names.erase(name);
+    }
+    return damaged;
+}
+
+/// Removes the directory's files but those of that name, and their redo records.
+void removeFilesBut(const std::set<std::string>& kept, const std::string& directory) {
+    std::vector<std::string> names;
+    if (kept.empty()) {
+        FileUtil::removeDirFile(directory.c_str());
+        return;
+    }
+    static_cast<void>(listNames(directory.c_str(), names));
+    for (const std::string& name : names) {
+        const bool isKept = std::any_of(
+            kept.begin(), kept.end(), [&](const std::string& file) { return name == file || name == redoPath(file); });
+        if (!isKept)
+            FileUtil::removeDirFile((directory + name).c_str());
+    }
+}
+
 /// Nothing is removed when there is nothing to put in its place.
 bool replaceByFactoryFiles(const char* factory) {
     std::vector<std::string> names;
     if (!listNames(factory, names))
         return false;
+    const std::set<std::string> damaged = takeOutDamaged(factory, names);
     const std::string current = paths::currentDirectory();
     const std::string backup = paths::backupDirectory();
     const std::string parent = underRootPrefix(paths::DATA_DIRECTORY);
     const AllFilesLock lock;
     // The backups go first, on the disk too: whatever cuts this short, no old backup takes the place of a newer current
     // file.
-    FileUtil::removeDirFile(backup.c_str());
-    static_cast<void>(FileUtil::syncPath(parent.c_str()));
-    FileUtil::removeDirFile(current.c_str());
+    removeFilesBut(damaged, backup);
+    static_cast<void>(FileUtil::syncPath(damaged.empty() ? parent.c_str() : backup.c_str()));
+    removeFilesBut(damaged, current);
     return copyWholeFiles(factory, names, current) && copyWholeFiles(factory, names, backup) &&
            FileUtil::syncPath(parent.c_str());
 }
@@ -477,12 +512,17 @@ const char* FileDataSeparateManager::getTvType() {
 
 bool FileDataSeparateManager::setStoreFileFlag(bool allowed) {
     m_storeFileFlag = allowed;
+    if (!allowed)
+        forgetUnwritten();
+    return true;
+}
+
+void FileDataSeparateManager::forgetUnwritten() {
     for (const auto& [category, op] : m_fileOperators) {
         auto* const stored = dynamic_cast<AbstractFileOperator*>(op);
-        if (!allowed && stored != nullptr)
+        if (stored != nullptr)
             stored->forgetUnwritten();
     }
-    return true;
 }
 
 bool FileDataSeparateManager::getStoreFileFlag() {
@@ -793,10 +833,13 @@ bool FileDataSeparateManager::loadManufactoryPath() {
 
 bool FileDataSeparateManager::initCurrentFromManufactory() {
     DM_INFO(" init 'current' data files from 'manufactory' -- [%s] ...\n", m_manufactoryPath);
+    // What was stored before the reset does not come after it.
+    settleStores();
     if (!attempt([this] { return replaceByFactoryFiles(m_manufactoryPath); })) {
         DM_ERROR(" init current dataModule files from manufactory path [%s] failed.\n", m_manufactoryPath);
         return false;
     }
+    forgetUnwritten();
     DM_INFO(" init 'current' dataModule files from manufactory path [%s] successfully.\n", m_manufactoryPath);
     return true;
 }

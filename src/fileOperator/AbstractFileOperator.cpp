@@ -250,7 +250,7 @@ void AbstractFileOperator::closeFile() {
 void AbstractFileOperator::shareFiles() {
     if (!m_criticalSection.shareFiles(paths::lockFile(m_fileName)))
         return;
-    if (redoIsPending(getWorkPath(NORMAL_LOAD) + m_fileName))
+    if (!m_torn.writes.empty() || redoIsPending(getWorkPath(NORMAL_LOAD) + m_fileName))
         takeFiles();
 }
 
@@ -266,10 +266,29 @@ void AbstractFileOperator::endPendingWrite() {
     m_redoStored = false;
     m_redo.writes.clear(); // of a copy that was given up
     m_pendingError = 0;
-    if (!redoIsPending(current) || !replayRedo(current, m_crc, &m_pendingError))
+    const bool changed =
+        endTornWrite(current) || (redoIsPending(current) && replayRedo(current, m_crc, &m_pendingError));
+    if (!changed)
         return;
     m_file.dropReadAhead();
     m_backupOutdated = true;
+}
+
+bool AbstractFileOperator::endTornWrite(const std::string& current) {
+    if (m_torn.writes.empty())
+        return false;
+    struct stat status = {};
+    const bool isThere = stat(current.c_str(), &status) == 0 && status.st_dev == m_tornFile.device &&
+                         status.st_ino == m_tornFile.inode && !fileVerifies(current.c_str(), nullptr);
+    errno = 0;
+    if (isThere && !repeatWrite(current, m_torn)) {
+        m_pendingError = errno != 0 ? errno : EIO;
+        return false;
+    }
+    m_torn.writes.clear();
+    if (isThere)
+        m_crc = m_torn.crc;
+    return isThere;
 }
 
 void AbstractFileOperator::closeIfReleased() {
@@ -308,6 +327,8 @@ bool AbstractFileOperator::openCurrent() {
         return false;
     shareFiles();
     m_sectionSkipped = false;
+    if (m_criticalSection.filesUnsure())
+        return false;
     const std::string path = getWorkPath(NORMAL_LOAD) + m_fileName;
     // With a new checksum what is half written would pass for whole (invariant 7).
     if (m_pendingError != 0 && !fileVerifies(path.c_str(), nullptr))
@@ -334,6 +355,10 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
         return false;
     shareFiles();
     m_readError = 0;
+    if (m_criticalSection.filesUnsure()) {
+        noteUnreadable(EMFILE);
+        return false;
+    }
     const std::string path = mode == MANUFACTORY_LOAD ? factoryPath() : getWorkPath(mode) + m_fileName;
     closeFile();
     setPath(path);
@@ -985,6 +1010,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     takeFiles();
     closeFile();
     m_loadMode = NORMAL_LOAD;
+    m_nameSynced = false;
     const std::string directory = getWorkPath(NORMAL_LOAD);
     const std::string path = directory + m_fileName;
     setPath(path);
@@ -1132,6 +1158,7 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
     takeFiles();
     closeFile();
     setPath(current);
+    m_nameSynced = false;
     // Invariant 1.
     if (fileVerifies(factory.c_str(), m_version) && FileUtil::replaceFile(factory.c_str(), current.c_str())) {
         outdateSnapshots();
@@ -1275,13 +1302,22 @@ bool AbstractFileOperator::writeSections() {
                    storeRedo(m_open.path, m_redo);
     if (!m_redoStored)
         DM_INFO("no redo record for file [%s], the store goes on without.\n", m_open.path.c_str());
+    // Whoever put the file in its place may have ended before the directory was on the disk.
+    if (!m_nameSynced)
+        m_nameSynced = FileUtil::syncPath(getWorkPath(NORMAL_LOAD).c_str());
     const std::vector<RedoRecord::Write> writes = std::exchange(m_redo.writes, {});
     const DeferredSync deferred(m_file, true);
     for (const RedoRecord::Write& write : writes) {
         if (m_file.setPos(write.offset) && m_file.writeFile(write.bytes.c_str(), true))
             continue;
         // A stream that failed once is not to be trusted with another write.
+        const OpenFile torn = m_open;
         closeFile();
+        if (!m_redoStored) {
+            m_torn = m_redo;
+            m_torn.writes = writes;
+            m_tornFile = torn;
+        }
         m_redoStored = false;
         return false;
     }

@@ -209,6 +209,8 @@ private:
     bool prepareBackup() TD_REQUIRES(m_criticalSection);
     /// Once per critical section, as soon as it has the files for itself.
     void endPendingWrite() TD_REQUIRES(m_criticalSection);
+    /// Whether it changed the file.
+    bool endTornWrite(const std::string& current) TD_REQUIRES(m_criticalSection);
     void setPath(const std::string& path) TD_REQUIRES(m_criticalSection);
     bool openFile(const std::string& path, const char* mode) TD_REQUIRES(m_criticalSection);
     /// Whether the open file is still the one at `path`.
@@ -281,6 +283,11 @@ private:
 
     RedoRecord m_redo TD_GUARDED_BY(m_criticalSection);         ///< of the sections added or written last
     bool m_redoStored TD_GUARDED_BY(m_criticalSection) = false; ///< it is on the disk; the checksum is still to follow
+    RedoRecord
+        m_torn TD_GUARDED_BY(m_criticalSection); ///< of writes that failed halfway and left no record on the disk
+    OpenFile m_tornFile TD_GUARDED_BY(m_criticalSection); ///< what they were for
+    bool
+        m_nameSynced TD_GUARDED_BY(m_criticalSection) = false; ///< the current copy is in its directory on the disk too
     KnownChecksum m_knownChecksum TD_GUARDED_BY(m_criticalSection);
     OpenFile m_open TD_GUARDED_BY(m_criticalSection);
     bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made

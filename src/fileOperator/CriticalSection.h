@@ -4,7 +4,7 @@
 ///
 /// The lock between processes comes right after the mutex in the lock order; a process holds those of several
 /// categories at once only for a factory reset, which takes them in the order of the categories. Where no lock file can
-/// be had the steps go on without.
+/// be had the steps go on without; where it cannot be had for now, nothing is written, and nothing read is trusted.
 #pragma once
 
 #include <atomic>
@@ -70,11 +70,13 @@ public:
     bool tryTakeFiles(const std::string& lockFile) TD_REQUIRES(this) {
         if (m_kept)
             return true;
-        if (m_files.tryLock(lockFile, FileLock::Kind::Exclusive) == FileLock::Attempt::Busy)
+        if (m_files.tryLock(lockFile, FileLock::Kind::Exclusive) == FileLock::Attempt::Busy || filesUnsure())
             return false;
         m_claim = Claim::Exclusive;
         return true;
     }
+    /// Whether the lock that was asked for cannot be had for now.
+    bool filesUnsure() const TD_REQUIRES(this) { return m_files.failedForNow(); }
     /// Whether leaving the section keeps the lock between processes, for a thread that enters it next.
     void keepFiles(bool keep) TD_REQUIRES(this) { m_kept = keep; }
 

@@ -230,6 +230,10 @@ bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, un
     return checksumAfter(settingsFile, record, crc, ignored);
 }
 
+bool repeatWrite(const std::string& settingsFile, RedoRecord& record) {
+    return checksumAfter(settingsFile, record, record.crc) && writeBack(settingsFile, record);
+}
+
 bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure) {
     int ignored = 0;
     int& error = failure != nullptr ? *failure : ignored;

@@ -42,6 +42,9 @@ bool redoIsPending(const std::string& settingsFile);
 bool storeRedo(const std::string& settingsFile, const RedoRecord& record);
 /// Nothing is pending any more. Not synced: a record that comes back after a cut of power is found to be done.
 void clearRedo(const std::string& settingsFile);
+/// Makes the record's writes to a file that they were divided in before, whatever checksum it states; `record.crc`
+/// becomes that of its contents. The caller has the files for itself.
+bool repeatWrite(const std::string& settingsFile, RedoRecord& record);
 /// The checksum that the contents of the settings file would have after the record's writes. False when the file cannot
 /// be read or does not reach as far.
 DATAMODULE_API bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc);
