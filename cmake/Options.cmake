@@ -2,7 +2,7 @@
 
 option(DATAMODULE_WERROR "Treat compiler warnings as errors" OFF)
 option(DATAMODULE_CHECK_LOCKS "Check the lock order at run time and end the program where it is not kept" OFF)
-option(DATAMODULE_UNITY "Compile the categories several at a time: quicker from scratch" OFF)
+option(DATAMODULE_UNITY "Compile several sources at a time: much quicker from scratch" OFF)
 option(DATAMODULE_COVERAGE "Count which lines of the library run; see scripts/coverage" OFF)
 set(DATAMODULE_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize= (address,undefined or thread)")
 set(DATAMODULE_PLATFORM_DIR ${CMAKE_SOURCE_DIR}/platform/host

@@ -62,7 +62,7 @@ void expectSame(const Exchange& read, const std::vector<ExchangeCategory>& writt
 TEST(ExchangeTest, WhatIsWrittenIsReadBackExactly) {
     for (const unsigned int outOfHundred : {1U, 20U}) {
         const std::vector<ExchangeCategory> categories = randomCategories(outOfHundred, outOfHundred);
-        for (const ExchangeFormat format : {ExchangeFormat::Json, ExchangeFormat::Csv})
+        for (const ExchangeFormat format : {ExchangeFormat::AsJson, ExchangeFormat::AsCsv})
             expectSame(parseExchange(exchangeText(format, "current", categories)), categories);
     }
 }
@@ -197,7 +197,7 @@ TEST(ExchangeTest, DamagedExportsAreRefusedOrHoldLess) {
         ++category.count;
     }
     std::mt19937 random(1);
-    for (const ExchangeFormat format : {ExchangeFormat::Json, ExchangeFormat::Csv}) {
+    for (const ExchangeFormat format : {ExchangeFormat::AsJson, ExchangeFormat::AsCsv}) {
         const std::string text = exchangeText(format, "current", {category});
         for (std::size_t size = 0; size < text.size(); ++size) {
             const Exchange cut = parseExchange(text.substr(0, size));

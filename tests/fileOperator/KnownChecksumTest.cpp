@@ -15,7 +15,7 @@
 namespace td::test {
 namespace {
 
-constexpr const char* FILE_NAME = "pic_mode_usr.ini";
+constexpr const char* MARKED_FILE = "pic_mode_usr.ini";
 
 class KnownChecksumTest : public testing::Test {
 protected:
@@ -30,7 +30,7 @@ protected:
         ASSERT_TRUE(m_op.storeData(dims, {{"Contrast", value}}));
         ASSERT_EQ(m_parent.deliver(), 1);
     }
-    std::string current() const { return m_root.read(Copy::Current, FILE_NAME); }
+    std::string current() const { return m_root.read(Copy::Current, MARKED_FILE); }
 
     SettingsRoot m_root;
     FakeParent m_parent;
@@ -54,13 +54,13 @@ TEST_F(KnownChecksumTest, IsRightAfterACopyToAllSources) {
 
 TEST_F(KnownChecksumTest, CoversWhatOthersWroteInTheFile) {
     const std::string changed = withValue(current(), "[111]\n", "Contrast", 42);
-    m_root.write(Copy::Current, FILE_NAME, changed);
+    m_root.write(Copy::Current, MARKED_FILE, changed);
     store({0, 0, 0}, 12);
     EXPECT_EQ(current(), withChecksum(withValue(changed, "[000]\n", "Contrast", 12)));
 }
 
 TEST_F(KnownChecksumTest, CoversAFileThatTookThePlaceOfTheOldOne) {
-    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    const std::string path = SettingsRoot::path(Copy::Current, MARKED_FILE);
     const std::string changed = withValue(current(), "[111]\n", "Contrast", 42);
     m_root.write(Copy::Current, "other", changed);
     std::filesystem::last_write_time(SettingsRoot::path(Copy::Current, "other"),

@@ -27,8 +27,8 @@
 namespace td::test {
 namespace {
 
-constexpr const char* FILE_NAME = "pic_global_usr.ini";
-constexpr const char* MODE_FILE = "pic_mode_usr.ini";
+constexpr const char* PICTURE_GLOBAL_FILE = "pic_global_usr.ini";
+constexpr const char* PICTURE_MODE_FILE = "pic_mode_usr.ini";
 constexpr const char* FIELD = "RGBOnly";
 constexpr Copy ALL_COPIES[] = {Copy::Current, Copy::Backup, Copy::Factory};
 
@@ -83,16 +83,16 @@ protected:
     /// copy.
     void makeCopies() {
         ASSERT_TRUE(makeOperator()->initFile(true));
-        m_text = m_root.read(Copy::Current, FILE_NAME);
+        m_text = m_root.read(Copy::Current, PICTURE_GLOBAL_FILE);
         for (const Copy copy : ALL_COPIES)
-            m_root.write(copy, FILE_NAME, goodText(copy));
+            m_root.write(copy, PICTURE_GLOBAL_FILE, goodText(copy));
     }
     int fieldOf(Copy copy) const { return static_cast<int>(copy) + 1; }
     std::string goodText(Copy copy) const {
         return withChecksum(withValue(m_text, "[Global]\n", FIELD, fieldOf(copy)));
     }
-    std::string current(const char* file = FILE_NAME) const { return m_root.read(Copy::Current, file); }
-    std::string backup(const char* file = FILE_NAME) const { return m_root.read(Copy::Backup, file); }
+    std::string current(const char* file = PICTURE_GLOBAL_FILE) const { return m_root.read(Copy::Current, file); }
+    std::string backup(const char* file = PICTURE_GLOBAL_FILE) const { return m_root.read(Copy::Backup, file); }
 
     SettingsRoot m_root;
     FakeParent m_parent;
@@ -154,9 +154,9 @@ protected:
     void damage(Copy copy) {
         const std::optional<std::string> text = damages()[GetParam()].apply(goodText(copy));
         if (text)
-            m_root.write(copy, FILE_NAME, *text);
+            m_root.write(copy, PICTURE_GLOBAL_FILE, *text);
         else
-            m_root.remove(copy, FILE_NAME);
+            m_root.remove(copy, PICTURE_GLOBAL_FILE);
     }
 };
 
@@ -175,12 +175,12 @@ TEST_P(DamageTest, TheNextGoodCopyIsLoadedAndPutInPlace) {
     ASSERT_TRUE(op->loadFile());
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
     EXPECT_EQ(current(), goodText(Copy::Factory));
-    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, FILE_NAME));
+    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE));
     // From here on it is an ordinary current copy.
     EXPECT_TRUE(storeValue(*op, {}, FIELD, 8));
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 8)));
-    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), goodText(Copy::Factory));
+    EXPECT_EQ(m_root.read(Copy::Factory, PICTURE_GLOBAL_FILE), goodText(Copy::Factory));
 }
 
 class FactoryDamageTest : public DamageTest {};
@@ -193,7 +193,7 @@ TEST_P(FactoryDamageTest, ADamagedFactoryCopyIsTheEndAndCopiedNowhere) {
     auto op = makeOperator();
     EXPECT_FALSE(op->loadFile());
     EXPECT_EQ(m_root.files(), before);
-    if (m_root.exists(Copy::Current, FILE_NAME)) {
+    if (m_root.exists(Copy::Current, PICTURE_GLOBAL_FILE)) {
         EXPECT_EQ(current(), *damages()[GetParam()].apply(goodText(Copy::Current)));
     }
     std::vector<_Argument_t> args;
@@ -219,7 +219,7 @@ TEST_F(LifecycleTest, AGoodCurrentCopyIsLoadedOnce) {
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
     EXPECT_NE(op->getFileHandler(), nullptr);
 
-    m_root.write(Copy::Current, FILE_NAME, goodText(Copy::Factory));
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, goodText(Copy::Factory));
     EXPECT_TRUE(op->loadFile());
     EXPECT_TRUE(m_log.contains("already load yet, NEEDN'T load again.\n"));
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
@@ -244,7 +244,7 @@ TEST_F(LifecycleTest, ACopyOfTheLargestSizeIsRead) {
     for (; missing > 200; missing -= 100)
         padding += "#" + std::string(98, '.') + "\n";
     padding += "#" + std::string(missing - 102, '.') + "\n#" + std::string(98, '.') + "\n";
-    m_root.write(Copy::Current, FILE_NAME, padding + good);
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, padding + good);
     ASSERT_EQ(current().size(), std::size_t{text::MAX_FILE_SIZE});
     auto op = makeOperator();
     ASSERT_TRUE(op->loadFile());
@@ -266,7 +266,7 @@ TEST_F(LifecycleTest, WhatTheFormatAllowsLoads) {
         {"another header line", withChecksum(replaced(good, "[Global]\n", "[Anything]\n"))},
     };
     for (const auto& [name, text] : texts) {
-        m_root.write(Copy::Current, FILE_NAME, text);
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, text);
         auto op = makeOperator();
         ASSERT_TRUE(op->loadFile()) << name;
         EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current)) << name;
@@ -286,7 +286,7 @@ TEST_F(LifecycleTest, AFileThatEndsEarlyLoadsWithoutValuesAndIsNeverWritten) {
         {"after the summary", withChecksum(good.substr(0, contentAt(good)))},
     };
     for (const auto& [name, text] : texts) {
-        m_root.write(Copy::Current, FILE_NAME, text);
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, text);
         auto op = makeOperator();
         ASSERT_TRUE(op->loadFile()) << name;
         EXPECT_EQ(valueOf(*op, {}, FIELD), 0) << name;
@@ -300,19 +300,19 @@ TEST_F(LifecycleTest, AFileThatEndsEarlyLoadsWithoutValuesAndIsNeverWritten) {
 
 TEST_F(LifecycleTest, SectionsThatCannotBePlacedMakeACopyMalformed) {
     ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
-    const std::string good = current(MODE_FILE);
+    const std::string good = current(PICTURE_MODE_FILE);
     const std::pair<const char*, const char*> cases[] = {
         {"[0g0]\n", "parse section [[0g0]\n] for file ["},
         {"[00]\n", "parse section [[00]\n] for file ["},
         {"[0c0]\n", "The dimension value is invalid when load content.\n"},
     };
     for (const auto& [header, message] : cases) {
-        m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(good, "[0a0]\n", header)));
+        m_root.write(Copy::Current, PICTURE_MODE_FILE, withChecksum(replaced(good, "[0a0]\n", header)));
         m_log.clear();
         auto op = makeOperator<Mode>();
         EXPECT_TRUE(op->loadFile());
         EXPECT_TRUE(m_log.contains(message)) << header;
-        EXPECT_TRUE(current(MODE_FILE) == good) << "the backup took its place";
+        EXPECT_TRUE(current(PICTURE_MODE_FILE) == good) << "the backup took its place";
     }
 }
 
@@ -320,9 +320,9 @@ TEST_F(LifecycleTest, SectionsThatCannotBePlacedMakeACopyMalformed) {
 
 TEST_F(LifecycleTest, AFactoryCopyOfAnotherVersionIsTheEnd) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
-    m_root.write(Copy::Factory, FILE_NAME, replaced(goodText(Copy::Factory), "v0.4", "v0.5"));
-    m_root.remove(Copy::Current, FILE_NAME);
-    m_root.remove(Copy::Backup, FILE_NAME);
+    m_root.write(Copy::Factory, PICTURE_GLOBAL_FILE, replaced(goodText(Copy::Factory), "v0.4", "v0.5"));
+    m_root.remove(Copy::Current, PICTURE_GLOBAL_FILE);
+    m_root.remove(Copy::Backup, PICTURE_GLOBAL_FILE);
     EXPECT_FALSE(makeOperator()->loadFile());
     EXPECT_TRUE(m_log.contains("The Tv Version [v0.5] of data file ["));
     EXPECT_TRUE(m_log.contains("because of  version not matched from manufactory data files.\n"));
@@ -330,11 +330,11 @@ TEST_F(LifecycleTest, AFactoryCopyOfAnotherVersionIsTheEnd) {
 
     // An old current copy changes nothing: it stays, and a later load may try again.
     const std::string old = replaced(goodText(Copy::Current), "v0.4", "v0.3");
-    m_root.write(Copy::Current, FILE_NAME, old);
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, old);
     auto op = makeOperator();
     EXPECT_FALSE(op->loadFile());
     EXPECT_EQ(current(), old);
-    m_root.write(Copy::Factory, FILE_NAME, goodText(Copy::Factory));
+    m_root.write(Copy::Factory, PICTURE_GLOBAL_FILE, goodText(Copy::Factory));
     EXPECT_TRUE(op->loadFile());
     op->waitForMerge();
     EXPECT_EQ(current(), goodText(Copy::Current));
@@ -342,7 +342,7 @@ TEST_F(LifecycleTest, AFactoryCopyOfAnotherVersionIsTheEnd) {
 
 TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
     ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
-    const std::string good = current(MODE_FILE);
+    const std::string good = current(PICTURE_MODE_FILE);
     // Older: keys in another order, one missing, one unknown, a section that no longer exists.
     std::string old = replaced(good, "v0.4", "v0.3");
     const std::size_t section = old.find("[3a7]\n") + 6;
@@ -350,10 +350,10 @@ TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
                    keyLine("Brightness", "0061") + keyLine("Contrast", "0062"), section);
     old = replaced(old, keyLine("Hue", "0000"), keyLine("Forgotten", "0063"), section);
     old = replaced(old, "[3b0]\n", "[3c0]\n" + keyLine("Contrast", "0064") + "[3b0]\n");
-    m_root.write(Copy::Current, MODE_FILE, withChecksum(old));
-    m_root.write(Copy::Factory, MODE_FILE, withChecksum(withValue(good, "[3a7]\n", "Hue", 17)));
+    m_root.write(Copy::Current, PICTURE_MODE_FILE, withChecksum(old));
+    m_root.write(Copy::Factory, PICTURE_MODE_FILE, withChecksum(withValue(good, "[3a7]\n", "Hue", 17)));
 
-    const std::string path = m_root.path(Copy::Current, MODE_FILE);
+    const std::string path = m_root.path(Copy::Current, PICTURE_MODE_FILE);
     ASSERT_EQ(chmod(path.c_str(), 0640), 0);
 
     auto op = makeOperator<Mode>();
@@ -370,12 +370,12 @@ TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
     struct stat status = {};
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0640U) << "the new file has the old one's mode";
-    EXPECT_TRUE(current(MODE_FILE) == expected);
-    EXPECT_TRUE(backup(MODE_FILE) == expected);
+    EXPECT_TRUE(current(PICTURE_MODE_FILE) == expected);
+    EXPECT_TRUE(backup(PICTURE_MODE_FILE) == expected);
 
     EXPECT_TRUE(storeValue(*op, dims, "Hue", 18));
     EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_TRUE(current(MODE_FILE) == withChecksum(withValue(expected, "[3a7]\n", "Hue", 18)));
+    EXPECT_TRUE(current(PICTURE_MODE_FILE) == withChecksum(withValue(expected, "[3a7]\n", "Hue", 18)));
 }
 
 TEST_F(LifecycleTest, AnOldBackupIsMergedWhenTheCurrentCopyCannotBe) {
@@ -388,10 +388,10 @@ TEST_F(LifecycleTest, AnOldBackupIsMergedWhenTheCurrentCopyCannotBe) {
         withChecksum(oldCurrent.substr(0, contentAt(oldCurrent)) + "[Other]\n") + "x", // damaged after the summary
     };
     for (const auto& text : currents) {
-        m_root.write(Copy::Backup, FILE_NAME, oldBackup);
-        m_root.remove(Copy::Current, FILE_NAME);
+        m_root.write(Copy::Backup, PICTURE_GLOBAL_FILE, oldBackup);
+        m_root.remove(Copy::Current, PICTURE_GLOBAL_FILE);
         if (text)
-            m_root.write(Copy::Current, FILE_NAME, *text);
+            m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, *text);
         auto op = makeOperator();
         ASSERT_TRUE(op->loadFile());
         EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Backup));
@@ -400,8 +400,8 @@ TEST_F(LifecycleTest, AnOldBackupIsMergedWhenTheCurrentCopyCannotBe) {
         EXPECT_EQ(backup(), goodText(Copy::Backup));
     }
     // With neither of use the factory values are written in the new version.
-    m_root.write(Copy::Current, FILE_NAME, replaced(oldCurrent, "= 0x", "= 0xf"));
-    m_root.write(Copy::Backup, FILE_NAME, replaced(oldBackup, "= 0x", "= 0xf"));
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(oldCurrent, "= 0x", "= 0xf"));
+    m_root.write(Copy::Backup, PICTURE_GLOBAL_FILE, replaced(oldBackup, "= 0x", "= 0xf"));
     auto op = makeOperator();
     ASSERT_TRUE(op->loadFile());
     EXPECT_TRUE(m_log.contains("just ignore current file content !!! \n"));
@@ -412,7 +412,7 @@ TEST_F(LifecycleTest, AnOldBackupIsMergedWhenTheCurrentCopyCannotBe) {
 TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     const std::string old = replaced(goodText(Copy::Current), "v0.4", "v0.3");
-    m_root.write(Copy::Current, FILE_NAME, old);
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, old);
     auto op = makeOperator(false);
     ASSERT_TRUE(op->loadFile());
     op->writing.pass();
@@ -487,7 +487,7 @@ TEST_F(LifecycleTest, ALoadKeepsWhatWasStoredAndIsNotWrittenYet) {
     op->releaseFile();
     EXPECT_TRUE(storeValue(*op, {}, FIELD, 40));
     EXPECT_EQ(m_parent.deliver(), 0);
-    EXPECT_TRUE(op->loadFile(m_root.path(Copy::Factory, FILE_NAME).c_str()));
+    EXPECT_TRUE(op->loadFile(m_root.path(Copy::Factory, PICTURE_GLOBAL_FILE).c_str()));
     EXPECT_NE(valueOf(*op, {}, FIELD), 40);
     ASSERT_TRUE(op->loadFile());
     EXPECT_EQ(valueOf(*op, {}, FIELD), 40);
@@ -508,7 +508,7 @@ TEST_F(LifecycleTest, ALoadKeepsWhatWasStoredAndIsNotWrittenYet) {
 TEST_F(LifecycleTest, ReleasingWaitsForTheMergedFile) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     for (const auto& release : {&Global::releaseFile, &Global::resetForLoadFile}) {
-        m_root.write(Copy::Current, FILE_NAME, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
         auto op = makeOperator();
         ASSERT_TRUE(op->loadFile());
         EXPECT_TRUE((op.get()->*release)());
@@ -522,7 +522,7 @@ TEST_F(LifecycleTest, ReleasingWaitsForTheMergedFile) {
 TEST_F(LifecycleTest, StoresDuringAMergeReachTheNewFile) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     for (int round = 0; round < 20; ++round) {
-        m_root.write(Copy::Current, FILE_NAME, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
         auto op = makeOperator();
         ASSERT_TRUE(op->loadFile());
         for (const int value : {30, 31, 32}) {
@@ -555,9 +555,9 @@ TEST_F(LifecycleTest, AMergeThatCannotBeWrittenKeepsTheOldCopies) {
     const std::string second = keyLine("HDMI1_DR", "0000");
     const std::string old =
         withChecksum(replaced(replaced(goodText(Copy::Current), "v0.4", "v0.3"), first + second, second + first));
-    m_root.write(Copy::Current, FILE_NAME, old);
-    m_root.write(Copy::Current, std::string(FILE_NAME) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
-    const auto obstacle = SettingsRoot::path(Copy::Current, FILE_NAME) + FileUtil::TEMPORARY_SUFFIX;
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, old);
+    m_root.write(Copy::Current, std::string(PICTURE_GLOBAL_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+    const auto obstacle = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE) + FileUtil::TEMPORARY_SUFFIX;
     auto op = makeOperator();
     ASSERT_TRUE(op->loadFile());
     op->waitForMerge();
@@ -584,16 +584,16 @@ TEST_F(LifecycleTest, AMergeThatCannotBeWrittenKeepsTheOldCopies) {
 
 TEST_F(LifecycleTest, AMergeThatCouldNotBeWrittenDoesNotUndoAnotherProcesses) {
     ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
-    const std::string good = current(MODE_FILE);
+    const std::string good = current(PICTURE_MODE_FILE);
     const std::string merged = withChecksum(withValue(good, "[3a7]\n", "Hue", 9)); // and a store since
     for (const bool loading : {true, false}) {
-        m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(good, "v0.4", "v0.3")));
-        m_root.write(Copy::Current, std::string(MODE_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+        m_root.write(Copy::Current, PICTURE_MODE_FILE, withChecksum(replaced(good, "v0.4", "v0.3")));
+        m_root.write(Copy::Current, std::string(PICTURE_MODE_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
         auto op = makeOperator<Mode>();
         ASSERT_TRUE(op->loadFile());
         op->waitForMerge();
-        std::filesystem::remove_all(SettingsRoot::path(Copy::Current, MODE_FILE) + FileUtil::TEMPORARY_SUFFIX);
-        m_root.write(Copy::Current, MODE_FILE, merged); // the other process had more luck
+        std::filesystem::remove_all(SettingsRoot::path(Copy::Current, PICTURE_MODE_FILE) + FileUtil::TEMPORARY_SUFFIX);
+        m_root.write(Copy::Current, PICTURE_MODE_FILE, merged); // the other process had more luck
         if (loading) {
             EXPECT_TRUE(op->releaseFile());
             EXPECT_TRUE(op->loadFile());
@@ -601,27 +601,27 @@ TEST_F(LifecycleTest, AMergeThatCouldNotBeWrittenDoesNotUndoAnotherProcesses) {
         }
         EXPECT_TRUE(storeValue(*op, {4, 0, 0}, "Hue", 7));
         EXPECT_EQ(m_parent.deliver(), 1);
-        EXPECT_TRUE(current(MODE_FILE) == withChecksum(withValue(merged, "[400]\n", "Hue", 7))) << loading;
+        EXPECT_TRUE(current(PICTURE_MODE_FILE) == withChecksum(withValue(merged, "[400]\n", "Hue", 7))) << loading;
     }
 }
 
 TEST_F(LifecycleTest, CopyingToAllSourcesAfterAFailedMergeLeavesARightChecksum) {
     ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
-    const std::string good = current(MODE_FILE);
-    m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(good, "v0.4", "v0.3")));
-    m_root.write(Copy::Current, std::string(MODE_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+    const std::string good = current(PICTURE_MODE_FILE);
+    m_root.write(Copy::Current, PICTURE_MODE_FILE, withChecksum(replaced(good, "v0.4", "v0.3")));
+    m_root.write(Copy::Current, std::string(PICTURE_MODE_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
     auto op = makeOperator<Mode>();
     ASSERT_TRUE(op->loadFile());
     op->waitForMerge();
-    std::filesystem::remove_all(SettingsRoot::path(Copy::Current, MODE_FILE) + FileUtil::TEMPORARY_SUFFIX);
+    std::filesystem::remove_all(SettingsRoot::path(Copy::Current, PICTURE_MODE_FILE) + FileUtil::TEMPORARY_SUFFIX);
     EXPECT_TRUE(storeValue(*op, {4, 0, 0}, "Hue", 9));
     EXPECT_TRUE(op->applySettingForAllSources({4, 0, 0}));
-    EXPECT_TRUE(checksumIsRight(current(MODE_FILE)));
+    EXPECT_TRUE(checksumIsRight(current(PICTURE_MODE_FILE)));
     m_parent.deliver();
     std::string expected = good;
     for (const char source : std::string("0123456789abcdef"))
         expected = withValue(expected, std::string("[") + source + "00]\n", "Hue", 9);
-    EXPECT_TRUE(current(MODE_FILE) == withChecksum(expected));
+    EXPECT_TRUE(current(PICTURE_MODE_FILE) == withChecksum(expected));
 }
 
 // --- making files ---
@@ -636,10 +636,10 @@ TEST_F(LifecycleTest, MakesThreeCopiesOnce) {
     EXPECT_EQ(text.size() - contentAt(text), std::size_t{9 + 28 * 32});
     EXPECT_TRUE(checksumIsRight(text));
     EXPECT_EQ(backup(), text);
-    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), text);
+    EXPECT_EQ(m_root.read(Copy::Factory, PICTURE_GLOBAL_FILE), text);
     EXPECT_EQ(m_root.files().size(), 3U) << "nothing temporary is left";
 
-    m_root.write(Copy::Current, FILE_NAME, "mine");
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, "mine");
     EXPECT_FALSE(makeOperator()->initFile(true));
     EXPECT_TRUE(m_log.contains("init failed -- file ["));
     EXPECT_EQ(current(), "mine");
@@ -647,7 +647,7 @@ TEST_F(LifecycleTest, MakesThreeCopiesOnce) {
 
 TEST_F(LifecycleTest, MakesEverySectionInOrderWithItsDefaults) {
     ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
-    const std::string text = current(MODE_FILE);
+    const std::string text = current(PICTURE_MODE_FILE);
     const std::size_t content = contentAt(text);
     ASSERT_EQ(content, 3420U + 128U);
     ASSERT_EQ(text.size(), content + 1536 * 774);
@@ -663,11 +663,11 @@ TEST_F(LifecycleTest, MakesEverySectionInOrderWithItsDefaults) {
 }
 
 TEST_F(LifecycleTest, AFileThatCannotBeMadeLeavesNothingBehind) {
-    m_root.write(Copy::Current, std::string(FILE_NAME) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
+    m_root.write(Copy::Current, std::string(PICTURE_GLOBAL_FILE) + FileUtil::TEMPORARY_SUFFIX + "/obstacle", "");
     EXPECT_FALSE(makeOperator()->initFile(true));
     EXPECT_TRUE(m_log.contains("create file ["));
-    EXPECT_FALSE(m_root.exists(Copy::Current, FILE_NAME));
-    EXPECT_FALSE(m_root.exists(Copy::Backup, FILE_NAME)) << "no backup of a file that was not made";
+    EXPECT_FALSE(m_root.exists(Copy::Current, PICTURE_GLOBAL_FILE));
+    EXPECT_FALSE(m_root.exists(Copy::Backup, PICTURE_GLOBAL_FILE)) << "no backup of a file that was not made";
 
     std::filesystem::remove_all(
         std::filesystem::path(SettingsRoot::directory(Copy::Current)).parent_path().parent_path());
@@ -699,14 +699,14 @@ TEST_F(LifecycleTest, BackupsAreMadeOfWhatChanged) {
         EXPECT_TRUE(op->backup());
         EXPECT_EQ(backup(), current()) << "after a store the next backup really copies";
     }
-    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), goodText(Copy::Factory));
+    EXPECT_EQ(m_root.read(Copy::Factory, PICTURE_GLOBAL_FILE), goodText(Copy::Factory));
 
     EXPECT_TRUE(storeValue(*op, {}, FIELD, 9));
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_TRUE(op->backup(true));
-    EXPECT_EQ(m_root.read(Copy::Factory, FILE_NAME), current());
+    EXPECT_EQ(m_root.read(Copy::Factory, PICTURE_GLOBAL_FILE), current());
 
-    m_root.remove(Copy::Backup, FILE_NAME);
+    m_root.remove(Copy::Backup, PICTURE_GLOBAL_FILE);
     EXPECT_TRUE(op->backup());
     EXPECT_EQ(backup(), current());
 }
@@ -715,16 +715,16 @@ TEST_F(LifecycleTest, ADamagedCurrentCopyNeverGoesOverTheBackup) { // invariant 
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     for (const Damage& damage : damages()) {
         auto op = makeOperator();
-        m_root.write(Copy::Current, FILE_NAME, goodText(Copy::Current));
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, goodText(Copy::Current));
         ASSERT_TRUE(op->loadFile());
         EXPECT_TRUE(storeValue(*op, {}, FIELD, 6));
         EXPECT_EQ(m_parent.deliver(), 1);
         if (damage.checksumIsRight)
             continue;
         const std::optional<std::string> text = damage.apply(goodText(Copy::Current));
-        m_root.remove(Copy::Current, FILE_NAME);
+        m_root.remove(Copy::Current, PICTURE_GLOBAL_FILE);
         if (text)
-            m_root.write(Copy::Current, FILE_NAME, *text);
+            m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, *text);
         m_log.clear();
         EXPECT_TRUE(op->backup());
         EXPECT_TRUE(m_log.contains("Backup file [")) << damage.name;
@@ -734,8 +734,8 @@ TEST_F(LifecycleTest, ADamagedCurrentCopyNeverGoesOverTheBackup) { // invariant 
 
 TEST_F(LifecycleTest, CopiesKeepTheModeOfTheFileTheyReplace) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
-    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
-    m_root.write(Copy::Current, FILE_NAME, "damaged");
+    const std::string path = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE);
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, "damaged");
     ASSERT_EQ(chmod(path.c_str(), 0640), 0);
     ASSERT_TRUE(makeOperator()->loadFile());
     struct stat status = {};
@@ -751,10 +751,11 @@ TEST_F(LifecycleTest, RecoveringIsForTheOtherCopies) {
     EXPECT_TRUE(op->recover());
     EXPECT_TRUE(m_log.contains("is 'NORMAL_LOAD' and needn't recover file.\n"));
     EXPECT_EQ(current(), goodText(Copy::Current));
-    m_root.write(Copy::Current, FILE_NAME, "damaged");
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, "damaged");
     op->releaseFile();
     ASSERT_TRUE(op->loadFile());
-    EXPECT_TRUE(m_log.contains("] from file [" + SettingsRoot::path(Copy::Backup, FILE_NAME) + "] successfully.\n"));
+    EXPECT_TRUE(
+        m_log.contains("] from file [" + SettingsRoot::path(Copy::Backup, PICTURE_GLOBAL_FILE) + "] successfully.\n"));
 
     // Without a directory to put it in, the load fails although a copy could be read.
     std::filesystem::remove_all(SettingsRoot::directory(Copy::Current));
@@ -772,12 +773,12 @@ TEST_F(LifecycleTest, ResetTakesAFactoryCopyThatVerifies) {
     const std::string good = goodText(Copy::Factory);
     for (const std::string& bad :
          {std::string(), replaced(good, "0000\n", "0009\n", contentAt(good)), replaced(good, "v0.4", "v0.5")}) {
-        m_root.write(Copy::Factory, FILE_NAME, bad);
+        m_root.write(Copy::Factory, PICTURE_GLOBAL_FILE, bad);
         EXPECT_TRUE(op->resetCurrentFileFromManufactoryFile());
         EXPECT_EQ(current(), goodText(Copy::Current));
         EXPECT_FALSE(op->getBackupReq());
     }
-    m_root.write(Copy::Factory, FILE_NAME, good);
+    m_root.write(Copy::Factory, PICTURE_GLOBAL_FILE, good);
     EXPECT_TRUE(storeValue(*op, {}, FIELD, 9)); // still queued when the reset comes
     EXPECT_TRUE(op->refreshDataFromManufactory());
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
@@ -801,11 +802,11 @@ TEST_F(LifecycleTest, RefreshReadsTheWholeTableAgain) {
     EXPECT_TRUE(op->refreshDataFromCurrent());
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
 
-    m_root.remove(Copy::Factory, FILE_NAME);
+    m_root.remove(Copy::Factory, PICTURE_GLOBAL_FILE);
     EXPECT_FALSE(op->refreshDataFromManufactory());
-    m_root.write(Copy::Current, FILE_NAME, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
     EXPECT_FALSE(op->refreshDataFromCurrent()) << "of another version";
-    m_root.remove(Copy::Current, FILE_NAME);
+    m_root.remove(Copy::Current, PICTURE_GLOBAL_FILE);
     EXPECT_FALSE(op->refreshDataFromCurrent());
     EXPECT_EQ(m_log.count("Load file from manufactory failed.\n"), 3U);
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
@@ -820,10 +821,10 @@ TEST_F(LifecycleTest, RemovesTheFiles) {
     EXPECT_FALSE(op->removeCurrentFile());
     EXPECT_FALSE(op->removeFile()) << "the result is that of the current copy";
     EXPECT_TRUE(m_root.files().empty());
-    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, FILE_NAME));
+    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE));
     EXPECT_EQ(m_log.count("remove file ["), 2U);
     EXPECT_TRUE(op->initFile(true));
-    m_root.remove(Copy::Backup, FILE_NAME);
+    m_root.remove(Copy::Backup, PICTURE_GLOBAL_FILE);
     EXPECT_TRUE(op->removeFile());
     EXPECT_TRUE(m_root.files().empty());
 }
@@ -840,7 +841,7 @@ TEST_F(LifecycleTest, LoadingAnyFileLeavesThePathAlone) {
     m_root.write(Copy::Backup, "../other.ini", other);
     EXPECT_TRUE(op->loadFile(elsewhere.c_str()));
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
-    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, FILE_NAME));
+    EXPECT_EQ(op->getFileFullPath(), SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE));
     EXPECT_TRUE(storeValue(*op, {}, FIELD, 9));
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 9)));
@@ -862,7 +863,7 @@ TEST_F(LifecycleTest, StoresGoToTheFileThatIsThereNow) { // invariant 3
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     auto op = makeOperator();
     ASSERT_TRUE(op->loadFile());
-    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    const std::string path = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE);
     // Replaced by another file with a longer comment block.
     const std::string longer = "# one line more #\n" + goodText(Copy::Factory);
     m_root.write(Copy::Current, "new", longer);
@@ -874,16 +875,16 @@ TEST_F(LifecycleTest, StoresGoToTheFileThatIsThereNow) { // invariant 3
 
     // Removed: nothing is written, and nothing is made.
     EXPECT_TRUE(op->refreshDataFromCurrent());
-    m_root.remove(Copy::Current, FILE_NAME);
+    m_root.remove(Copy::Current, PICTURE_GLOBAL_FILE);
     EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 5));
     EXPECT_EQ(m_parent.deliver(), 0);
     EXPECT_TRUE(m_log.contains("open file [" + path + "] failed for storing data.\n"));
-    EXPECT_FALSE(m_root.exists(Copy::Current, FILE_NAME));
+    EXPECT_FALSE(m_root.exists(Copy::Current, PICTURE_GLOBAL_FILE));
 
     // Of another version, or with a checksum line that cannot be rewritten in place: left as it is.
     for (const std::string& text : {replaced(goodText(Copy::Current), "v0.4", "v0.3"),
                                     replaced(goodText(Copy::Current), " = 0x", " =  0x", 300)}) {
-        m_root.write(Copy::Current, FILE_NAME, text);
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, text);
         EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", valueOf(*op, {}, "FpsSwitch") + 1));
         EXPECT_EQ(m_parent.deliver(), 0);
         EXPECT_EQ(current(), text);
@@ -894,15 +895,15 @@ TEST_F(LifecycleTest, NoSectionIsWrittenBeyondTheEndOfTheFile) {
     ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
     auto op = makeOperator<Mode>();
     ASSERT_TRUE(op->loadFile());
-    const std::string cut = withChecksum(current(MODE_FILE).substr(0, 3420 + 128 + 774 * 1535 + 773));
-    m_root.write(Copy::Current, MODE_FILE, cut);
+    const std::string cut = withChecksum(current(PICTURE_MODE_FILE).substr(0, 3420 + 128 + 774 * 1535 + 773));
+    m_root.write(Copy::Current, PICTURE_MODE_FILE, cut);
     EXPECT_TRUE(storeValue(*op, {15, 11, 7}, "Hue", 1));
     EXPECT_EQ(m_parent.deliver(), 0);
     EXPECT_TRUE(m_log.contains("search dimension failed , maybe the file content is not completed !!!\n"));
-    EXPECT_TRUE(current(MODE_FILE) == cut);
+    EXPECT_TRUE(current(PICTURE_MODE_FILE) == cut);
     EXPECT_TRUE(storeValue(*op, {15, 11, 6}, "Hue", 1));
     EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_EQ(current(MODE_FILE).size(), cut.size());
+    EXPECT_EQ(current(PICTURE_MODE_FILE).size(), cut.size());
 }
 
 // --- checksum and summary ---
@@ -910,7 +911,7 @@ TEST_F(LifecycleTest, NoSectionIsWrittenBeyondTheEndOfTheFile) {
 TEST_F(LifecycleTest, GetCrcCodeReadsTheOpenFile) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     auto op = makeOperator();
-    const std::string backupPath = SettingsRoot::path(Copy::Backup, FILE_NAME);
+    const std::string backupPath = SettingsRoot::path(Copy::Backup, PICTURE_GLOBAL_FILE);
     EXPECT_EQ(op->crcCode(backupPath), 0U) << "nothing is open";
     ASSERT_TRUE(op->loadFile());
     const std::string good = goodText(Copy::Current);
@@ -928,10 +929,10 @@ TEST_F(LifecycleTest, RewritesTheSummaryInPlace) {
     EXPECT_EQ(current(), replaced(goodText(Copy::Current), "TVTYPE01   ", "ANOTHERTYPE"));
 
     const std::string wide = replaced(current(), "ANOTHERTYPE     ", "ANOTHERTYPE      ");
-    m_root.write(Copy::Current, FILE_NAME, wide);
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, wide);
     EXPECT_FALSE(op->rewriteSummary()) << "its lines are not the ones we write";
     EXPECT_EQ(current(), wide);
-    m_root.remove(Copy::Current, FILE_NAME);
+    m_root.remove(Copy::Current, PICTURE_GLOBAL_FILE);
     EXPECT_FALSE(op->rewriteSummary());
     EXPECT_FALSE(op->find("[Summary]\n"));
     EXPECT_FALSE(op->find(nullptr));
@@ -940,8 +941,9 @@ TEST_F(LifecycleTest, RewritesTheSummaryInPlace) {
 TEST_F(LifecycleTest, RepairsAChecksumLine) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     const std::string good = goodText(Copy::Current);
-    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
-    m_root.write(Copy::Current, FILE_NAME, replaced(withValue(good, "[Global]\n", FIELD, 42), "v0.4", "v9.9"));
+    const std::string path = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE);
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE,
+                 replaced(withValue(good, "[Global]\n", FIELD, 42), "v0.4", "v9.9"));
     EXPECT_TRUE(AbstractFileOperator::generateCRC32(path.c_str()));
     EXPECT_EQ(current(), replaced(withChecksum(withValue(good, "[Global]\n", FIELD, 42)), "v0.4", "v9.9"));
 
@@ -959,7 +961,7 @@ TEST_F(LifecycleTest, RepairsAChecksumLine) {
         {good.substr(0, contentAt(good) - 1), "Summary section CRC Field (CRC"},
     };
     for (const auto& [text, message] : refused) {
-        m_root.write(Copy::Current, FILE_NAME, text);
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, text);
         m_log.clear();
         EXPECT_FALSE(AbstractFileOperator::generateCRC32(path.c_str())) << message;
         EXPECT_TRUE(m_log.contains(message)) << message;
@@ -975,7 +977,7 @@ TEST_F(LifecycleTest, RepairsAChecksumLine) {
 TEST_F(LifecycleTest, RepairsNoChecksumThatWouldNotBeFound) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     const std::string good = goodText(Copy::Current);
-    const std::string path = SettingsRoot::path(Copy::Current, FILE_NAME);
+    const std::string path = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE);
     const std::string zeroByte(1, '\0');
     // As long as a reader's buffer, so that the Version line behind it is taken for a line of its own.
     const std::size_t tvType = lineAt(good, "SN ");
@@ -983,7 +985,7 @@ TEST_F(LifecycleTest, RepairsNoChecksumThatWouldNotBeFound) {
     joined.replace(tvType, lineAt(good, "Version ") - tvType, "SN" + std::string(text::LINE_BUFFER - 3, ' '));
     for (const std::string& text :
          {replaced(good, " #\n", zeroByte + "#\n"), replaced(good, "\nVersion ", "\nVersion" + zeroByte), joined}) {
-        m_root.write(Copy::Current, FILE_NAME, text);
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, text);
         EXPECT_FALSE(AbstractFileOperator::generateCRC32(path.c_str()));
         EXPECT_EQ(current(), text);
         EXPECT_TRUE(m_log.contains("Summary section"));

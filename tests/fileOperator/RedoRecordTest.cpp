@@ -15,9 +15,9 @@
 namespace td::test {
 namespace {
 
-constexpr const char* FILE_NAME = "pic_mode_usr.ini";
+constexpr const char* SETTINGS_FILE = "pic_mode_usr.ini";
 constexpr const char* REDO_NAME = "pic_mode_usr.ini.redo";
-const std::vector<int> DIMS{4, 3, 1};
+const std::vector<int> STORED_DIMS{4, 3, 1};
 
 RedoRecord example() {
     RedoRecord record;
@@ -63,7 +63,7 @@ protected:
         EXPECT_TRUE(op->initFile(true));
         EXPECT_TRUE(op->loadFile());
         m_before = current();
-        op->storeData(DIMS, {{"Contrast", 77}, {"Hue", -5}});
+        op->storeData(STORED_DIMS, {{"Contrast", 77}, {"Hue", -5}});
         EXPECT_TRUE(m_parent.takePosted().front()->handle());
         m_after = current();
         m_redo = recordFor(m_before, m_after);
@@ -73,7 +73,7 @@ protected:
         op->setParent(&m_parent);
         return op;
     }
-    std::string current() const { return m_root.read(Copy::Current, FILE_NAME); }
+    std::string current() const { return m_root.read(Copy::Current, SETTINGS_FILE); }
 
     /// The record of the one section that differs, made by hand.
     static std::string recordFor(const std::string& before, const std::string& after) {
@@ -100,7 +100,7 @@ protected:
     }
     /// What a start finds after a cut that left this file and the record.
     std::string fileAfterStart(const std::string& text, const std::string& redo) {
-        m_root.write(Copy::Current, FILE_NAME, text);
+        m_root.write(Copy::Current, SETTINGS_FILE, text);
         m_root.write(Copy::Current, REDO_NAME, redo);
         auto op = makeOperator();
         EXPECT_TRUE(op->loadFile());
@@ -149,7 +149,7 @@ TEST_F(RedoRecordTest, LeavesAFileAloneThatVerifies) {
 }
 
 TEST_F(RedoRecordTest, ATornOrForeignRecordChangesNothing) {
-    m_root.write(Copy::Backup, FILE_NAME, m_before);
+    m_root.write(Copy::Backup, SETTINGS_FILE, m_before);
     EXPECT_EQ(fileAfterStart(partly(3), m_redo.substr(0, m_redo.size() - 5)), m_before) << "the backup is taken";
     // Damage elsewhere is none that the record could mend.
     std::string damaged = partly(3);
@@ -161,15 +161,15 @@ TEST_F(RedoRecordTest, AnotherStoreEndsThePendingOneFirst) {
     auto op = makeOperator();
     ASSERT_TRUE(op->loadFile());
     // Another process was killed within a store.
-    m_root.write(Copy::Current, FILE_NAME, partly(3));
+    m_root.write(Copy::Current, SETTINGS_FILE, partly(3));
     m_root.write(Copy::Current, REDO_NAME, m_redo);
     ASSERT_TRUE(op->storeData({0, 0, 0}, {{"Contrast", 33}}));
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_TRUE(checksumIsRight(current()));
     auto other = makeOperator();
     ASSERT_TRUE(other->loadFile());
-    EXPECT_EQ(valueOf(*other, DIMS, "Contrast"), 77);
-    EXPECT_EQ(valueOf(*other, DIMS, "Hue"), -5);
+    EXPECT_EQ(valueOf(*other, STORED_DIMS, "Contrast"), 77);
+    EXPECT_EQ(valueOf(*other, STORED_DIMS, "Hue"), -5);
     EXPECT_EQ(valueOf(*other, {0, 0, 0}, "Contrast"), 33);
 }
 
@@ -197,9 +197,9 @@ TEST_F(RedoRecordTest, WithoutALockFileAStoreIsNotMistakenForOneThatWasCut) {
 }
 
 TEST_F(RedoRecordTest, ARepairedChecksumDoesNotHideAStoreThatWasCut) {
-    m_root.write(Copy::Current, FILE_NAME, partly(3));
+    m_root.write(Copy::Current, SETTINGS_FILE, partly(3));
     m_root.write(Copy::Current, REDO_NAME, m_redo);
-    EXPECT_TRUE(AbstractFileOperator::generateCRC32(SettingsRoot::path(Copy::Current, FILE_NAME).c_str()));
+    EXPECT_TRUE(AbstractFileOperator::generateCRC32(SettingsRoot::path(Copy::Current, SETTINGS_FILE).c_str()));
     EXPECT_EQ(current(), m_after);
 }
 

@@ -153,8 +153,8 @@ std::vector<std::string> exchangeSeeds() {
             category.values[cell] = field.defaultValue;
             ++category.count;
         }
-        seeds.push_back(exchangeText(dmctl::ExchangeFormat::Json, "current", {category}));
-        seeds.push_back(exchangeText(dmctl::ExchangeFormat::Csv, "current", {category}));
+        seeds.push_back(exchangeText(dmctl::ExchangeFormat::AsJson, "current", {category}));
+        seeds.push_back(exchangeText(dmctl::ExchangeFormat::AsCsv, "current", {category}));
     }
     return seeds;
 }

@@ -61,8 +61,8 @@ void runExchange(std::string_view input) {
     if (!exchange.faults.empty())
         return;
     const std::vector<ExchangeCategory> categories = withValues(exchange);
-    checkAgain(categories, ExchangeFormat::Json);
-    checkAgain(categories, ExchangeFormat::Csv);
+    checkAgain(categories, ExchangeFormat::AsJson);
+    checkAgain(categories, ExchangeFormat::AsCsv);
 }
 
 } // namespace td::fuzz

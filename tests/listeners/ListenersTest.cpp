@@ -24,6 +24,7 @@
 #include "Gate.h"
 #include "LogCapture.h"
 #include "Process.h"
+#include "RemoveNames.h"
 #include "SettingsRoot.h"
 
 namespace td::test {
@@ -49,15 +50,6 @@ mode_t semaphoreMode(const char* name) {
 
 bool post(const char* name) {
     return Process::run({"post", name}) == 0;
-}
-
-/// Leaves no name behind, whoever made it.
-void removeNames() {
-    for (const char* name : {names::RELEASE_SEMAPHORE, names::RELOAD_SEMAPHORE, names::LOG_SEMAPHORE})
-        sem_unlink(name);
-    const int id = shmget(names::DETAIL_LOG_KEY, 0, 0);
-    if (id >= 0)
-        shmctl(id, IPC_RMID, nullptr);
 }
 
 class SmallSet final : public FileDataSeparateManager {

@@ -17,6 +17,7 @@
 #include <dataModule/FileDataSeparateManager.h>
 
 #include "LogCapture.h"
+#include "RemoveNames.h"
 #include "SettingsRoot.h"
 
 namespace td::test {
@@ -36,14 +37,6 @@ Answer dmctl(const std::string& words) {
         (DMCTL_PROGRAM " --root '" + std::string(rootPrefix()) + "' " + words + " >" + output.file("out") + " 2>&1")
             .c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output.read("out")};
-}
-
-void removeNames() {
-    for (const char* name : {names::RELEASE_SEMAPHORE, names::RELOAD_SEMAPHORE, names::LOG_SEMAPHORE})
-        sem_unlink(name);
-    const int id = shmget(names::DETAIL_LOG_KEY, 0, 0);
-    if (id >= 0)
-        shmctl(id, IPC_RMID, nullptr);
 }
 
 class SteeringVerbsTest : public testing::Test {

@@ -20,10 +20,10 @@
 namespace td::test {
 namespace {
 
-constexpr int PATIENCE_MILLISECONDS = 60000;
+constexpr int STORE_MILLISECONDS = 60000;
 constexpr const char* GLOBAL_FILE = "pic_global_usr.ini";
 constexpr const char* MODE_FILE = "pic_mode_usr.ini";
-const std::vector<int> DIMS{3, 10, 7};
+const std::vector<int> STORED_DIMS{3, 10, 7};
 constexpr const char* SECTION = "[3a7]\n";
 
 /// A set with the two categories that these tests are about; one object is one life of the process.
@@ -39,7 +39,7 @@ public:
         EXPECT_FALSE(set->loadAllData()) << "not loaded before";
         return set;
     }
-    bool waitWritten() { return waitStored(PATIENCE_MILLISECONDS); }
+    bool waitWritten() { return waitStored(STORE_MILLISECONDS); }
 
 protected:
     IFileOperator* makeOperator(_DataCategory_t category) override {
@@ -97,10 +97,10 @@ TEST_F(SetsLifeTest, TheWholeSetBootsStoresAndRemembers) {
     ASSERT_TRUE(set->init(DS_SCOPE_ALL));
     EXPECT_FALSE(set->loadAllData());
     EXPECT_TRUE(set->loadAllData());
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Contrast"), 50);
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Contrast", 77}, {"Hue", -5}}));
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Contrast"), 50);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Contrast", 77}, {"Hue", -5}}));
     EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 1}}));
-    EXPECT_TRUE(set->waitStored(PATIENCE_MILLISECONDS));
+    EXPECT_TRUE(set->waitStored(STORE_MILLISECONDS));
     _ThreadStaticInfo_t worker = {};
     set->getWorkerStatistics(worker);
     EXPECT_EQ(worker.succeeded, 2U);
@@ -114,8 +114,8 @@ TEST_F(SetsLifeTest, TheWholeSetBootsStoresAndRemembers) {
     EXPECT_FALSE(set->loadAllData());
     for (const CategoryLayout* layout : allLayouts())
         EXPECT_FALSE(m_log.contains(" load file [" + std::string(layout->file) + "] failed.\n"));
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Contrast"), 77);
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), -5);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Contrast"), 77);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), -5);
     EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 1);
     FileDataSeparateManager::release();
     for (const CategoryLayout* layout : allLayouts())
@@ -124,7 +124,7 @@ TEST_F(SetsLifeTest, TheWholeSetBootsStoresAndRemembers) {
 
 TEST_F(SetsLifeTest, ADamagedFileComesBackFromItsBackup) {
     auto set = firstBoot();
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
     EXPECT_TRUE(set->waitWritten());
     EXPECT_TRUE(set->backupData());
     const std::string good = current(MODE_FILE);
@@ -134,7 +134,7 @@ TEST_F(SetsLifeTest, ADamagedFileComesBackFromItsBackup) {
     m_root.write(Copy::Current, MODE_FILE, withValue(good, SECTION, "Hue", 6));
     m_root.remove(Copy::Current, GLOBAL_FILE);
     set = SmallSet::boot();
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
     EXPECT_TRUE(current(MODE_FILE) == good);
     EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 0);
     EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 2}}));
@@ -144,7 +144,7 @@ TEST_F(SetsLifeTest, ADamagedFileComesBackFromItsBackup) {
 
 TEST_F(SetsLifeTest, AnUpdateKeepsTheUsersValues) {
     auto set = firstBoot();
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
     EXPECT_TRUE(set->waitWritten());
     set.reset();
     const std::string before = current(MODE_FILE);
@@ -158,7 +158,7 @@ TEST_F(SetsLifeTest, AnUpdateKeepsTheUsersValues) {
 
     set = SmallSet::boot();
     EXPECT_TRUE(set->storeData(PICTURE_MODE, {1, 1, 1}, {{"Hue", 9}})); // the new file may still be being written
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
     EXPECT_TRUE(set->waitWritten());
     EXPECT_TRUE(set->loadData(PICTURE_MODE)) << "read again from the new file";
     EXPECT_EQ(valueIn(*set, PICTURE_MODE, {1, 1, 1}, "Hue"), 9);
@@ -166,13 +166,13 @@ TEST_F(SetsLifeTest, AnUpdateKeepsTheUsersValues) {
     const std::string merged = withChecksum(withValue(withValue(before, "[000]\n", "Blur", 3), "[111]\n", "Hue", 9));
     EXPECT_TRUE(current(MODE_FILE) == merged);
     set = SmallSet::boot();
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
     EXPECT_EQ(valueIn(*set, PICTURE_MODE, {0, 0, 0}, "Blur"), 3);
 }
 
 TEST_F(SetsLifeTest, AStopRightAfterAnUpdateLosesNothing) {
     auto set = firstBoot();
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
     EXPECT_TRUE(set->waitWritten());
     set.reset();
     const std::string good = current(MODE_FILE);
@@ -186,12 +186,12 @@ TEST_F(SetsLifeTest, AFactoryResetIsCompleteAndLasting) {
     auto set = firstBoot();
     const std::string factory = m_root.read(Copy::Factory, MODE_FILE);
     for (int value = 1; value <= 5; ++value)
-        EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", value}})); // some are still queued at the reset
+        EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", value}})); // some are still queued at the reset
     EXPECT_TRUE(set->refreshDataFromManufactory(PICTURE_MODE));
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 0);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 0);
     EXPECT_TRUE(set->waitWritten());
     EXPECT_TRUE(current(MODE_FILE) == factory);
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 7}}));
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 7}}));
     EXPECT_TRUE(set->waitWritten());
     EXPECT_TRUE(set->backupData());
     EXPECT_TRUE(backup(MODE_FILE) == withChecksum(withValue(factory, SECTION, "Hue", 7)));
@@ -199,29 +199,29 @@ TEST_F(SetsLifeTest, AFactoryResetIsCompleteAndLasting) {
 
     EXPECT_TRUE(SmallSet().initCurrentFromManufactory());
     set = SmallSet::boot();
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 0);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 0);
 }
 
 TEST_F(SetsLifeTest, ASuspendImageFindsEveryStoreOnDisk) {
     auto set = firstBoot();
     EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 3}}));
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 5}}));
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
     EXPECT_TRUE(set->releaseFileSources());
     EXPECT_EQ(set->getFileHandler(PICTURE_MODE), nullptr);
     EXPECT_TRUE(current(MODE_FILE) ==
                 withChecksum(withValue(m_root.read(Copy::Factory, MODE_FILE), SECTION, "Hue", 5)));
     std::vector<_Argument_t> args;
-    EXPECT_FALSE(set->loadData(PICTURE_MODE, DIMS, args));
+    EXPECT_FALSE(set->loadData(PICTURE_MODE, STORED_DIMS, args));
     EXPECT_TRUE(set->resumeFileSources());
     for (const _DataCategory_t category : {PICTURE_GLOBAL, PICTURE_MODE})
         EXPECT_TRUE(set->loadData(category));
     EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 3);
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 5);
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, DIMS, {{"Hue", 6}}));
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 6}}));
     EXPECT_TRUE(set->waitWritten());
     EXPECT_TRUE(checksumIsRight(current(MODE_FILE)));
     EXPECT_TRUE(set->loadData(PICTURE_MODE));
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, DIMS, "Hue"), 6);
+    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 6);
 }
 
 TEST_F(SetsLifeTest, ClientsOverlapWhileBackupsRun) {

@@ -12,8 +12,8 @@ namespace td::dmctl {
 
 namespace {
 
-std::string counted(int count, const char* what) {
-    return dmctl::counted(static_cast<std::size_t>(count), what);
+std::string countedOf(int count, const char* what) {
+    return counted(static_cast<std::size_t>(count), what);
 }
 
 std::string dimensionsText(const CategoryLayout& layout) {
@@ -48,13 +48,13 @@ std::vector<std::string> offers(const CategoryLayout& layout) {
 void printDetails(const CategoryLayout& layout) {
     fmt::print("{}  {}  {}\n", categoryName(layout), layout.file, layout.version);
     fmt::print("  {}\n", layout.purpose);
-    fmt::print("  {}, {}\n", counted(layout.recordCount(), "record"), counted(layout.fieldCount(), "field"));
+    fmt::print("  {}, {}\n", countedOf(layout.recordCount(), "record"), countedOf(layout.fieldCount(), "field"));
     if (layout.applyFlag != nullptr)
         fmt::print("  flag that makes a change go to all sources: {}\n", layout.applyFlag);
     if (!offers(layout).empty())
         fmt::print("  offers {}\n", joined(offers(layout)));
     for (const Dimension& dimension : layout.dimensions) {
-        fmt::print("\n  {}: {}\n", dimension.name, counted(dimension.count, "value"));
+        fmt::print("\n  {}: {}\n", dimension.name, countedOf(dimension.count, "value"));
         for (int i = 0; i < dimension.count; ++i)
             fmt::print("    {:>2}  {}\n", i, valueName(dimension, i));
     }

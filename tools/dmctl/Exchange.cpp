@@ -647,7 +647,7 @@ std::size_t Exchange::count() const {
 
 std::string exchangeText(ExchangeFormat format, const std::string& copy,
                          const std::vector<ExchangeCategory>& categories) {
-    if (format == ExchangeFormat::Csv) {
+    if (format == ExchangeFormat::AsCsv) {
         std::string text = csvRow(csvHeader());
         for (const ExchangeCategory& category : categories)
             appendCsv(category, text);

@@ -47,7 +47,7 @@ struct Exchange {
     std::size_t count() const;
 };
 
-enum class ExchangeFormat { Json, Csv };
+enum class ExchangeFormat { AsJson, AsCsv };
 
 /// The text of an export of the values given. `copy` says where they come from.
 std::string exchangeText(ExchangeFormat format, const std::string& copy,

@@ -24,10 +24,10 @@ namespace td::dmctl {
 
 namespace {
 
-struct Request {
+struct ExportRequest {
     std::vector<const CategoryLayout*> layouts;
     std::string file; ///< empty: standard output
-    ExchangeFormat format = ExchangeFormat::Json;
+    ExchangeFormat format = ExchangeFormat::AsJson;
     Copy copy = Copy::Current;
 };
 
@@ -45,8 +45,8 @@ bool isFileName(const std::string& word) {
     return word.find_first_of("./") != std::string::npos && !isCategory(word);
 }
 
-Request requestOf(const Options& options, Words words) {
-    Request request;
+ExportRequest requestOf(const Options& options, Words words) {
+    ExportRequest request;
     if (!words.empty() && isFileName(words.back())) {
         request.file = words.back();
         words.pop_back();
@@ -57,13 +57,13 @@ Request requestOf(const Options& options, Words words) {
     const std::string format = options.value("--format", suffix == ".csv" ? "csv" : "json");
     if (format != "json" && format != "csv")
         throw UsageError(unknownWord("format", format, {"json", "csv"}, "the formats are"));
-    request.format = format == "csv" ? ExchangeFormat::Csv : ExchangeFormat::Json;
-    if (options.json && request.file.empty() && request.format == ExchangeFormat::Csv)
+    request.format = format == "csv" ? ExchangeFormat::AsCsv : ExchangeFormat::AsJson;
+    if (options.json && request.file.empty() && request.format == ExchangeFormat::AsCsv)
         throw UsageError("with --json a CSV needs a FILE to go to");
     return request;
 }
 
-std::vector<ExchangeCategory> readAll(const Session& session, const Request& request) {
+std::vector<ExchangeCategory> readAll(const Session& session, const ExportRequest& request) {
     std::vector<ExchangeCategory> categories;
     std::string troubles;
     for (const CategoryLayout* layout : request.layouts) {
@@ -109,7 +109,7 @@ void writeExport(const std::string& path, const std::string& text) {
 } // namespace
 
 int runExport(const Options& options, const Words& words) {
-    const Request request = requestOf(options, words);
+    const ExportRequest request = requestOf(options, words);
     const Session session(options);
     const std::vector<ExchangeCategory> categories = readAll(session, request);
     const std::string text = exchangeText(request.format, copyName(request.copy), categories);

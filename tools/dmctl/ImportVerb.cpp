@@ -24,7 +24,7 @@ namespace {
 
 /// The worker may be busy for long, but never so long without finishing anything.
 constexpr int STALL_MILLISECONDS = 30000;
-constexpr int STEP_MILLISECONDS = 500;
+constexpr int PROGRESS_MILLISECONDS = 500;
 
 /// What is done to one category.
 struct Plan {
@@ -109,7 +109,7 @@ void storeRecords(Session& session, const Plan& plan) {
 void awaitStores(Session& session, const CategoryLayout& layout, Progress& progress) {
     _ThreadStaticInfo_t statistics = {};
     std::uint32_t handled = 0;
-    for (int waited = 0; !session.manager().waitStored(STEP_MILLISECONDS); waited += STEP_MILLISECONDS) {
+    for (int waited = 0; !session.manager().waitStored(PROGRESS_MILLISECONDS); waited += PROGRESS_MILLISECONDS) {
         session.manager().getWorkerStatistics(statistics);
         if (statistics.handled != handled)
             waited = 0;

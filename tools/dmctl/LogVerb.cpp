@@ -19,7 +19,7 @@ namespace td::dmctl {
 
 namespace {
 
-constexpr int TAKEN_MILLISECONDS = 5000;
+constexpr int LOG_TAKEN_MILLISECONDS = 5000;
 /// A listener that has taken a post needs a moment until it waits again; then the next post goes to another one.
 constexpr auto BETWEEN_POSTS = std::chrono::milliseconds(100);
 
@@ -36,7 +36,7 @@ int tellListeners(Semaphore& semaphore, int listeners) {
     for (int i = 0; i < std::max(1, listeners); ++i) {
         if (i > 0)
             std::this_thread::sleep_for(BETWEEN_POSTS);
-        if (!semaphore.postTaken(TAKEN_MILLISECONDS))
+        if (!semaphore.postTaken(LOG_TAKEN_MILLISECONDS))
             break;
         ++taken;
     }

@@ -36,7 +36,7 @@ constexpr std::size_t NAMED_SECTIONS = 20;
 
 enum class Mode { Newest, Checksum, Salvage };
 
-struct Request {
+struct RepairRequest {
     Mode mode = Mode::Newest;
     Copy copy = Copy::Current;
     std::optional<Copy> from; ///< the copy to take, whichever is newest
@@ -58,7 +58,7 @@ struct Salvage {
 };
 
 /// What was found and done about one copy.
-struct Outcome {
+struct RepairOutcome {
     const CategoryLayout* layout = nullptr;
     std::string path;
     FileTable before;
@@ -69,8 +69,8 @@ struct Outcome {
     bool leftAlone = false; ///< not good, but nothing that a repair should touch
 };
 
-Request requestOf(const Options& options) {
-    Request request;
+RepairRequest requestOf(const Options& options) {
+    RepairRequest request;
     if (options.has("--crc") && options.has("--salvage"))
         throw UsageError("--crc and --salvage are two ways; choose one");
     request.mode = options.has("--crc") ? Mode::Checksum : options.has("--salvage") ? Mode::Salvage : Mode::Newest;
@@ -88,10 +88,10 @@ Request requestOf(const Options& options) {
 
 class Repair {
 public:
-    Repair(const Session& session, const Request& request, const CategoryLayout& layout)
+    Repair(const Session& session, const RepairRequest& request, const CategoryLayout& layout)
         : m_session(session), m_request(request), m_layout(layout) {}
 
-    Outcome run() {
+    RepairOutcome run() {
         // From the first reading to the last one nobody else reads or writes the copies of this category.
         std::optional<ReadLock> readLock;
         if (m_request.dryRun)
@@ -287,10 +287,10 @@ private:
     }
 
     const Session& m_session;
-    const Request& m_request;
+    const RepairRequest& m_request;
     const CategoryLayout& m_layout;
     FileLock m_lock;
-    Outcome m_outcome;
+    RepairOutcome m_outcome;
 };
 
 // --- what is said ---
@@ -326,7 +326,7 @@ std::array<int, DEFAULTS + 2> sectionCounts(const Salvage& salvage) {
     return sections;
 }
 
-void printSalvage(const Outcome& outcome, Copy repaired, bool all) {
+void printSalvage(const RepairOutcome& outcome, Copy repaired, bool all) {
     const Salvage& salvage = *outcome.salvage;
     const auto sections = sectionCounts(salvage);
     std::vector<std::string> parts;
@@ -356,11 +356,11 @@ void printSalvage(const Outcome& outcome, Copy repaired, bool all) {
         fmt::print("    and {} more, which --verbose shows\n", left);
 }
 
-void print(const std::vector<Outcome>& outcomes, const Request& request, bool verbose) {
+void print(const std::vector<RepairOutcome>& outcomes, const RepairRequest& request, bool verbose) {
     std::size_t good = 0;
     std::size_t repaired = 0;
     std::size_t failed = 0;
-    for (const Outcome& outcome : outcomes) {
+    for (const RepairOutcome& outcome : outcomes) {
         if (outcome.action.empty() && outcome.failure.empty() && !outcome.leftAlone) {
             ++good;
             continue;
@@ -386,7 +386,7 @@ void print(const std::vector<Outcome>& outcomes, const Request& request, bool ve
                request.dryRun ? "could be repaired" : "repaired", failed);
 }
 
-Json salvageJson(const Outcome& outcome) {
+Json salvageJson(const RepairOutcome& outcome) {
     const auto sections = sectionCounts(*outcome.salvage);
     Json summary = Json::object();
     for (std::size_t source = 0; source < sections.size(); ++source)
@@ -404,9 +404,9 @@ Json salvageJson(const Outcome& outcome) {
     return {{"checksumFits", outcome.salvage->proven}, {"summary", summary}, {"sections", list}};
 }
 
-Json asJson(const std::vector<Outcome>& outcomes, const Request& request) {
+Json asJson(const std::vector<RepairOutcome>& outcomes, const RepairRequest& request) {
     Json list = Json::array();
-    for (const Outcome& outcome : outcomes) {
+    for (const RepairOutcome& outcome : outcomes) {
         const bool done = !outcome.action.empty() && outcome.failure.empty();
         Json json{{"category", categoryName(*outcome.layout)},
                   {"copy", copyName(request.copy)},
@@ -423,9 +423,9 @@ Json asJson(const std::vector<Outcome>& outcomes, const Request& request) {
     return {{"dryRun", request.dryRun}, {"categories", list}};
 }
 
-std::vector<Outcome> repairAll(const Session& session, const Request& request,
-                               const std::vector<const CategoryLayout*>& layouts) {
-    std::vector<Outcome> outcomes;
+std::vector<RepairOutcome> repairAll(const Session& session, const RepairRequest& request,
+                                     const std::vector<const CategoryLayout*>& layouts) {
+    std::vector<RepairOutcome> outcomes;
     outcomes.reserve(layouts.size());
     Progress progress("repairing", static_cast<int>(layouts.size()));
     for (const CategoryLayout* layout : layouts) {
@@ -439,17 +439,17 @@ std::vector<Outcome> repairAll(const Session& session, const Request& request,
 
 int runRepair(const Options& options, const Words& words) {
     const std::vector<const CategoryLayout*> layouts = categoriesNamed(words);
-    const Request request = requestOf(options);
+    const RepairRequest request = requestOf(options);
     Options access = options;
     access.writes = !request.dryRun;
     const Session session(access);
-    const std::vector<Outcome> outcomes = repairAll(session, request, layouts);
+    const std::vector<RepairOutcome> outcomes = repairAll(session, request, layouts);
     if (options.json)
         printJson(asJson(outcomes, request));
     else
         print(outcomes, request, options.verbose);
-    const bool fine =
-        std::all_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) { return outcome.failure.empty(); });
+    const bool fine = std::all_of(outcomes.begin(), outcomes.end(),
+                                  [](const RepairOutcome& outcome) { return outcome.failure.empty(); });
     return fine ? EXIT_FINE : EXIT_WRONG;
 }
 

@@ -16,7 +16,7 @@ namespace td::dmctl {
 
 namespace {
 
-struct Request {
+struct RestoreRequest {
     const CategoryLayout* layout = nullptr;
     bool whole = false; ///< --all
     std::vector<Record> records;
@@ -37,8 +37,8 @@ std::vector<Record> forAllSources(const CategoryLayout& layout, const std::vecto
     return records;
 }
 
-Request parse(const Options& options, const Words& words) {
-    Request request;
+RestoreRequest parse(const Options& options, const Words& words) {
+    RestoreRequest request;
     request.layout = &categoryNamed(words.empty() ? "" : words.front());
     const CategoryLayout& layout = *request.layout;
     request.whole = options.has("--all");
@@ -70,7 +70,7 @@ bool forEach(const std::vector<Record>& records, Action action) {
     return true;
 }
 
-void restoreFromFactory(Session& session, const Options& options, const Request& request) {
+void restoreFromFactory(Session& session, const Options& options, const RestoreRequest& request) {
     const CategoryLayout& layout = *request.layout;
     Change change(session, layout);
     const Table factory(session, layout, Copy::Factory);
@@ -100,7 +100,7 @@ void compareMemory(Session& session, const CategoryLayout& layout, const std::ve
     }
 }
 
-void restoreFromCurrent(Session& session, const Options& options, const Request& request) {
+void restoreFromCurrent(Session& session, const Options& options, const RestoreRequest& request) {
     const CategoryLayout& layout = *request.layout;
     if (!request.whole && !layout.restoresFromCurrent)
         throw Failure(fmt::format("{} does not offer to read records again from the current copy; nothing was done. "
@@ -127,7 +127,7 @@ void restoreFromCurrent(Session& session, const Options& options, const Request&
 } // namespace
 
 int runRestore(const Options& options, const Words& words) {
-    const Request request = parse(options, words);
+    const RestoreRequest request = parse(options, words);
     const bool fromCurrent = options.value("--from") == "current";
     Session session(options);
     session.start();

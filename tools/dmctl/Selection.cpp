@@ -16,7 +16,7 @@ namespace {
 using Mask = std::vector<bool>;
 
 /// The dimensions with their values: what a request has to choose from.
-std::string dimensionsText(const CategoryLayout& layout) {
+std::string choicesText(const CategoryLayout& layout) {
     std::string text;
     for (const Dimension& dimension : layout.dimensions)
         text += fmt::format("\n  {}: {}", dimension.name, joined(valueNames(dimension)));
@@ -26,7 +26,7 @@ std::string dimensionsText(const CategoryLayout& layout) {
 [[noreturn]] void refuseCount(const CategoryLayout& layout, std::size_t given) {
     throw UsageError(fmt::format("{} has {} dimension{}, but {} value{} given; one of each is needed:{}",
                                  categoryName(layout), layout.dimensionCount(), layout.dimensionCount() == 1 ? "" : "s",
-                                 given, given == 1 ? " is" : "s are", dimensionsText(layout)));
+                                 given, given == 1 ? " is" : "s are", choicesText(layout)));
 }
 
 bool isNumber(const std::string& word, int& number) {

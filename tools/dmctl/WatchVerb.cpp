@@ -114,7 +114,7 @@ private:
     void takeNotices() {
         alignas(inotify_event) char buffer[16 * (sizeof(inotify_event) + NAME_MAX + 1)];
         ssize_t length = 0;
-        while ((length = read(m_notices.get(), buffer, sizeof buffer)) > 0) {
+        while ((length = ::read(m_notices.get(), buffer, sizeof buffer)) > 0) {
             for (const char* at = buffer; at < buffer + length;) {
                 const auto* const notice = reinterpret_cast<const inotify_event*>(at);
                 take(*notice);
