@@ -5,14 +5,15 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <thread>
 
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
 #include <unistd.h>
 
+#include "Descriptor.h"
 #include "Library.h"
 #include "Syncs.h"
 
@@ -45,21 +46,6 @@ long threadCount() {
         ++count;
     return count;
 }
-
-class Descriptor {
-public:
-    Descriptor(const std::string& path, int flags) : m_value(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
-        if (m_value < 0)
-            throw std::runtime_error("cannot open " + path);
-    }
-    ~Descriptor() { close(m_value); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return m_value; }
-
-private:
-    const int m_value;
-};
 
 /// The bound of a load: all bytes read in blocks, through the classic CRC-32 of one table.
 std::int64_t readAllBytes(const std::string& directory, const std::vector<Table>& tables) {
@@ -125,20 +111,19 @@ Outcome load(const std::string& subject, const std::string& directory, const std
     return outcome;
 }
 
-/// The bound of a creation: each file written, synced and renamed thrice, its directory synced.
-void writeThrice(const std::string& directory, const std::vector<Table>& tables, const std::string& source) {
+/// The bound of a creation: each file written, synced and renamed thrice, its directory synced. `texts` are the files'
+/// contents by their names.
+void writeThrice(const std::string& directory, const std::map<std::string, std::string>& texts) {
     for (const char* copy : {"/one/", "/two/", "/three/"})
         fs::create_directories(directory + copy);
-    for (const Table& table : tables) {
-        std::ifstream file(source + table.layout->file, std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
+    for (const auto& [name, text] : texts) {
         for (const char* copy : {"/one/", "/two/", "/three/"}) {
-            const std::string path = directory + copy + table.layout->file;
+            const std::string path = directory + copy + name;
             const Descriptor target(path + ".tmp", O_WRONLY | O_CREAT | O_TRUNC);
-            if (write(target.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
-                fsync(target.get()) != 0 || rename((path + ".tmp").c_str(), path.c_str()) != 0 ||
-                fsync(Descriptor(directory + copy, O_RDONLY | O_DIRECTORY).get()) != 0)
-                throw std::runtime_error("cannot write " + path);
+            target.write(text.data(), text.size(), 0);
+            target.sync();
+            fs::rename(path + ".tmp", path);
+            Descriptor(directory + copy, O_RDONLY | O_DIRECTORY).sync();
         }
     }
 }
@@ -158,8 +143,13 @@ Outcome create(const std::string& subject, const std::string& directory, const s
             throw std::runtime_error("cannot create");
         outcome.seconds = watch.seconds();
     } else if (subject == "bound") {
+        std::map<std::string, std::string> texts;
+        for (const Table& table : tables) {
+            std::ifstream file(currentDirectory(directory + PRISTINE) + table.layout->file, std::ios::binary);
+            texts[table.layout->file].assign(std::istreambuf_iterator<char>(file), {});
+        }
         const Watch watch;
-        writeThrice(root, tables, currentDirectory(directory + PRISTINE));
+        writeThrice(root, texts);
         outcome.seconds = watch.seconds();
     } else {
         const auto peer = makePeer(subject, root, "", tables);
