@@ -13,6 +13,8 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
+#include <dataModule/common/CRC32Util.h>
+
 #include "Descriptor.h"
 #include "Library.h"
 #include "Syncs.h"
@@ -111,6 +113,20 @@ Outcome load(const std::string& subject, const std::string& directory, const std
     return outcome;
 }
 
+/// What the threads of a load do one after another.
+Outcome checksumAll(const std::string& directory, const std::vector<Table>& tables) {
+    td::CRC32Util::instance()->init_crc_table();
+    Outcome outcome;
+    const Watch watch;
+    for (const Table& table : tables) {
+        unsigned int crc = 0;
+        td::CRC32Util::instance()->calc_file_crc((directory + table.layout->file).c_str(), 0, crc);
+        check(crc != td::CRC32Util::INITIAL, "checksum a file");
+    }
+    outcome.seconds = watch.seconds();
+    return outcome;
+}
+
 /// The bound of a creation: each file written, synced and renamed thrice, its directory synced. `texts` are the files'
 /// contents by their names.
 void writeThrice(const std::string& directory, const std::map<std::string, std::string>& texts) {
@@ -166,7 +182,9 @@ Outcome create(const std::string& subject, const std::string& directory, const s
 
 int runColdTask(const std::string& task, const std::string& subject, const std::string& directory,
                 const std::vector<Table>& tables) {
-    const Outcome outcome = task == "load" ? load(subject, directory, tables) : create(subject, directory, tables);
+    const Outcome outcome = task == "load"     ? load(subject, directory, tables)
+                            : task == "create" ? create(subject, directory, tables)
+                                               : checksumAll(currentDirectory(directory + PRISTINE), tables);
     std::printf("%.9f %lld %ld %ld %ld\n", outcome.seconds, static_cast<long long>(outcome.sum), outcome.residentBytes,
                 outcome.threads, outcome.syncs);
     return 0;
