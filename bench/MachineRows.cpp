@@ -1,8 +1,8 @@
 /// What the machine itself takes for the steps that a store cannot do without.
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <thread>
+
+#include <semaphore.h>
 
 #include "Descriptor.h"
 #include "Measured.h"
@@ -12,53 +12,42 @@ namespace bench {
 
 namespace {
 
+struct Semaphore {
+    Semaphore() { sem_init(&value, 0, 0); }
+    ~Semaphore() { sem_destroy(&value); }
+    Semaphore(const Semaphore&) = delete;
+    Semaphore& operator=(const Semaphore&) = delete;
+
+    sem_t value;
+};
+
 /// A thread that sleeps until it is called.
 class Sleeper {
 public:
-    Sleeper() : m_thread([this] { run(); }) {}
     ~Sleeper() {
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_ends = true;
-        }
+        m_thread.request_stop();
         call();
-        m_thread.join();
     }
-    Sleeper(const Sleeper&) = delete;
-    Sleeper& operator=(const Sleeper&) = delete;
-
-    void call() {
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_called = true;
-        }
-        m_condition.notify_one();
-    }
+    void call() { sem_post(&m_called.value); }
     /// When it ran again after the call.
     Clock::time_point waitAwake() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_answer.wait(lock, [this] { return !m_called; });
+        sem_wait(&m_ran.value);
         return m_awake;
     }
 
 private:
-    void run() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        while (!m_ends) {
-            m_condition.wait(lock, [this] { return m_called; });
+    void run(const std::stop_token& end) {
+        while (!end.stop_requested()) {
+            sem_wait(&m_called.value);
             m_awake = Clock::now();
-            m_called = false;
-            m_answer.notify_one();
+            sem_post(&m_ran.value);
         }
     }
 
-    std::mutex m_mutex;
-    std::condition_variable m_condition;
-    std::condition_variable m_answer;
+    Semaphore m_called;
+    Semaphore m_ran;
     Clock::time_point m_awake;
-    bool m_called = false;
-    bool m_ends = false;
-    std::thread m_thread;
+    std::jthread m_thread{[this](const std::stop_token& end) { run(end); }};
 };
 
 Take wake(bool untilItRuns) {
