@@ -5,14 +5,17 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <thread>
 
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
 #include <unistd.h>
 
+#include <dataModule/common/CRC32Util.h>
+
+#include "Descriptor.h"
 #include "Library.h"
 #include "Syncs.h"
 
@@ -45,21 +48,6 @@ long threadCount() {
         ++count;
     return count;
 }
-
-class Descriptor {
-public:
-    Descriptor(const std::string& path, int flags) : m_value(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
-        if (m_value < 0)
-            throw std::runtime_error("cannot open " + path);
-    }
-    ~Descriptor() { close(m_value); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return m_value; }
-
-private:
-    const int m_value;
-};
 
 /// The bound of a load: all bytes read in blocks, through the classic CRC-32 of one table.
 std::int64_t readAllBytes(const std::string& directory, const std::vector<Table>& tables) {
@@ -125,20 +113,33 @@ Outcome load(const std::string& subject, const std::string& directory, const std
     return outcome;
 }
 
-/// The bound of a creation: each file written, synced and renamed thrice, its directory synced.
-void writeThrice(const std::string& directory, const std::vector<Table>& tables, const std::string& source) {
+/// What the threads of a load do one after another.
+Outcome checksumAll(const std::string& directory, const std::vector<Table>& tables) {
+    td::CRC32Util::instance()->init_crc_table();
+    Outcome outcome;
+    const Watch watch;
+    for (const Table& table : tables) {
+        unsigned int crc = 0;
+        td::CRC32Util::instance()->calc_file_crc((directory + table.layout->file).c_str(), 0, crc);
+        check(crc != td::CRC32Util::INITIAL, "checksum a file");
+    }
+    outcome.seconds = watch.seconds();
+    return outcome;
+}
+
+/// The bound of a creation: each file written, synced and renamed thrice, its directory synced. `texts` are the files'
+/// contents by their names.
+void writeThrice(const std::string& directory, const std::map<std::string, std::string>& texts) {
     for (const char* copy : {"/one/", "/two/", "/three/"})
         fs::create_directories(directory + copy);
-    for (const Table& table : tables) {
-        std::ifstream file(source + table.layout->file, std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
+    for (const auto& [name, text] : texts) {
         for (const char* copy : {"/one/", "/two/", "/three/"}) {
-            const std::string path = directory + copy + table.layout->file;
+            const std::string path = directory + copy + name;
             const Descriptor target(path + ".tmp", O_WRONLY | O_CREAT | O_TRUNC);
-            if (write(target.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
-                fsync(target.get()) != 0 || rename((path + ".tmp").c_str(), path.c_str()) != 0 ||
-                fsync(Descriptor(directory + copy, O_RDONLY | O_DIRECTORY).get()) != 0)
-                throw std::runtime_error("cannot write " + path);
+            target.write(text.data(), text.size(), 0);
+            target.sync();
+            fs::rename(path + ".tmp", path);
+            Descriptor(directory + copy, O_RDONLY | O_DIRECTORY).sync();
         }
     }
 }
@@ -158,8 +159,13 @@ Outcome create(const std::string& subject, const std::string& directory, const s
             throw std::runtime_error("cannot create");
         outcome.seconds = watch.seconds();
     } else if (subject == "bound") {
+        std::map<std::string, std::string> texts;
+        for (const Table& table : tables) {
+            std::ifstream file(currentDirectory(directory + PRISTINE) + table.layout->file, std::ios::binary);
+            texts[table.layout->file].assign(std::istreambuf_iterator<char>(file), {});
+        }
         const Watch watch;
-        writeThrice(root, tables, currentDirectory(directory + PRISTINE));
+        writeThrice(root, texts);
         outcome.seconds = watch.seconds();
     } else {
         const auto peer = makePeer(subject, root, "", tables);
@@ -176,7 +182,9 @@ Outcome create(const std::string& subject, const std::string& directory, const s
 
 int runColdTask(const std::string& task, const std::string& subject, const std::string& directory,
                 const std::vector<Table>& tables) {
-    const Outcome outcome = task == "load" ? load(subject, directory, tables) : create(subject, directory, tables);
+    const Outcome outcome = task == "load"     ? load(subject, directory, tables)
+                            : task == "create" ? create(subject, directory, tables)
+                                               : checksumAll(currentDirectory(directory + PRISTINE), tables);
     std::printf("%.9f %lld %ld %ld %ld\n", outcome.seconds, static_cast<long long>(outcome.sum), outcome.residentBytes,
                 outcome.threads, outcome.syncs);
     return 0;

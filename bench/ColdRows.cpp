@@ -49,6 +49,7 @@ void registerColdRows(const Setting& setting) {
         registerRow("load", subject, setting);
     for (const std::string& peer : peerNames())
         registerRow("load", peer, setting);
+    registerRow("checksums of a load", "ours", setting);
     for (const char* subject : {"ours", "bound", "SQLite", "LMDB", "LevelDB"})
         registerRow("create", subject, setting);
 }

@@ -82,9 +82,11 @@ public:
             int indices[td::MAX_DIMENSIONS] = {};
             layout.indicesOf(change.record, indices);
             const std::string section = sectionOf(layout, indices);
-            for (const td::Field& field : layout.fields)
+            for (int f = 0; f < change.fieldCount; ++f) {
+                const td::Field& field = layout.fields[static_cast<std::size_t>(f)];
                 g_key_file_set_integer(m_files[static_cast<std::size_t>(change.table)].get(), section.c_str(),
                                        field.key, change.values[field.position]);
+            }
             changed[change.table] = true;
         }
         for (const auto& [table, ignored] : changed)

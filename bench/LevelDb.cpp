@@ -38,8 +38,8 @@ public:
     }
 
     void load() override {
-        const auto database = opened();
-        const std::unique_ptr<leveldb::Iterator> at(database->NewIterator(leveldb::ReadOptions()));
+        open();
+        const std::unique_ptr<leveldb::Iterator> at(m_database->NewIterator(leveldb::ReadOptions()));
         m_sum = 0;
         for (at->SeekToFirst(); at->Valid(); at->Next())
             m_sum += sumOfValue(at->value().data(), at->value().size());

@@ -16,11 +16,6 @@ constexpr const char* FLASH_DIRECTORY = "/var/local/flash";
 constexpr const char* CONFIGURATION_DIRECTORY = "/ovdata/factory/config";
 constexpr int STORE_TIMEOUT_MS = 600'000;
 
-void check(bool done, const char* what) {
-    if (!done)
-        throw std::runtime_error(std::string("the library failed to ") + what);
-}
-
 void configure(const std::string& root, bool factoryState) {
     fs::create_directories(root + FLASH_DIRECTORY);
     fs::create_directories(root + CONFIGURATION_DIRECTORY);
@@ -29,6 +24,11 @@ void configure(const std::string& root, bool factoryState) {
 }
 
 } // namespace
+
+void check(bool done, const char* what) {
+    if (!done)
+        throw std::runtime_error(std::string("the library failed to ") + what);
+}
 
 Library::Library(const std::string& root, bool factoryState) {
     configure(root, factoryState);
@@ -58,8 +58,9 @@ std::int64_t Library::sum(const std::vector<Table>& tables) {
     return sum;
 }
 
-void Library::store(td::_DataCategory_t category, const std::vector<int>& dims, const char* field, int value) {
-    check(m_manager->storeData(category, dims, {{field, value}}), "store");
+void Library::store(td::_DataCategory_t category, const std::vector<int>& dims,
+                    const std::vector<td::_Argument_t>& args) {
+    check(m_manager->storeData(category, dims, args), "store");
 }
 
 void Library::waitStored() {

@@ -10,6 +10,9 @@
 
 namespace bench {
 
+/// Throws, with `what` it was that the library refused.
+void check(bool done, const char* what);
+
 class Library {
 public:
     /// Initialises the manager for the television under `root`; in factory state, so that all calibration is in memory,
@@ -22,8 +25,8 @@ public:
     td::FileDataSeparateManager& manager() { return *m_manager; }
     /// Every value that the library answers, added up.
     std::int64_t sum(const std::vector<Table>& tables);
-    /// Stores one field.
-    void store(td::_DataCategory_t category, const std::vector<int>& dims, const char* field, int value);
+    /// Queues a store.
+    void store(td::_DataCategory_t category, const std::vector<int>& dims, const std::vector<td::_Argument_t>& args);
     /// Until everything stored is on disk.
     void waitStored();
 

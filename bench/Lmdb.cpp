@@ -55,10 +55,11 @@ private:
     MDB_dbi m_database = 0;
 };
 
-/// A reading transaction, kept by its thread.
+/// A reading transaction, kept by its thread; the main thread's outlives the peer, so it keeps the environment open.
 class Reader {
 public:
-    explicit Reader(Environment& environment) : m_transaction(environment.begin(MDB_RDONLY)) {
+    explicit Reader(const std::shared_ptr<Environment>& environment)
+        : m_environment(environment), m_transaction(environment->begin(MDB_RDONLY)) {
         mdb_txn_reset(m_transaction);
     }
     ~Reader() { mdb_txn_abort(m_transaction); }
@@ -68,6 +69,7 @@ public:
     MDB_txn* transaction() const { return m_transaction; }
 
 private:
+    const std::shared_ptr<Environment> m_environment;
     MDB_txn* m_transaction;
 };
 
@@ -83,10 +85,10 @@ public:
     }
 
     void load() override {
-        Environment environment(m_directory);
-        MDB_txn* transaction = environment.begin(MDB_RDONLY);
+        open();
+        MDB_txn* transaction = m_environment->begin(MDB_RDONLY);
         MDB_cursor* cursor = nullptr;
-        check(mdb_cursor_open(transaction, environment.database(), &cursor));
+        check(mdb_cursor_open(transaction, m_environment->database(), &cursor));
         m_sum = 0;
         MDB_val key;
         MDB_val value;
@@ -97,7 +99,7 @@ public:
     }
     std::int64_t sum() override { return m_sum; }
 
-    void open() override { m_environment = std::make_unique<Environment>(m_directory); }
+    void open() override { m_environment = std::make_shared<Environment>(m_directory); }
 
     int readField(int table, const int* indices, const td::Field& field) override {
         return withValue(table, indices, [&](const MDB_val& value) { return fieldOf(value.mv_data, field); });
@@ -121,7 +123,7 @@ public:
 private:
     template <class Use>
     int withValue(int table, const int* indices, Use use) {
-        thread_local const Reader reader(*m_environment);
+        thread_local const Reader reader(m_environment);
         const Key key(table, *m_tables[static_cast<std::size_t>(table)].layout, indices);
         MDB_val name = toValue(key.bytes, key.size);
         MDB_val value;
@@ -135,7 +137,7 @@ private:
     const std::string m_directory;
     const std::vector<Table>& m_tables;
     std::int64_t m_sum = 0;
-    std::unique_ptr<Environment> m_environment;
+    std::shared_ptr<Environment> m_environment;
 };
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <map>
 
+#include <benchmark/benchmark.h>
+
 #include "Cold.h"
 
 namespace fs = std::filesystem;
@@ -42,6 +44,8 @@ int tableOf(td::_DataCategory_t category) {
 }
 
 void closeAll() {
+    // The rows hold on to what they measure.
+    benchmark::ClearRegisteredBenchmarks();
     g_peers.clear();
     g_library.reset();
 }

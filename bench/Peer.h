@@ -16,6 +16,7 @@ struct Change {
     int table;  ///< position in the tables
     int record; ///< number of the record
     const int* values;
+    int fieldCount; ///< only this many, the layout's first ones, differ from what is stored
 };
 
 class Peer {
@@ -28,7 +29,7 @@ public:
     /// Makes the peer's files, on disk when it returns. Nothing to do for those that read the settings files.
     virtual void create() {}
     /// Opens and reads every value into what the peer offers for it: rows for a database, its own structure for a
-    /// parser of files.
+    /// parser of files. Leaves it open.
     virtual void load() = 0;
     /// The values that load() read, added up.
     virtual std::int64_t sum() = 0;

@@ -65,8 +65,10 @@ public:
             int indices[td::MAX_DIMENSIONS] = {};
             m_tables[i].layout->indicesOf(change.record, indices);
             ptree& section = m_trees[i].get_child(sectionOf(*m_tables[i].layout, indices));
-            for (const td::Field& field : m_tables[i].layout->fields)
+            for (int f = 0; f < change.fieldCount; ++f) {
+                const td::Field& field = m_tables[i].layout->fields[static_cast<std::size_t>(f)];
                 section.put(field.key, change.values[field.position]);
+            }
             changed[i] = true;
         }
         for (const auto& [i, ignored] : changed) {

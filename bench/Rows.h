@@ -17,6 +17,7 @@ struct Setting {
 /// Each registers some rows; `setting` must live until all have run.
 void registerColdRows(const Setting& setting);
 void registerReadRows(const Setting& setting);
+void registerMachineRows(const Setting& setting);
 void registerStoreRows(const Setting& setting);
 
 /// Gives up what the rows keep open between them.

@@ -28,12 +28,18 @@ std::string dimensionName(int d) {
     return std::string("d").append(std::to_string(d));
 }
 
-/// The quoted field names, each with `suffix`, separated by commas.
-std::string fieldList(const td::CategoryLayout& layout, const char* suffix = "") {
+/// The quoted names of the first `count` fields, each with `suffix`, separated by commas.
+std::string fieldList(const td::CategoryLayout& layout, int count, const char* suffix = "") {
     std::string list;
-    for (const td::Field& field : layout.fields)
-        list.append(list.empty() ? "" : ",").append(quoted(field.key)).append(suffix);
+    for (const td::Field& field : layout.fields) {
+        if (count-- > 0)
+            list.append(list.empty() ? "" : ",").append(quoted(field.key)).append(suffix);
+    }
     return list;
+}
+
+std::string allFields(const td::CategoryLayout& layout, const char* suffix = "") {
+    return fieldList(layout, layout.fieldCount(), suffix);
 }
 
 /// "prefix", the dimensions, each with `suffix`, separated by `separator`; empty without dimensions.
@@ -107,20 +113,21 @@ public:
     Statement& prepared(const std::string& text) {
         return m_statements.try_emplace(text, m_connection, text).first->second;
     }
-    Statement& update(int table) {
-        Statement*& found = m_updates[table];
+    /// Of the first `count` fields.
+    Statement& update(int table, int count) {
+        Statement*& found = m_updates[{table, count}];
         if (found == nullptr)
             found = &prepared(std::string("UPDATE ")
                                   .append(tableName(layout(table)))
                                   .append(" SET ")
-                                  .append(fieldList(layout(table), "=?"))
+                                  .append(fieldList(layout(table), count, "=?"))
                                   .append(whereText(layout(table))));
         return *found;
     }
     Statement& selectRecord(int table) {
         Statement*& found = m_records[table];
         if (found == nullptr)
-            found = &prepared(selectText(layout(table), fieldList(layout(table))) + whereText(layout(table)));
+            found = &prepared(selectText(layout(table), allFields(layout(table))) + whereText(layout(table)));
         return *found;
     }
     Statement& selectField(int table, const td::Field& field) {
@@ -135,7 +142,7 @@ private:
     const std::vector<Table>& m_tables;
     sqlite3* m_connection = nullptr;
     std::map<std::string, Statement> m_statements;
-    std::map<int, Statement*> m_updates;
+    std::map<std::pair<int, int>, Statement*> m_updates;
     std::map<int, Statement*> m_records;
     std::map<const td::Field*, Statement*> m_fields;
 };
@@ -154,20 +161,21 @@ public:
     }
 
     void load() override {
-        Connection connection(m_path, m_tables);
+        open();
         m_sum = 0;
         for (std::size_t i = 0; i < m_tables.size(); ++i) {
             const td::CategoryLayout& layout = *m_tables[i].layout;
-            Statement& rows = connection.prepared(selectText(layout, fieldList(layout)));
+            Statement& rows = m_connection->prepared(selectText(layout, allFields(layout)));
             while (rows.step()) {
                 for (int f = 0; f < layout.fieldCount(); ++f)
                     m_sum += rows.column(f);
             }
+            rows.reset();
         }
     }
     std::int64_t sum() override { return m_sum; }
 
-    void open() override { m_writer = std::make_unique<Connection>(m_path, m_tables); }
+    void open() override { m_connection = std::make_unique<Connection>(m_path, m_tables); }
 
     int readField(int table, const int* indices, const td::Field& field) override {
         Connection& connection = ofThread();
@@ -192,19 +200,18 @@ public:
     bool readsInParallel() const override { return true; }
 
     void store(const std::vector<Change>& changes) override {
-        m_writer->execute("BEGIN IMMEDIATE");
+        m_connection->prepared("BEGIN IMMEDIATE").run();
         for (const Change& change : changes) {
-            const td::CategoryLayout& layout = m_writer->layout(change.table);
+            const td::CategoryLayout& layout = m_connection->layout(change.table);
             int indices[td::MAX_DIMENSIONS] = {};
             layout.indicesOf(change.record, indices);
-            Statement& update = m_writer->update(change.table);
-            int parameter = 0;
-            for (const td::Field& field : layout.fields)
-                update.bind(++parameter, change.values + field.position, 1);
-            update.bind(parameter + 1, indices, layout.dimensionCount());
+            Statement& update = m_connection->update(change.table, change.fieldCount);
+            for (int f = 0; f < change.fieldCount; ++f)
+                update.bind(f + 1, change.values + layout.fields[static_cast<std::size_t>(f)].position, 1);
+            update.bind(change.fieldCount + 1, indices, layout.dimensionCount());
             update.run();
         }
-        m_writer->execute("COMMIT");
+        m_connection->prepared("COMMIT").run();
     }
 
 private:
@@ -226,7 +233,7 @@ private:
                                .append(tableName(layout))
                                .append(dimensionList(layout, "(", " INTEGER", ","))
                                .append(key.empty() ? "(" : ",")
-                               .append(fieldList(layout, " INTEGER"))
+                               .append(allFields(layout, " INTEGER"))
                                .append(ending));
         std::string marks;
         for (int i = 0; i < layout.dimensionCount() + layout.fieldCount(); ++i)
@@ -247,7 +254,7 @@ private:
     const std::string m_path;
     const std::vector<Table>& m_tables;
     std::int64_t m_sum = 0;
-    std::unique_ptr<Connection> m_writer;
+    std::unique_ptr<Connection> m_connection; ///< for what is stored; readers have one for each thread
 };
 
 } // namespace

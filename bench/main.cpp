@@ -5,6 +5,8 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <fstream>
+#include <stdexcept>
 
 #include <benchmark/benchmark.h>
 
@@ -18,6 +20,8 @@ namespace {
 
 constexpr std::uint32_t SEED = 1;
 constexpr std::uint32_t FACTORY_SEED = 2;
+/// In a directory of data that was made here and may go.
+constexpr const char* MARK = "/made-by-bench";
 
 /// Takes --data and --short out of the arguments.
 bool takeArguments(int& count, char** arguments, bench::Setting& setting) {
@@ -35,7 +39,12 @@ bool takeArguments(int& count, char** arguments, bench::Setting& setting) {
 }
 
 void makeData(const bench::Setting& setting) {
+    const bool isOthers = fs::exists(setting.directory) && !fs::exists(setting.directory + MARK);
+    if (isOthers && !fs::is_empty(setting.directory))
+        throw std::runtime_error(setting.directory + " holds files that are not of the bench");
     fs::remove_all(setting.directory);
+    fs::create_directories(setting.directory);
+    std::ofstream(setting.directory + MARK) << "The bench removes this directory.\n";
     const std::vector<bench::Table> factory = bench::variedTables(FACTORY_SEED);
     const std::string pristine = setting.directory + bench::PRISTINE;
     bench::writeTelevision(pristine, setting.tables, factory);
@@ -59,6 +68,7 @@ int run(int count, char** arguments) {
     makeData(setting);
     bench::registerColdRows(setting);
     bench::registerReadRows(setting);
+    bench::registerMachineRows(setting);
     bench::registerStoreRows(setting);
     benchmark::RunSpecifiedBenchmarks();
     bench::closeAll();
