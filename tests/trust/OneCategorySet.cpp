@@ -15,6 +15,7 @@
 #include <dataModule/platform/RootPrefix.h>
 
 #include "FileCalls.h"
+#include "SmallCategories.h"
 
 namespace td::test {
 namespace {
@@ -47,7 +48,7 @@ std::uint32_t checksumOf(const std::string& contents) {
 // --- shapes ---
 
 const CategoryLayout& Shape::layout() const {
-    return *layoutOf(category);
+    return ownLayout != nullptr ? ownLayout() : *layoutOf(category);
 }
 
 bool Shape::isLarge() const {
@@ -71,8 +72,9 @@ const std::vector<Shape>& shapes() {
                                         {"wide columns", SOUND_PEQ},
                                         {"hexadecimal", PICTURE_XVYCC},
                                         {"global", PICTURE_GLOBAL},
+                                        {"written at once", PICTURE_MODE, fewModes, makeFewModes},
+                                        {"in groups", PICTURE_FACTORY_WB, fewBalances, makeFewBalances},
                                         {"20-level", PICTURE_WB_20_GAIN},
-                                        {"written at once", PICTURE_MODE},
                                         {"largest", PICTURE_FACTORY_WB}};
     return all;
 }
@@ -124,8 +126,8 @@ std::string sectionOf(const CategoryLayout& layout, int record, const std::vecto
 }
 
 const std::string& contentsOf(const CategoryLayout& layout, int series) {
-    static std::map<std::pair<_DataCategory_t, int>, std::string> known;
-    std::string& contents = known[{layout.category, series}];
+    static std::map<std::pair<const CategoryLayout*, int>, std::string> known;
+    std::string& contents = known[{&layout, series}];
     if (!contents.empty())
         return contents;
     for (int record = 0; record < layout.recordCount(); ++record)
@@ -167,16 +169,18 @@ std::vector<int> indicesOf(const CategoryLayout& layout, int record) {
 
 // --- a life ---
 
-OneCategorySet::OneCategorySet(_DataCategory_t category) : m_category(category) {
+OneCategorySet::OneCategorySet(const Shape& shape) : m_shape(shape) {
     setTvType(TV_TYPE);
 }
 
 IFileOperator* OneCategorySet::makeOperator(_DataCategory_t category) {
-    return category == m_category ? createOperator(category) : nullptr;
+    if (category != m_shape.category)
+        return nullptr;
+    return m_shape.makeOwn != nullptr ? m_shape.makeOwn() : createOperator(category);
 }
 
 const CategoryLayout& OneCategorySet::layout() const {
-    return *layoutOf(m_category);
+    return m_shape.layout();
 }
 
 bool OneCategorySet::boot() {
@@ -195,7 +199,7 @@ bool OneCategorySet::bootFromFactory() {
 bool OneCategorySet::isLoaded() {
     const Unwatched unwatched;
     std::vector<_Argument_t> all;
-    return loadData(m_category, indicesOf(layout(), 0), all);
+    return loadData(m_shape.category, indicesOf(layout(), 0), all);
 }
 
 bool OneCategorySet::storeRecord(int record, int series) {
@@ -208,11 +212,11 @@ bool OneCategorySet::storeRecord(int record, int series) {
         for (const Field& field : layout().fields)
             args.push_back({field.argumentName(), values[static_cast<std::size_t>(field.position)]});
     }
-    return storeData(m_category, indices, args);
+    return storeData(m_shape.category, indices, args);
 }
 
 bool OneCategorySet::settle() {
-    if (auto* const merging = dynamic_cast<AbstractFileOperator*>(getFileOperator(m_category)))
+    if (auto* const merging = dynamic_cast<AbstractFileOperator*>(getFileOperator(m_shape.category)))
         merging->waitForMerge();
     return waitStored(PATIENCE_MILLISECONDS);
 }
@@ -222,7 +226,7 @@ std::vector<int> OneCategorySet::recordInMemory(int record) {
     for (const Field& field : layout().fields)
         args.push_back({field.argumentName(), 0});
     std::vector<int> values(args.size(), -1);
-    if (!loadData(m_category, indicesOf(layout(), record), args))
+    if (!loadData(m_shape.category, indicesOf(layout(), record), args))
         return {};
     for (std::size_t i = 0; i < args.size(); ++i)
         values[static_cast<std::size_t>(layout().fields[i].position)] = args[i].value;

@@ -37,10 +37,12 @@ class PowerCutTest : public testing::TestWithParam<Cell> {};
 TEST_P(PowerCutTest, LeavesEveryRecordOldOrNew) {
     const CellResult result = runCell(*GetParam().operation, *GetParam().shape, effortFor(*GetParam().shape));
     noteResult(GetParam(), result);
+    const unsigned long long seed = options().seed;
     for (const std::string& fault : result.faults)
-        ADD_FAILURE() << fault;
-    std::printf("%zu states, %zu after a second cut; during: %s, later: %s, after: %s\n", result.states,
-                result.secondStates, textOf(result.during), textOf(result.later), textOf(result.after));
+        ADD_FAILURE() << fault << "with --seed=" << seed << (options().isFull ? " --full" : "");
+    std::printf("%zu states, %zu after a second cut, with --seed=%llu; during: %s, later: %s, after: %s\n",
+                result.states, result.secondStates, seed, textOf(result.during), textOf(result.later),
+                textOf(result.after));
     EXPECT_LE(result.later, Loss::LastStore) << textOf(result.later);
     EXPECT_EQ(result.after, Loss::Nothing) << textOf(result.after);
     if (!options().tablePage.empty())
