@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/platform/RootPrefix.h>
 
@@ -100,6 +101,10 @@ MemoryRoot::~MemoryRoot() {
 }
 
 // --- files as text ---
+
+bool isRedoRecord(const std::string& path) {
+    return path == redoPath(path.substr(0, path.rfind('.')));
+}
 
 Tree emptyDirectories() {
     Tree tree;

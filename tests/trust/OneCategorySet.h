@@ -57,6 +57,9 @@ private:
 /// The directory of locks between processes: what is in it says nothing about settings.
 constexpr const char* LOCK_DIRECTORY = "var/local/dataModule/lock";
 
+/// Whether it is the path of a redo record.
+bool isRedoRecord(const std::string& path);
+
 /// Directories without files.
 Tree emptyDirectories();
 /// The contents of a complete file in which every record tells by its values from which series it is. One thread only.

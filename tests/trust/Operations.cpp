@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/TextLayout.h>
@@ -186,6 +187,11 @@ Tree withDamagedCurrent(const Shape& shape) {
     return with(threeCopies(shape), shape.current(), damagedFile(shape, CURRENT_SERIES));
 }
 
+/// With the record of a store that is done, as any set has it that was stored to.
+Tree withOldRecord(const Shape& shape, Tree tree) {
+    return with(std::move(tree), redoPath(shape.current()), file("done 1\n"));
+}
+
 Tree withOlderCopies(const Shape& shape) {
     return with(with(threeCopies(shape), shape.current(), olderFile(shape, CURRENT_SERIES)), shape.backup(),
                 olderFile(shape, BACKUP_SERIES));
@@ -235,8 +241,10 @@ std::vector<Operation> makeOperations() {
          threeCopies,
          current,
          // Of a current copy that was not stored to there is a backup.
-         {booted, store(-1, SECOND_STORE, Role::Preparation),
-          {"backup", [](Life& life) { return life.set().backupData() && backupIsCurrent(life.shape); }}, later}},
+         {booted,
+          store(-1, SECOND_STORE, Role::Preparation),
+          {"backup", [](Life& life) { return life.set().backupData() && backupIsCurrent(life.shape); }},
+          later}},
         {"recover from backup", always, withDamagedCurrent, series(BACKUP_SERIES), {start, later}},
         {"recover from factory",
          always,
@@ -295,7 +303,11 @@ std::vector<Operation> makeOperations() {
          threeCopies,
          current,
          {booted, in(Trouble::NoRecord, copyToAllSources(Pieces::One))}},
-        {"store after a failed sync", isQuick, threeCopies, current, {booted, in(Trouble::FailedSync, first), lastLater}},
+        {"store after a failed sync",
+         isQuick,
+         threeCopies,
+         current,
+         {booted, in(Trouble::FailedSync, first), lastLater}},
         {"copy to all sources at once with a failed sync",
          copiesAtOnce,
          threeCopies,
@@ -313,17 +325,17 @@ std::vector<Operation> makeOperations() {
          {booted, in(Trouble::Killed, copyToAllSources(Pieces::One)), start, lastLater}},
         {"start after a killed recovery",
          isQuick,
-         withDamagedCurrent,
+         [](const Shape& shape) { return withOldRecord(shape, withDamagedCurrent(shape)); },
          series(BACKUP_SERIES),
          {in(Trouble::Killed, start), start, lastLater}},
         {"start after a killed version merge",
          isQuick,
-         withOlderCopies,
+         [](const Shape& shape) { return withOldRecord(shape, withOlderCopies(shape)); },
          current,
          {in(Trouble::Killed, start), start, lastLater}},
         {"start after a killed factory reset",
          isQuick,
-         threeCopies,
+         [](const Shape& shape) { return withOldRecord(shape, threeCopies(shape)); },
          current,
          {in(Trouble::Killed, resetToFactory()), start, lastLater}},
     };
@@ -339,8 +351,8 @@ OneCategorySet& Life::set() {
 }
 
 Trouble Operation::trouble() const {
-    const auto found = std::find_if(steps.begin(), steps.end(),
-                                    [](const Step& step) { return step.trouble != Trouble::None; });
+    const auto found =
+        std::find_if(steps.begin(), steps.end(), [](const Step& step) { return step.trouble != Trouble::None; });
     return found != steps.end() ? found->trouble : Trouble::None;
 }
 

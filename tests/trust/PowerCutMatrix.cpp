@@ -5,8 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include <dataModule/fileOperator/RedoRecord.h>
-
 #include "FileCalls.h"
 
 namespace td::test {
@@ -86,7 +84,7 @@ private:
         case Trouble::FailedSync:
             return call == FileCall::Sync;
         case Trouble::NoRecord:
-            return call == FileCall::Write && path == redoPath(path.substr(0, path.rfind('.')));
+            return call == FileCall::Write && isRedoRecord(path);
         case Trouble::None:
             break;
         }
@@ -110,8 +108,7 @@ public:
         : m_operation(operation), m_shape(shape), m_layout(shape.layout()), m_effort(effort) {}
 
     CellResult run() {
-        const bool isCounted =
-            m_operation.trouble() == Trouble::Killed || m_operation.trouble() == Trouble::FailedSync;
+        const bool isCounted = m_operation.trouble() == Trouble::Killed || m_operation.trouble() == Trouble::FailedSync;
         bool isMet = true;
         for (int number = 1; isMet && m_result.faults.empty(); ++number) {
             const Recording recording = record(number, isMet);
@@ -182,8 +179,8 @@ private:
 
     /// A step that writes nothing where it should shows nothing.
     std::string changeError(const Step& step, const std::vector<DiskEvent>& events, std::size_t first) const {
-        const bool mayChangeNothing = m_operation.changesNothing || step.role != Step::Role::Own ||
-                                      m_operation.trouble() == Trouble::Killed;
+        const bool mayChangeNothing =
+            m_operation.changesNothing || step.role != Step::Role::Own || m_operation.trouble() == Trouble::Killed;
         const auto begin = events.begin() + static_cast<std::ptrdiff_t>(first);
         return mayChangeNothing || std::any_of(begin, events.end(), changesSettings)
                    ? ""
@@ -224,20 +221,20 @@ private:
         Promise promise{before.contents, after.contents, {}, recording.backups, after.pieces};
         if (before.trouble == Trouble::FailedSync)
             promise.longBefore = recording.marks[step - 2].contents;
-        const auto cut = [&](std::size_t first, std::size_t last, Loss& worst) {
+        const auto cut = [&](std::size_t first, std::size_t last, Worst& worst) {
             const CutRange range{first, last, LOCK_DIRECTORY};
             m_result.states += forEachCut(recording.start, recording.events, range, m_effort.first,
                                           [&](const CutState& state) { checkState(state, promise, worst); });
         };
         if (after.events == before.events)
             return;
-        Loss& during = after.role == Step::Role::Own ? m_result.during : m_result.later;
+        Worst& during = after.role == Step::Role::Own ? m_result.during : m_result.later;
         cut(before.events, after.events - 1, during);
         // Even what is still pending when the step has returned must not take it back.
         cut(after.events, after.events, after.trouble == Trouble::FailedSync ? during : m_result.after);
     }
 
-    void checkState(const CutState& state, const Promise& promise, Loss& worst) {
+    void checkState(const CutState& state, const Promise& promise, Worst& worst) {
         if (m_result.faults.size() >= MOST_FAULTS)
             return;
         const bool cutAgain = ++m_checked % m_effort.secondEvery == 0;
@@ -252,16 +249,19 @@ private:
         });
     }
 
-    void check(const Tree& tree, const Promise& promise, Loss& worst, const std::string& state,
+    void check(const Tree& tree, const Promise& promise, Worst& worst, const std::string& state,
                std::vector<DiskEvent>* events) {
         m_root.write(tree);
-        const std::string fault = loadAndCompare(tree, promise, worst, events);
+        Loss loss = Loss::Nothing;
+        const std::string fault = loadAndCompare(tree, promise, loss, events);
+        if (loss > worst.loss)
+            worst = {loss, m_trouble + state};
         if (!fault.empty())
             m_result.faults.push_back(fault + "\n" + m_trouble + state);
     }
 
     /// Starts from what the cut left. Empty, or what is wrong with it.
-    std::string loadAndCompare(const Tree& tree, const Promise& promise, Loss& worst, std::vector<DiskEvent>* events) {
+    std::string loadAndCompare(const Tree& tree, const Promise& promise, Loss& found, std::vector<DiskEvent>* events) {
         Life life(m_shape);
         if (!boot(life, tree, events))
             return promise.before ? "the category does not load" : "";
@@ -274,7 +274,7 @@ private:
         const std::optional<Loss> loss = lossOf(*contents, promise);
         if (!loss)
             return "neither the old nor the new settings: " + firstWrong(*contents, promise);
-        worst = std::max(worst, *loss);
+        found = *loss;
         for (const int record : {0, m_layout.recordCount() / 2, m_layout.recordCount() - 1}) {
             if (isInMemory(record) && !isInFile(life.set().recordInMemory(record), *contents, record))
                 return "the table differs from the file";
@@ -367,6 +367,10 @@ const char* textOf(Loss loss) {
         break;
     }
     return "back to the last backup";
+}
+
+std::ostream& operator<<(std::ostream& stream, const Worst& worst) {
+    return stream << textOf(worst.loss) << '\n' << worst.state;
 }
 
 Loss lossOf(const std::string& text) {
