@@ -243,7 +243,7 @@ private:
         if (factoryBefore != m_disk.end() && (factory == nullptr || factory->bytes != factoryBefore->second->bytes))
             return "the factory copy is not what it was";
         if (m_backup && !isAllowedInBackup(contentsAt(m_shape.backup()), stored))
-            return "the backup is damaged, or gone";
+            return "the backup is damaged, or gone: " + firstWrong(contentsAt(m_shape.backup()).value_or(""), stored);
         const std::string kept = sectionOf(m_layout, storedRecord(), valuesOf(m_layout, LATER_STORE, storedRecord()));
         if (stored && sectionIn(m_layout, *contents, storedRecord()) != kept)
             return "the store once the failure was over is lost";
@@ -264,11 +264,13 @@ private:
     bool isAllowed(const std::string& contents, bool stored) const {
         const bool isOld = m_before && contents == withStored(*m_before, stored);
         const bool isNew = m_after && contents == withStored(*m_after, stored);
-        const bool mayBeMixed = m_operation.steps[m_step].pieces == Step::Pieces::Records;
+        const bool mayBeMixed = m_operation.steps[m_step].pieces != Step::Pieces::One;
         return isOld || isNew || (mayBeMixed && firstWrong(contents, stored).empty());
     }
     /// It is as it was, or one of the current copy.
     bool isAllowedInBackup(const std::optional<std::string>& contents, bool stored) const {
+        if (!contents && m_operation.steps[m_step].removesBackup)
+            return m_root.readFile(m_shape.backup()) == nullptr;
         return contents && (contents == m_backup || isAllowed(*contents, false) || isAllowed(*contents, stored));
     }
     std::string firstWrong(const std::string& contents, bool stored) const {

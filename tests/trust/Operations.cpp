@@ -148,7 +148,9 @@ bool backupIsCurrent(const Shape& shape) {
 }
 
 Step resetToFactory() {
-    return {"reset", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }};
+    Step step{"reset", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }};
+    step.removesBackup = true;
+    return step;
 }
 
 /// A request to store four records at once.
@@ -225,7 +227,7 @@ std::vector<Operation> makeOperations() {
          copiesAtOnce,
          threeCopies,
          current,
-         {booted, copyToAllSources(Pieces::One), later}},
+         {booted, copyToAllSources(Pieces::Together), later}},
         {"group store",
          [](const Shape& shape) { return shape.category == PICTURE_FACTORY_WB; },
          threeCopies,
@@ -302,7 +304,7 @@ std::vector<Operation> makeOperations() {
          copiesAtOnce,
          threeCopies,
          current,
-         {booted, in(Trouble::NoRecord, copyToAllSources(Pieces::One))}},
+         {booted, in(Trouble::NoRecord, copyToAllSources(Pieces::Together))}},
         {"store after a failed sync",
          isQuick,
          threeCopies,
@@ -312,7 +314,7 @@ std::vector<Operation> makeOperations() {
          copiesAtOnce,
          threeCopies,
          current,
-         {booted, in(Trouble::FailedSync, copyToAllSources(Pieces::One)), lastLater}},
+         {booted, in(Trouble::FailedSync, copyToAllSources(Pieces::Together)), lastLater}},
         {"start after a killed store",
          isQuick,
          threeCopies,
@@ -322,7 +324,7 @@ std::vector<Operation> makeOperations() {
          copiesAtOnce,
          threeCopies,
          current,
-         {booted, in(Trouble::Killed, copyToAllSources(Pieces::One)), start, lastLater}},
+         {booted, in(Trouble::Killed, copyToAllSources(Pieces::Together)), start, lastLater}},
         {"start after a killed recovery",
          isQuick,
          [](const Shape& shape) { return withOldRecord(shape, withDamagedCurrent(shape)); },

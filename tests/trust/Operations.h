@@ -49,10 +49,11 @@ struct Step {
         Own,         ///< of the operation
         Later,       ///< comes after it
     };
-    /// What a cut may leave of the step.
+    /// What may be left of the step.
     enum class Pieces {
-        One,     ///< all or nothing
-        Records, ///< it stores several records, each in one piece
+        One,      ///< all or nothing
+        Records,  ///< it stores several records, each in one piece
+        Together, ///< several records: by a cut all or nothing, by a failing call each in one piece
     };
 
     const char* name;
@@ -61,6 +62,7 @@ struct Step {
     Role role = Role::Own;
     Pieces pieces = Pieces::One;
     Trouble trouble = Trouble::None;
+    bool removesBackup = false; ///< for a while
 };
 
 struct Operation {
