@@ -120,7 +120,8 @@ public:
         if (!m_entered)
             return false;
         m_verdict = state().watcher->asked(m_kind, m_path);
-        errno = m_verdict.error;
+        if (m_verdict.error != 0)
+            errno = m_verdict.error;
         return m_verdict.error != 0;
     }
     bool isPartial() const { return m_verdict.isPartial; }

@@ -132,6 +132,11 @@ bool isQuick(const Shape& shape) {
     return !shape.isLarge();
 }
 
+/// What calls come in which order does not hang on the shape.
+bool isTriedInTrouble(const Shape& shape) {
+    return shape.category == PICTURE_ENHANCED_VIEWING_ANGLE || shape.layout().applyToAllSources.writesAtOnce;
+}
+
 bool copiesAtOnce(const Shape& shape) {
     return shape.layout().applyToAllSources.writesAtOnce;
 }
@@ -255,7 +260,7 @@ std::vector<Operation> makeOperations() {
          {start, later}},
         {"version merge", always, withOlderCopies, current, {start, later}},
         {"version merge after a store that was cut short",
-         always,
+         isQuick,
          [](const Shape& shape) { return cutStore(shape, OLDER_VERSION); },
          storedContents,
          {start, later}},
@@ -265,7 +270,7 @@ std::vector<Operation> makeOperations() {
          [](const CategoryLayout&) { return std::nullopt; },
          {{"start", [](Life& life) { return life.set().start(); }, Role::Preparation},
           {"create", [](Life& life) { return life.set().initData(life.shape.category) && life.set().settle(); }}}},
-        {"start without directories", always, withoutDirectories, series(FACTORY_SERIES), {start, later}},
+        {"start without directories", isQuick, withoutDirectories, series(FACTORY_SERIES), {start, later}},
         {"first boot",
          always,
          withoutDirectories,
@@ -273,7 +278,7 @@ std::vector<Operation> makeOperations() {
          {{"first boot", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }}, later}},
         {"factory reset", always, threeCopies, current, {resetToFactory(), later}},
         {"factory reset from a damaged copy",
-         always,
+         isQuick,
          [](const Shape& shape) {
              return with(threeCopies(shape), shape.factory(), damagedFile(shape, FACTORY_SERIES));
          },
@@ -296,7 +301,7 @@ std::vector<Operation> makeOperations() {
            }},
           later}},
         {"store without a record",
-         isQuick,
+         isTriedInTrouble,
          threeCopies,
          current,
          {booted, in(Trouble::NoRecord, first), in(Trouble::NoRecord, second)}},
@@ -306,7 +311,7 @@ std::vector<Operation> makeOperations() {
          current,
          {booted, in(Trouble::NoRecord, copyToAllSources(Pieces::Together))}},
         {"store after a failed sync",
-         isQuick,
+         isTriedInTrouble,
          threeCopies,
          current,
          {booted, in(Trouble::FailedSync, first), lastLater}},
@@ -316,7 +321,7 @@ std::vector<Operation> makeOperations() {
          current,
          {booted, in(Trouble::FailedSync, copyToAllSources(Pieces::Together)), lastLater}},
         {"start after a killed store",
-         isQuick,
+         isTriedInTrouble,
          threeCopies,
          current,
          {booted, in(Trouble::Killed, first), start, lastLater}},
@@ -326,17 +331,17 @@ std::vector<Operation> makeOperations() {
          current,
          {booted, in(Trouble::Killed, copyToAllSources(Pieces::Together)), start, lastLater}},
         {"start after a killed recovery",
-         isQuick,
+         isTriedInTrouble,
          [](const Shape& shape) { return withOldRecord(shape, withDamagedCurrent(shape)); },
          series(BACKUP_SERIES),
          {in(Trouble::Killed, start), start, lastLater}},
         {"start after a killed version merge",
-         isQuick,
+         isTriedInTrouble,
          [](const Shape& shape) { return withOldRecord(shape, withOlderCopies(shape)); },
          current,
          {in(Trouble::Killed, start), start, lastLater}},
         {"start after a killed factory reset",
-         isQuick,
+         isTriedInTrouble,
          [](const Shape& shape) { return withOldRecord(shape, threeCopies(shape)); },
          current,
          {in(Trouble::Killed, resetToFactory()), start, lastLater}},

@@ -16,7 +16,7 @@ constexpr std::size_t MOST_FAULTS = 3;
 struct Promise {
     std::optional<std::string> before;
     std::optional<std::string> after;
-    /// Before that, if the step before had a sync that failed.
+    /// Before that, if the step before left it pending.
     std::optional<std::string> longBefore;
     std::vector<std::string> backups;
     Step::Pieces pieces;
@@ -219,7 +219,8 @@ private:
             return;
         }
         Promise promise{before.contents, after.contents, {}, recording.backups, after.pieces};
-        if (before.trouble == Trouble::FailedSync)
+        const bool isAfterStart = step >= 2 && recording.marks[step - 2].trouble == Trouble::Killed;
+        if (before.trouble == Trouble::FailedSync || isAfterStart)
             promise.longBefore = recording.marks[step - 2].contents;
         const auto cut = [&](std::size_t first, std::size_t last, Worst& worst) {
             const CutRange range{first, last, LOCK_DIRECTORY};
@@ -230,8 +231,10 @@ private:
             return;
         Worst& during = after.role == Step::Role::Own ? m_result.during : m_result.later;
         cut(before.events, after.events - 1, during);
-        // Even what is still pending when the step has returned must not take it back.
-        cut(after.events, after.events, after.trouble == Trouble::FailedSync ? during : m_result.after);
+        // Even what is still pending when the step has returned must not take it back, if it was done: a failed store
+        // was not, nor was what a process did that was killed, though the next one finds it.
+        const bool isDone = after.trouble != Trouble::FailedSync && before.trouble != Trouble::Killed;
+        cut(after.events, after.events, isDone ? m_result.after : during);
     }
 
     void checkState(const CutState& state, const Promise& promise, Worst& worst) {
