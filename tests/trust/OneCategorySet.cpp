@@ -23,7 +23,7 @@ namespace {
 
 constexpr const char* TV_TYPE = "TVTYPE01";
 constexpr int PATIENCE_MILLISECONDS = 60000;
-constexpr int LARGE_CONTENTS = 100000;
+constexpr int LARGE_CONTENTS = 500000;
 constexpr const char* CURRENT = "var/local/dataModule/current/";
 constexpr const char* BACKUP = "var/local/dataModule/backup/";
 constexpr const char* FACTORY = "ovdata/model/dataModule/manufactory/";

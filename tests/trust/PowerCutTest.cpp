@@ -1,5 +1,7 @@
-// A cut of power at any instant of any operation: what the next start finds.
+// A cut of power at any instant of any operation: what the next start finds (invariants 2 and 7 of
+// AbstractFileOperator.h).
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <string>
@@ -15,20 +17,26 @@
 namespace td::test {
 namespace {
 
+/// Distinct states after one cut in a sample: as many as take about as long in every shape.
+std::size_t sampleOf(const Shape& shape) {
+    constexpr int BYTES = 3000000;
+    return static_cast<std::size_t>(std::clamp(BYTES / shape.layout().contentLength(), 4, 30));
+}
+
 CellEffort effortFor(const Cell& cell) {
-    const Shape& shape = *cell.shape;
+    const bool isLarge = cell.shape->isLarge();
     const Trouble trouble = cell.operation->trouble();
     CellEffort effort;
     effort.first.seed = effort.second.seed = options().seed;
     if (options().isFull) {
         effort.first.exhaustive = 8;
         // All states of a first cut; what is chosen among the others, another seed chooses otherwise.
-        effort.first.mostStates = shape.isLarge() ? 12 : 0;
+        effort.first.mostStates = isLarge ? 60 : 0;
         effort.second.mostStates = 4;
-        effort.secondEvery = shape.isLarge() ? 6 : 1;
+        effort.secondEvery = isLarge ? 6 : 1;
     } else {
-        effort.first.mostStates = shape.isLarge() ? 4 : 40;
-        effort.second.mostStates = shape.isLarge() ? 2 : 8;
+        effort.first.mostStates = sampleOf(*cell.shape);
+        effort.second.mostStates = isLarge ? 2 : 8;
         effort.secondEvery = 8;
     }
     // For each of the calls that trouble is met at.
