@@ -23,6 +23,7 @@ namespace {
 
 constexpr const char* TV_TYPE = "TVTYPE01";
 constexpr int PATIENCE_MILLISECONDS = 60000;
+constexpr int SMALL_CONTENTS = 100000;
 constexpr int LARGE_CONTENTS = 500000;
 constexpr const char* CURRENT = "var/local/dataModule/current/";
 constexpr const char* BACKUP = "var/local/dataModule/backup/";
@@ -50,6 +51,10 @@ std::uint32_t checksumOf(const std::string& contents) {
 
 const CategoryLayout& Shape::layout() const {
     return ownLayout != nullptr ? ownLayout() : *layoutOf(category);
+}
+
+bool Shape::isSmall() const {
+    return layout().contentLength() < SMALL_CONTENTS;
 }
 
 bool Shape::isLarge() const {

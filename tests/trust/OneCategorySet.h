@@ -25,6 +25,8 @@ struct Shape {
     AbstractFileOperator* (*makeOwn)() = nullptr;
 
     const CategoryLayout& layout() const;
+    /// Whether all that a cut may leave can be tried.
+    bool isSmall() const;
     /// Whether one load takes so long that only few can be tried.
     bool isLarge() const;
     /// Where its current, backup and factory copy stand in a tree.
