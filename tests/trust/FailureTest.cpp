@@ -28,7 +28,7 @@ constexpr std::size_t MOST_FAULTS = 3;
 constexpr int MOST_USES = 100000;
 /// Of the numbers a sample tries every fifth, and so many at most; of a large shape fewer.
 constexpr int SAMPLE_STRIDE = 5;
-constexpr int MOST_SAMPLES = 25;
+constexpr int MOST_SAMPLES = 16;
 constexpr int MOST_LARGE_SAMPLES = 1;
 constexpr int MOST_LARGE_FULL = 5;
 
