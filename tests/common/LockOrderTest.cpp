@@ -1,3 +1,4 @@
+// The check of the lock order (invariant 5 of AbstractFileOperator.h).
 #include <gtest/gtest.h>
 
 #include <dataModule/common/Mutex.h>

@@ -1,4 +1,4 @@
-// The redo record: what is one, and when it is replayed.
+// The redo record: what is one, and when it is replayed (invariant 7 of AbstractFileOperator.h).
 #include <filesystem>
 #include <memory>
 #include <string>

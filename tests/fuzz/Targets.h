@@ -1,6 +1,7 @@
 /// What is fed with hostile bytes: one function per reader. Each checks more than that it survives them; what has to
-/// hold stands beside its checks. The fuzzers call them with bytes that they make up, an ordinary test with the inputs
-/// below corpus/ and with the seeds that are made from the declarations.
+/// hold stands beside its checks: invariant 6 of AbstractFileOperator.h, and the others as far as files go. The fuzzers
+/// call them with bytes that they make up, an ordinary test with the inputs below corpus/ and with the seeds that are
+/// made from the declarations.
 ///
 /// A function leaves nothing behind, so that its result depends on its input alone. One thread at a time.
 #pragma once

@@ -1,10 +1,10 @@
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "Options.h"
+#include "ProgramOptions.h"
 
 namespace td::test {
 
@@ -15,12 +15,11 @@ Options& options() {
 
 namespace {
 
-bool takeOption(const std::string& argument) {
-    const std::size_t value = argument.find('=') + 1;
-    if (argument.rfind("--seconds=", 0) == 0)
-        options().seconds = std::atoi(argument.c_str() + value);
-    else if (argument.rfind("--seed=", 0) == 0)
-        options().seed = std::strtoull(argument.c_str() + value, nullptr, 10);
+bool takeOption(const std::string& name, const char* value) {
+    if (name == "--seconds")
+        options().seconds = std::atoi(value);
+    else if (name == "--seed")
+        options().seed = std::strtoull(value, nullptr, 10);
     else
         return false;
     return true;
@@ -31,12 +30,5 @@ bool takeOption(const std::string& argument) {
 } // namespace td::test
 
 int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    for (int i = 1; i < argc; ++i) {
-        if (!td::test::takeOption(argv[i])) {
-            std::fprintf(stderr, "unknown option %s; there are --seconds=NUMBER and --seed=NUMBER\n", argv[i]);
-            return EXIT_FAILURE;
-        }
-    }
-    return RUN_ALL_TESTS();
+    return td::test::readCommandLine(argc, argv, td::test::takeOption) ? RUN_ALL_TESTS() : EXIT_FAILURE;
 }

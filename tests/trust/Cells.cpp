@@ -1,5 +1,6 @@
 #include "Cells.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 
@@ -15,7 +16,7 @@ std::vector<Cell> allCells() {
     std::vector<Cell> all;
     for (const Operation& operation : operations()) {
         for (const Shape& shape : shapes()) {
-            if (operation.isOffered(shape.layout()))
+            if (operation.isOffered(shape))
                 all.push_back({&operation, &shape});
         }
     }
@@ -23,11 +24,14 @@ std::vector<Cell> allCells() {
 }
 
 std::vector<Cell> failureCells() {
+    std::vector<Cell> all = allCells();
+    all.erase(std::remove_if(all.begin(), all.end(),
+                             [](const Cell& cell) { return cell.operation->trouble() != Trouble::None; }),
+              all.end());
     if (options().isFull)
-        return allCells();
+        return all;
     std::vector<Cell> some;
     std::vector<Cell> offered;
-    const std::vector<Cell> all = allCells();
     for (std::size_t i = 0; i < all.size(); ++i) {
         if (offered.empty() || !all[i].shape->isLarge())
             offered.push_back(all[i]);

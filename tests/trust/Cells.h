@@ -18,7 +18,8 @@ struct Cell {
 std::ostream& operator<<(std::ostream& stream, const Cell& cell);
 
 std::vector<Cell> allCells();
-/// Those that take failures: every operation on one shape, a small one if it has any; with --full all.
+/// Those whose operations meet failures: every operation without trouble of its own on one shape, a small one if it has
+/// any; with --full all.
 std::vector<Cell> failureCells();
 /// For the names of tests.
 std::string nameOfCell(const testing::TestParamInfo<Cell>& info);

@@ -43,14 +43,48 @@ ContentPointer emptyContent() {
     return empty;
 }
 
+/// A digit, as a settings file might have had there.
+constexpr char STALE = '7';
+
 void writeInto(std::string& bytes, const DiskEvent& write, const Fate& fate) {
-    const Fate::Part part = fate.kind == Fate::Kind::Done ? Fate::Part{0, write.bytes.size()} : fate.part;
-    const std::size_t reached = write.offset + (fate.grown ? write.bytes.size() : part.end);
-    if (part.begin == part.end && !fate.grown)
-        return;
-    if (bytes.size() < reached)
-        bytes.resize(reached);
-    bytes.replace(write.offset + part.begin, part.end - part.begin, write.bytes, part.begin, part.end - part.begin);
+    const std::size_t size = write.bytes.size();
+    std::vector<Fate::Part> parts{fate.part};
+    if (fate.kind == Fate::Kind::Done)
+        parts = {{0, size}};
+    else if (fate.kind == Fate::Kind::Holed)
+        parts = {{0, fate.part.begin}, {fate.part.end, size}};
+    if (fate.growth != Fate::Growth::None && bytes.size() < write.offset + size)
+        bytes.resize(write.offset + size, fate.growth == Fate::Growth::Stale ? STALE : '\0');
+    for (const auto& [begin, end] : parts) {
+        if (begin == end)
+            continue;
+        bytes.resize(std::max(bytes.size(), write.offset + end));
+        bytes.replace(write.offset + begin, end - begin, write.bytes, begin, end - begin);
+    }
+}
+
+/// What is left of pending changes once the bytes of a file from `begin` to `end` have been written anew and are sure:
+/// nothing of an earlier write there.
+std::vector<DiskEvent> withoutWrites(std::vector<DiskEvent> changes, int node, std::size_t begin, std::size_t end) {
+    std::vector<DiskEvent> left;
+    for (DiskEvent& change : changes) {
+        const std::size_t last = change.offset + change.bytes.size();
+        if (change.node != node || change.kind != DiskEvent::Kind::Write || last <= begin || end <= change.offset) {
+            left.push_back(std::move(change));
+            continue;
+        }
+        const auto keep = [&](std::size_t from, std::size_t to) {
+            if (from >= to)
+                return;
+            DiskEvent piece = change;
+            piece.bytes = change.bytes.substr(from - change.offset, to - from);
+            piece.offset = from;
+            left.push_back(std::move(piece));
+        };
+        keep(change.offset, begin);
+        keep(end, last);
+    }
+    return left;
 }
 
 } // namespace
@@ -135,19 +169,41 @@ std::size_t DiskModel::sureSize(int node) const {
 void DiskModel::apply(const DiskEvent& event) {
     if (event.made != DiskEvent::NO_NODE && addNode(event.madeDirectory) != event.made)
         throw std::logic_error("nodes are numbered as they are made");
-    if (event.kind != DiskEvent::Kind::Sync) {
+    if (event.kind == DiskEvent::Kind::Sync)
+        return sync(event.node);
+    if (event.kind == DiskEvent::Kind::FailedSync) {
+        for (DiskEvent& change : m_pending)
+            change.givenUp = change.givenUp || (change.node == event.node && change.kind == DiskEvent::Kind::Write);
+        return;
+    }
+    if (!event.isSure) {
         m_pending.push_back(event);
         return;
     }
     Changed changed;
+    change(changed, event, {Fate::Kind::Done});
+    makeSure(changed);
+}
+
+void DiskModel::sync(int node) {
+    Changed changed;
     std::vector<DiskEvent> left;
     for (DiskEvent& change : m_pending) {
-        if (change.node == event.node)
-            this->change(changed, change, {Fate::Kind::Done});
-        else
+        if (change.node != node || change.givenUp) {
             left.push_back(std::move(change));
+            continue;
+        }
+        this->change(changed, change, {Fate::Kind::Done});
+        if (change.kind == DiskEvent::Kind::Write)
+            left = withoutWrites(std::move(left), node, change.offset, change.offset + change.bytes.size());
+        if (change.kind == DiskEvent::Kind::Truncate)
+            left = withoutWrites(std::move(left), node, change.offset, std::string::npos);
     }
     m_pending = std::move(left);
+    makeSure(changed);
+}
+
+void DiskModel::makeSure(Changed& changed) {
     for (auto& [number, now] : changed) {
         Node& node = m_nodes[static_cast<std::size_t>(number)];
         if (node.isDirectory)
@@ -182,6 +238,7 @@ void DiskModel::change(Changed& changed, const DiskEvent& event, const Fate& fat
         writeInto(node.bytes, event, fate);
         return;
     case DiskEvent::Kind::Sync:
+    case DiskEvent::Kind::FailedSync:
         return;
     }
 }
@@ -225,17 +282,17 @@ void DiskRecorder::add(DiskEvent event) {
 }
 
 void DiskRecorder::addNode(const std::string& path, bool isDirectory) {
-    const int directory = m_paths.at(parentOf(path));
+    const std::string directoryPath = parentOf(path);
     m_paths[path] = m_nextNode;
     add({.kind = DiskEvent::Kind::Entries,
-         .node = directory,
+         .node = m_paths.at(directoryPath),
          .entries = {{nameIn(path), m_nextNode}},
          .made = m_nextNode,
          .madeDirectory = isDirectory,
+         // Of the parent's other entries this says nothing.
+         .isSure = path == m_sureDirectory || directoryPath == m_sureDirectory,
          .text = (isDirectory ? "mkdir " : "create ") + path});
     ++m_nextNode;
-    if (path == m_sureDirectory || parentOf(path) == m_sureDirectory)
-        add({.kind = DiskEvent::Kind::Sync, .node = directory, .text = "(sure)"});
 }
 
 void DiskRecorder::removeName(const std::string& path) {
@@ -274,6 +331,10 @@ void DiskRecorder::synced(int descriptor) {
     add({.kind = DiskEvent::Kind::Sync,
          .node = nodeOf(descriptor),
          .text = "sync " + m_descriptors.at(descriptor).path});
+}
+
+void DiskRecorder::failedSync(const std::string& path) {
+    add({.kind = DiskEvent::Kind::FailedSync, .node = m_paths.at(path), .text = "failed sync of " + path});
 }
 
 void DiskRecorder::closed(int descriptor) {

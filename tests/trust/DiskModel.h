@@ -4,6 +4,9 @@
 /// after a sync of that directory. Until then each single write, truncation and change of an entry may or may not have
 /// reached the disk, whatever was done before or after it, and a write may have reached it in part. A file system that
 /// promises more leaves some of these states, never others.
+///
+/// After a sync that failed, the system takes what it was to bring to the disk for written: no later sync makes it sure
+/// unless it is written anew.
 #pragma once
 
 #include <cstddef>
@@ -42,7 +45,7 @@ std::string difference(const Tree& one, const Tree& other);
 
 /// One change of the disk, or a sync of one file or directory.
 struct DiskEvent {
-    enum class Kind { Write, Truncate, Entries, Sync };
+    enum class Kind { Write, Truncate, Entries, Sync, FailedSync };
     static constexpr int NO_NODE = -1;
 
     Kind kind;
@@ -52,21 +55,27 @@ struct DiskEvent {
     std::map<std::string, int> entries = {}; ///< names in a directory and their nodes from now on, if any
     int made = NO_NODE;                      ///< a new node
     bool madeDirectory = false;
+    bool isSure = false;   ///< changed entries that are sure at once
+    bool givenUp = false;  ///< a write whose sync failed
     std::string text = {}; ///< for messages
 };
 
 /// What became of a pending change in a cut.
 struct Fate {
-    /// Bytes of a write that reached the disk, from the first up to and without the second; all others did not.
+    /// Bytes of a write, from the first up to and without the second.
     struct Part {
         std::size_t begin;
         std::size_t end;
     };
-    enum class Kind { Lost, Done, Torn };
+    /// Torn: only the part reached the disk. Holed: all but the part did.
+    enum class Kind { Lost, Done, Torn, Holed };
+    /// What stands where the write did not reach, if the file has its new length: zeros, or bytes of another file that
+    /// is gone.
+    enum class Growth { None, Zeros, Stale };
 
     Kind kind = Kind::Lost;
     Part part = {0, 0};
-    bool grown = false; ///< the file has its new length, with zeros where the write did not reach
+    Growth growth = Growth::None;
 };
 
 /// Replays events.
@@ -101,6 +110,8 @@ private:
     using Changed = std::map<int, ChangedNode>;
 
     int addNode(bool isDirectory);
+    void sync(int node);
+    void makeSure(Changed& changed);
     const Node& nodeAt(int node) const { return m_nodes[static_cast<std::size_t>(node)]; }
     void change(Changed& changed, const DiskEvent& event, const Fate& fate) const;
     void collect(const Changed& changed, int directory, const std::string& path, Tree& tree) const;
@@ -126,6 +137,8 @@ public:
     void removed(const std::string& path) override;
     void madeDirectory(const std::string& path) override;
     void removedDirectory(const std::string& path) override;
+    /// A sync of the file or directory fails.
+    void failedSync(const std::string& path);
 
 private:
     void add(DiskEvent event);

@@ -1,5 +1,5 @@
 // Whatever fails, at whatever moment: the library goes on, loses nothing that was stored, and works again as soon as
-// the failure is over.
+// the failure is over (invariants 1, 2 and 7 of AbstractFileOperator.h).
 
 #include <algorithm>
 #include <atomic>
@@ -28,9 +28,9 @@ constexpr std::size_t MOST_FAULTS = 3;
 constexpr int MOST_USES = 100000;
 /// Of the numbers a sample tries every fifth, and so many at most; of a large shape fewer.
 constexpr int SAMPLE_STRIDE = 5;
-constexpr int MOST_SAMPLES = 25;
+constexpr int MOST_SAMPLES = 16;
 constexpr int MOST_LARGE_SAMPLES = 1;
-constexpr int MOST_LARGE_FULL = 3;
+constexpr int MOST_LARGE_FULL = 5;
 
 /// What fails: from the use with a number on, once or for ever.
 class Failure {
@@ -42,12 +42,15 @@ public:
     /// What could have failed between begin and end.
     virtual int uses() const = 0;
     virtual std::string name() const = 0;
+    /// Whether a store that was divided can be ended.
+    virtual bool hasRecords() const { return true; }
 };
 
 /// File calls with an error, or writes that do less than they should.
 class FailingCalls final : public Failure, public FileWatcher {
 public:
-    enum Kind { Error, Partial, PartialThenFull };
+    /// Without a record: no redo record can be written all the while.
+    enum Kind { Error, Partial, PartialThenFull, PartialThenFullWithoutRecord };
 
     FailingCalls(Kind kind, int error, std::string name) : m_kind(kind), m_error(error), m_name(std::move(name)) {}
 
@@ -64,18 +67,22 @@ public:
     }
     int uses() const override { return m_calls; }
     std::string name() const override { return m_name + " at " + m_struck; }
+    bool hasRecords() const override { return m_kind != PartialThenFullWithoutRecord; }
 
     Verdict asked(FileCall call, const std::string& path) override {
         if (!m_active || (m_kind != Error && call != FileCall::Write))
             return {};
+        if (!hasRecords() && isRedoRecord(path))
+            return {ENOSPC, false};
         ++m_calls;
-        if (m_calls < m_number || (m_calls > m_number && !m_forEver && m_kind != PartialThenFull))
+        const bool thenFull = m_kind == PartialThenFull || m_kind == PartialThenFullWithoutRecord;
+        if (m_calls < m_number || (m_calls > m_number && !m_forEver && !thenFull))
             return {};
         if (m_struck.empty())
             m_struck = std::string(nameOf(call)) + " of " + path;
         if (m_kind == Error)
             return {m_error, false};
-        if (m_kind == PartialThenFull && m_calls > m_number)
+        if (thenFull && m_calls > m_number)
             return {m_calls == m_number + 1 || m_forEver ? ENOSPC : 0, false};
         return {0, true};
     }
@@ -110,8 +117,7 @@ class FailingOperation {
 public:
     FailingOperation(const Cell& cell, std::size_t step)
         : m_operation(*cell.operation), m_shape(*cell.shape), m_layout(m_shape.layout()), m_step(step),
-          m_disk(m_operation.disk(m_shape)),
-          m_hadBackup(m_disk.count(m_shape.backup()) != 0 && verifiedContents(m_layout, m_disk.at(m_shape.backup()))) {
+          m_disk(m_operation.disk(m_shape)), m_backup(contentsOnDisk(m_shape.backup())) {
         rehearse();
     }
 
@@ -157,7 +163,7 @@ private:
         for (std::size_t i = 0; i <= m_step; ++i) {
             if (!m_operation.steps[i].act(life))
                 throw std::runtime_error(std::string(m_operation.steps[i].name) + " fails without a failure");
-            if (i + 1 == m_step && m_operation.steps[i].role != Step::Role::Preparation)
+            if (i + 1 == m_step)
                 m_before = contentsAt(m_shape.current());
         }
         m_after = contentsAt(m_shape.current());
@@ -171,6 +177,10 @@ private:
 
     std::optional<std::string> contentsAt(const std::string& path) const {
         return verifiedContents(m_layout, m_root.readFile(path));
+    }
+    std::optional<std::string> contentsOnDisk(const std::string& path) const {
+        const auto found = m_disk.find(path);
+        return found != m_disk.end() ? verifiedContents(m_layout, found->second) : std::nullopt;
     }
 
     std::string runOnce(Failure& failure, FileWatcher& watcher, int number, bool forEver, bool goOn, bool& met) {
@@ -202,7 +212,7 @@ private:
             }
             life.end();
         }
-        return check(goOn);
+        return check(goOn, failure.hasRecords());
     }
 
     /// The failure is over: what was not loaded loads, and a store works.
@@ -220,7 +230,7 @@ private:
                    : "a store fails once the failure is over";
     }
 
-    std::string check(bool stored) const {
+    std::string check(bool stored, bool hasRecords) const {
         Life life(m_shape);
         if (!life.set().boot())
             return m_before || stored ? "the category does not load" : "";
@@ -228,24 +238,46 @@ private:
         const std::optional<std::string> contents = contentsAt(m_shape.current());
         if (!contents)
             return "after the load the current copy is not good";
-        if (m_before && !contentsAt(m_shape.factory()))
-            return "the factory copy is damaged";
-        const ContentPointer backup = m_root.readFile(m_shape.backup());
-        if (m_hadBackup && backup != nullptr && !verifiedContents(m_layout, backup))
-            return "the backup is damaged";
+        const ContentPointer factory = m_root.readFile(m_shape.factory());
+        const auto factoryBefore = m_disk.find(m_shape.factory());
+        if (factoryBefore != m_disk.end() && (factory == nullptr || factory->bytes != factoryBefore->second->bytes))
+            return "the factory copy is not what it was";
+        if (m_backup && !isAllowedInBackup(contentsAt(m_shape.backup()), stored))
+            return "the backup is damaged, or gone: " + firstWrong(contentsAt(m_shape.backup()).value_or(""), stored);
         const std::string kept = sectionOf(m_layout, storedRecord(), valuesOf(m_layout, LATER_STORE, storedRecord()));
         if (stored && sectionIn(m_layout, *contents, storedRecord()) != kept)
             return "the store once the failure was over is lost";
-        const std::string wrong = firstWrong(*contents, stored, m_before, m_after);
-        return wrong.empty() ? "" : "a record is neither old nor new: " + wrong;
+        const bool isBackup = !hasRecords && m_backup && *contents == withStored(*m_backup, stored);
+        return isBackup || isAllowed(*contents, stored)
+                   ? ""
+                   : "neither the old nor the new settings: " + firstWrong(*contents, stored);
     }
 
-    std::string firstWrong(const std::string& contents, bool stored, const std::optional<std::string>& before,
-                           const std::optional<std::string>& after) const {
+    /// Settings with what was stored once the failure was over.
+    std::string withStored(std::string contents, bool stored) const {
+        if (!stored)
+            return contents;
+        const std::string section =
+            sectionOf(m_layout, storedRecord(), valuesOf(m_layout, LATER_STORE, storedRecord()));
+        return contents.replace(static_cast<std::size_t>(storedRecord()) * section.size(), section.size(), section);
+    }
+    bool isAllowed(const std::string& contents, bool stored) const {
+        const bool isOld = m_before && contents == withStored(*m_before, stored);
+        const bool isNew = m_after && contents == withStored(*m_after, stored);
+        const bool mayBeMixed = m_operation.steps[m_step].pieces != Step::Pieces::One;
+        return isOld || isNew || (mayBeMixed && firstWrong(contents, stored).empty());
+    }
+    /// It is as it was, or one of the current copy.
+    bool isAllowedInBackup(const std::optional<std::string>& contents, bool stored) const {
+        if (!contents && m_operation.steps[m_step].removesBackup)
+            return m_root.readFile(m_shape.backup()) == nullptr;
+        return contents && (contents == m_backup || isAllowed(*contents, false) || isAllowed(*contents, stored));
+    }
+    std::string firstWrong(const std::string& contents, bool stored) const {
         for (int record = 0; record < m_layout.recordCount(); ++record) {
             std::string section = sectionIn(m_layout, contents, record);
-            const bool isOld = before && section == sectionIn(m_layout, *before, record);
-            const bool isNew = after && section == sectionIn(m_layout, *after, record);
+            const bool isOld = m_before && section == sectionIn(m_layout, *m_before, record);
+            const bool isNew = m_after && section == sectionIn(m_layout, *m_after, record);
             if (!isOld && !isNew && !(stored && record == storedRecord()))
                 return section;
         }
@@ -259,7 +291,7 @@ private:
     const CategoryLayout& m_layout;
     const std::size_t m_step;
     const Tree m_disk;
-    const bool m_hadBackup; ///< a good one
+    const std::optional<std::string> m_backup; ///< if there was a good one
     const MemoryRoot m_root;
     std::optional<std::string> m_before;
     std::optional<std::string> m_after;
@@ -313,7 +345,9 @@ TEST_P(FailureTest, OfFileCalls) {
                               {FailingCalls::Error, EACCES, "no permission"},
                               {FailingCalls::Error, EROFS, "a read-only file system"},
                               {FailingCalls::Partial, 0, "a partial write"},
-                              {FailingCalls::PartialThenFull, 0, "a partial write, then no space"}};
+                              {FailingCalls::PartialThenFull, 0, "a partial write, then no space"},
+                              {FailingCalls::PartialThenFullWithoutRecord, 0,
+                               "no space for a redo record and a partial write, then no space"}};
     int first = 1;
     for (const Kind& kind : KINDS) {
         FailingCalls calls(kind.kind, kind.error, kind.name);

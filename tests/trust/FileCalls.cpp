@@ -55,6 +55,7 @@ const char* nameInTheLibrary(const char* name) {
     static constexpr std::pair<std::string_view, const char*> OTHERS[] = {
         {"open", "open64"},          {"openat", "openat64"},        {"fopen", "fopen64"},
         {"lseek", "lseek64"},        {"ftruncate", "ftruncate64"},  {"readdir", "readdir64"},
+        {"pread", "pread64"},        {"fcntl", "fcntl64"},          {"futimens", "__futimens64"},
         {"stat", "__stat64_time64"}, {"lstat", "__lstat64_time64"}, {"fstat", "__fstat64_time64"},
     };
     for (const auto& [function, other] : OTHERS) {
@@ -119,7 +120,8 @@ public:
         if (!m_entered)
             return false;
         m_verdict = state().watcher->asked(m_kind, m_path);
-        errno = m_verdict.error;
+        if (m_verdict.error != 0)
+            errno = m_verdict.error;
         return m_verdict.error != 0;
     }
     bool isPartial() const { return m_verdict.isPartial; }
@@ -342,6 +344,12 @@ SEEN_BY_THE_LIBRARY ssize_t read(int descriptor, void* buffer, size_t size) {
     return call.fails() ? -1 : real(descriptor, buffer, size);
 }
 
+SEEN_BY_THE_LIBRARY ssize_t pread(int descriptor, void* buffer, size_t size, off_t offset) {
+    static const auto real = BEHIND(pread);
+    Call call(FileCall::Read, descriptor);
+    return call.fails() ? -1 : real(descriptor, buffer, size, offset);
+}
+
 SEEN_BY_THE_LIBRARY ssize_t write(int descriptor, const void* buffer, size_t size) {
     static const auto real = BEHIND(write);
     Call call(FileCall::Write, descriptor);
@@ -481,6 +489,23 @@ SEEN_BY_THE_LIBRARY int fchown(int descriptor, uid_t owner, gid_t group) __THROW
     static const auto real = BEHIND(fchown);
     Call call(FileCall::Change, descriptor);
     return call.fails() ? -1 : real(descriptor, owner, group);
+}
+
+SEEN_BY_THE_LIBRARY int futimens(int descriptor, const struct timespec* times) __THROW {
+    static const auto real = BEHIND(futimens);
+    Call call(FileCall::Change, descriptor);
+    return call.fails() ? -1 : real(descriptor, times);
+}
+
+/// All commands have one argument or none.
+SEEN_BY_THE_LIBRARY int fcntl(int descriptor, int command, ...) {
+    static const auto real = BEHIND(fcntl);
+    va_list arguments;
+    va_start(arguments, command);
+    void* const argument = va_arg(arguments, void*);
+    va_end(arguments);
+    Call call(FileCall::Change, descriptor);
+    return call.fails() ? -1 : real(descriptor, command, argument);
 }
 
 SEEN_BY_THE_LIBRARY int flock(int descriptor, int operation) __THROW {

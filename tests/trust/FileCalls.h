@@ -26,7 +26,7 @@ enum class FileCall {
     MakeDirectory,
     List,   ///< of a directory
     Status, ///< stat and access
-    Change, ///< mode, owner, descriptor flags
+    Change, ///< mode, owner, times, descriptor flags
     Lock,
 };
 

@@ -11,17 +11,20 @@
 #include <unistd.h>
 
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/platform/RootPrefix.h>
 
 #include "FileCalls.h"
+#include "SmallCategories.h"
 
 namespace td::test {
 namespace {
 
 constexpr const char* TV_TYPE = "TVTYPE01";
 constexpr int PATIENCE_MILLISECONDS = 60000;
-constexpr int LARGE_CONTENTS = 100000;
+constexpr int SMALL_CONTENTS = 100000;
+constexpr int LARGE_CONTENTS = 500000;
 constexpr const char* CURRENT = "var/local/dataModule/current/";
 constexpr const char* BACKUP = "var/local/dataModule/backup/";
 constexpr const char* FACTORY = "ovdata/model/dataModule/manufactory/";
@@ -47,7 +50,11 @@ std::uint32_t checksumOf(const std::string& contents) {
 // --- shapes ---
 
 const CategoryLayout& Shape::layout() const {
-    return *layoutOf(category);
+    return ownLayout != nullptr ? ownLayout() : *layoutOf(category);
+}
+
+bool Shape::isSmall() const {
+    return layout().contentLength() < SMALL_CONTENTS;
 }
 
 bool Shape::isLarge() const {
@@ -71,8 +78,9 @@ const std::vector<Shape>& shapes() {
                                         {"wide columns", SOUND_PEQ},
                                         {"hexadecimal", PICTURE_XVYCC},
                                         {"global", PICTURE_GLOBAL},
+                                        {"written at once", PICTURE_MODE, fewModes, makeFewModes},
+                                        {"in groups", PICTURE_FACTORY_WB, fewBalances, makeFewBalances},
                                         {"20-level", PICTURE_WB_20_GAIN},
-                                        {"written at once", PICTURE_MODE},
                                         {"largest", PICTURE_FACTORY_WB}};
     return all;
 }
@@ -99,6 +107,10 @@ MemoryRoot::~MemoryRoot() {
 
 // --- files as text ---
 
+bool isRedoRecord(const std::string& path) {
+    return path == redoPath(path.substr(0, path.rfind('.')));
+}
+
 Tree emptyDirectories() {
     Tree tree;
     for (const char* directory : {CURRENT, BACKUP, FACTORY}) {
@@ -124,8 +136,8 @@ std::string sectionOf(const CategoryLayout& layout, int record, const std::vecto
 }
 
 const std::string& contentsOf(const CategoryLayout& layout, int series) {
-    static std::map<std::pair<_DataCategory_t, int>, std::string> known;
-    std::string& contents = known[{layout.category, series}];
+    static std::map<std::pair<const CategoryLayout*, int>, std::string> known;
+    std::string& contents = known[{&layout, series}];
     if (!contents.empty())
         return contents;
     for (int record = 0; record < layout.recordCount(); ++record)
@@ -167,16 +179,18 @@ std::vector<int> indicesOf(const CategoryLayout& layout, int record) {
 
 // --- a life ---
 
-OneCategorySet::OneCategorySet(_DataCategory_t category) : m_category(category) {
+OneCategorySet::OneCategorySet(const Shape& shape) : m_shape(shape) {
     setTvType(TV_TYPE);
 }
 
 IFileOperator* OneCategorySet::makeOperator(_DataCategory_t category) {
-    return category == m_category ? createOperator(category) : nullptr;
+    if (category != m_shape.category)
+        return nullptr;
+    return m_shape.makeOwn != nullptr ? m_shape.makeOwn() : createOperator(category);
 }
 
 const CategoryLayout& OneCategorySet::layout() const {
-    return *layoutOf(m_category);
+    return m_shape.layout();
 }
 
 bool OneCategorySet::boot() {
@@ -195,7 +209,7 @@ bool OneCategorySet::bootFromFactory() {
 bool OneCategorySet::isLoaded() {
     const Unwatched unwatched;
     std::vector<_Argument_t> all;
-    return loadData(m_category, indicesOf(layout(), 0), all);
+    return loadData(m_shape.category, indicesOf(layout(), 0), all);
 }
 
 bool OneCategorySet::storeRecord(int record, int series) {
@@ -208,11 +222,11 @@ bool OneCategorySet::storeRecord(int record, int series) {
         for (const Field& field : layout().fields)
             args.push_back({field.argumentName(), values[static_cast<std::size_t>(field.position)]});
     }
-    return storeData(m_category, indices, args);
+    return storeData(m_shape.category, indices, args);
 }
 
 bool OneCategorySet::settle() {
-    if (auto* const merging = dynamic_cast<AbstractFileOperator*>(getFileOperator(m_category)))
+    if (auto* const merging = dynamic_cast<AbstractFileOperator*>(getFileOperator(m_shape.category)))
         merging->waitForMerge();
     return waitStored(PATIENCE_MILLISECONDS);
 }
@@ -222,7 +236,7 @@ std::vector<int> OneCategorySet::recordInMemory(int record) {
     for (const Field& field : layout().fields)
         args.push_back({field.argumentName(), 0});
     std::vector<int> values(args.size(), -1);
-    if (!loadData(m_category, indicesOf(layout(), record), args))
+    if (!loadData(m_shape.category, indicesOf(layout(), record), args))
         return {};
     for (std::size_t i = 0; i < args.size(); ++i)
         values[static_cast<std::size_t>(layout().fields[i].position)] = args[i].value;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <dataModule/FileDataSeparateManager.h>
+#include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/fileOperator/CategoryLayout.h>
 
 #include "DiskModel.h"
@@ -19,8 +20,13 @@ namespace td::test {
 struct Shape {
     const char* name;
     _DataCategory_t category;
+    // What stands for the library's own under this category, if anything.
+    const CategoryLayout& (*ownLayout)() = nullptr;
+    AbstractFileOperator* (*makeOwn)() = nullptr;
 
     const CategoryLayout& layout() const;
+    /// Whether all that a cut may leave can be tried.
+    bool isSmall() const;
     /// Whether one load takes so long that only few can be tried.
     bool isLarge() const;
     /// Where its current, backup and factory copy stand in a tree.
@@ -29,7 +35,8 @@ struct Shape {
     std::string factory() const;
 };
 
-/// Small, wide columns, hexadecimal, without dimensions, 20 levels, written at once in bulk copies, largest.
+/// Small, wide columns, hexadecimal, without dimensions, written at once in bulk copies, stored in groups, 20 levels,
+/// largest.
 const std::vector<Shape>& shapes();
 
 /// A root for settings files in memory, if the machine has such a place; the root prefix while it lives.
@@ -51,6 +58,9 @@ private:
 
 /// The directory of locks between processes: what is in it says nothing about settings.
 constexpr const char* LOCK_DIRECTORY = "var/local/dataModule/lock";
+
+/// Whether it is the path of a redo record.
+bool isRedoRecord(const std::string& path);
 
 /// Directories without files.
 Tree emptyDirectories();
@@ -76,7 +86,7 @@ std::vector<int> indicesOf(const CategoryLayout& layout, int record);
 /// One life of a process with the one category.
 class OneCategorySet final : public FileDataSeparateManager {
 public:
-    explicit OneCategorySet(_DataCategory_t category);
+    explicit OneCategorySet(const Shape& shape);
     ~OneCategorySet() override { stop(); }
 
     /// Starts and loads. Whether the category could be loaded.
@@ -97,7 +107,7 @@ protected:
     IFileOperator* makeOperator(_DataCategory_t category) override;
 
 private:
-    const _DataCategory_t m_category;
+    const Shape m_shape;
 };
 
 } // namespace td::test

@@ -1,9 +1,12 @@
 #include "Operations.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/TextLayout.h>
+#include <dataModule/platform/RootPrefix.h>
 
 #include "FileCalls.h"
 
@@ -47,11 +50,11 @@ std::string storedContents(const CategoryLayout& layout) {
 }
 
 /// As that store leaves it half way, with the record of what is to become of it.
-Tree cutStore(const Shape& shape) {
+Tree cutStore(const Shape& shape, const char* version) {
     const CategoryLayout& layout = shape.layout();
     const std::string contents = storedContents(layout);
     const std::string section = sectionIn(layout, contents, 0);
-    std::string text = fileOf(layout, contentsOf(layout, CURRENT_SERIES));
+    std::string text = fileOfVersion(layout, contentsOf(layout, CURRENT_SERIES), version);
     const std::size_t position = text.size() - contents.size();
     text.replace(position, section.size() / 2, section, 0, section.size() / 2);
     RedoRecord record;
@@ -79,7 +82,7 @@ std::function<std::optional<std::string>(const CategoryLayout&)> series(int numb
     return [number](const CategoryLayout& layout) { return contentsOf(layout, number); };
 }
 
-bool always(const CategoryLayout&) {
+bool always(const Shape&) {
     return true;
 }
 
@@ -110,6 +113,51 @@ Step request(const char* name, Request member) {
             }};
 }
 
+Step copyToAllSources(Step::Pieces pieces) {
+    Step step = request("copy", &FileDataSeparateManager::applySettingForAllSources);
+    step.pieces = pieces;
+    return step;
+}
+
+Step in(Trouble trouble, Step step) {
+    step.trouble = trouble;
+    // What is cut is what comes after the process that is killed.
+    if (trouble == Trouble::Killed)
+        step.role = Step::Role::Preparation;
+    return step;
+}
+
+/// Whether the operation can be tried many times over.
+bool isQuick(const Shape& shape) {
+    return !shape.isLarge();
+}
+
+/// What calls come in which order does not hang on the shape.
+bool isTriedInTrouble(const Shape& shape) {
+    return shape.category == PICTURE_ENHANCED_VIEWING_ANGLE || shape.layout().applyToAllSources.writesAtOnce;
+}
+
+bool copiesAtOnce(const Shape& shape) {
+    return shape.layout().applyToAllSources.writesAtOnce;
+}
+
+bool copiesThroughTheQueue(const Shape& shape) {
+    return shape.layout().applyToAllSources.axes != 0 && !copiesAtOnce(shape);
+}
+
+bool backupIsCurrent(const Shape& shape) {
+    const Unwatched unwatched;
+    const ContentPointer current = readFileIn(rootPrefix(), shape.current());
+    const ContentPointer backup = readFileIn(rootPrefix(), shape.backup());
+    return current != nullptr && backup != nullptr && current->bytes == backup->bytes;
+}
+
+Step resetToFactory() {
+    Step step{"reset", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }};
+    step.removesBackup = true;
+    return step;
+}
+
 /// A request to store four records at once.
 struct GroupStore {
     std::array<SelfDefinedGroupArray, 1> data;
@@ -135,82 +183,113 @@ bool storeGroup(Life& life) {
            life.set().settle();
 }
 
+Tree withoutDirectories(const Shape& shape) {
+    Tree tree = without(without(threeCopies(shape), shape.current()), shape.backup());
+    tree.erase("var/local/dataModule/current");
+    tree.erase("var/local/dataModule/backup");
+    return tree;
+}
+
+Tree withDamagedCurrent(const Shape& shape) {
+    return with(threeCopies(shape), shape.current(), damagedFile(shape, CURRENT_SERIES));
+}
+
+/// With the record of a store that is done, as any set has it that was stored to.
+Tree withOldRecord(const Shape& shape, Tree tree) {
+    return with(std::move(tree), redoPath(shape.current()), file("done 1\n"));
+}
+
+Tree withOlderCopies(const Shape& shape) {
+    return with(with(threeCopies(shape), shape.current(), olderFile(shape, CURRENT_SERIES)), shape.backup(),
+                olderFile(shape, BACKUP_SERIES));
+}
+
 std::vector<Operation> makeOperations() {
-    using Set = FileDataSeparateManager;
+    using Role = Step::Role;
+    using Pieces = Step::Pieces;
     const auto current = series(CURRENT_SERIES);
     // A section may be stored again and again, so what one store leaves behind must not disturb the next.
-    const Step booted = boot(Step::Role::Preparation);
-    const Step start = boot(Step::Role::Own);
-    const Step later = store(0, FIRST_STORE, Step::Role::Later);
+    const Step booted = boot(Role::Preparation);
+    const Step start = boot(Role::Own);
+    const Step first = store(0, FIRST_STORE, Role::Own);
+    const Step second = store(-1, SECOND_STORE, Role::Own);
+    const Step later = store(0, FIRST_STORE, Role::Later);
+    const Step lastLater = store(-1, SECOND_STORE, Role::Later);
     return {
-        {"start", always, threeCopies, current, {start}},
-        {"store",
+        {"start", always, threeCopies, current, {start}, true},
+        {"store", always, threeCopies, current, {booted, first, second, store(0, THIRD_STORE, Role::Own)}},
+        {"end a store that was cut short",
+         always,
+         [](const Shape& shape) { return cutStore(shape, shape.layout().version); },
+         storedContents,
+         {start, later}},
+        {"copy to all sources",
+         copiesThroughTheQueue,
+         threeCopies,
+         current,
+         {booted, copyToAllSources(Pieces::Records), later}},
+        {"copy to all sources at once",
+         copiesAtOnce,
+         threeCopies,
+         current,
+         {booted, copyToAllSources(Pieces::Together), later}},
+        {"group store",
+         [](const Shape& shape) { return shape.category == PICTURE_FACTORY_WB; },
+         threeCopies,
+         current,
+         {booted, {"group store", storeGroup, Role::Own, Pieces::Records}}},
+        {"restore",
          always,
          threeCopies,
          current,
-         {booted, store(0, FIRST_STORE, Step::Role::Own), store(-1, SECOND_STORE, Step::Role::Own),
-          store(0, THIRD_STORE, Step::Role::Own)}},
-        {"end a store that was cut short", always, cutStore, storedContents, {start, later}},
-        {"copy to all sources",
-         [](const CategoryLayout& layout) { return layout.applyToAllSources.axes != 0; },
-         threeCopies,
-         current,
-         {booted, request("copy", &Set::applySettingForAllSources), later}},
-        {"group store",
-         [](const CategoryLayout& layout) { return layout.category == PICTURE_FACTORY_WB; },
-         threeCopies,
-         current,
-         {booted, {"group store", storeGroup}}},
-        {"restore", always, threeCopies, current, {booted, request("restore", &Set::restoreSetting), later}},
+         {booted, request("restore", &FileDataSeparateManager::restoreSetting), later}},
         {"backup",
          always,
          threeCopies,
          current,
-         {booted, {"backup", [](Life& life) { return life.set().backupData(); }}, later}},
-        {"recover from backup",
-         always,
-         [](const Shape& shape) {
-             return with(threeCopies(shape), shape.current(), damagedFile(shape, CURRENT_SERIES));
-         },
-         series(BACKUP_SERIES),
-         {start, later}},
+         // Of a current copy that was not stored to there is a backup.
+         {booted,
+          store(-1, SECOND_STORE, Role::Preparation),
+          {"backup", [](Life& life) { return life.set().backupData() && backupIsCurrent(life.shape); }},
+          later}},
+        {"recover from backup", always, withDamagedCurrent, series(BACKUP_SERIES), {start, later}},
         {"recover from factory",
          always,
-         [](const Shape& shape) {
-             return without(with(threeCopies(shape), shape.current(), damagedFile(shape, CURRENT_SERIES)),
-                            shape.backup());
-         },
+         [](const Shape& shape) { return without(withDamagedCurrent(shape), shape.backup()); },
          series(FACTORY_SERIES),
          {start, later}},
-        {"version merge",
-         always,
-         [](const Shape& shape) {
-             return with(with(threeCopies(shape), shape.current(), olderFile(shape, CURRENT_SERIES)), shape.backup(),
-                         olderFile(shape, BACKUP_SERIES));
-         },
-         current,
+        {"version merge", always, withOlderCopies, current, {start, later}},
+        {"version merge after a store that was cut short",
+         isQuick,
+         [](const Shape& shape) { return cutStore(shape, OLDER_VERSION); },
+         storedContents,
          {start, later}},
         {"create",
          always,
          [](const Shape&) { return emptyDirectories(); },
          [](const CategoryLayout&) { return std::nullopt; },
-         {{"start", [](Life& life) { return life.set().start(); }, Step::Role::Preparation},
+         {{"start", [](Life& life) { return life.set().start(); }, Role::Preparation},
           {"create", [](Life& life) { return life.set().initData(life.shape.category) && life.set().settle(); }}}},
+        {"start without directories", isQuick, withoutDirectories, series(FACTORY_SERIES), {start, later}},
         {"first boot",
          always,
-         [](const Shape& shape) {
-             Tree tree = without(without(threeCopies(shape), shape.current()), shape.backup());
-             tree.erase("var/local/dataModule/current");
-             tree.erase("var/local/dataModule/backup");
-             return tree;
-         },
+         withoutDirectories,
          series(FACTORY_SERIES),
          {{"first boot", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }}, later}},
-        {"factory reset",
-         always,
-         threeCopies,
+        {"factory reset", always, threeCopies, current, {resetToFactory(), later}},
+        {"factory reset from a damaged copy",
+         isQuick,
+         [](const Shape& shape) {
+             return with(threeCopies(shape), shape.factory(), damagedFile(shape, FACTORY_SERIES));
+         },
          current,
-         {{"reset", [](Life& life) { return life.set().bootFromFactory() && life.set().settle(); }}, later}},
+         {{"reset",
+           [](Life& life) {
+               life.set().bootFromFactory();
+               return life.set().settle() && life.set().isLoaded();
+           }},
+          later},
+         true},
         {"reset from factory",
          always,
          threeCopies,
@@ -221,6 +300,51 @@ std::vector<Operation> makeOperations() {
                return life.set().refreshDataFromManufactory(life.shape.category) && life.set().settle();
            }},
           later}},
+        {"store without a record",
+         isTriedInTrouble,
+         threeCopies,
+         current,
+         {booted, in(Trouble::NoRecord, first), in(Trouble::NoRecord, second)}},
+        {"copy to all sources at once without a record",
+         copiesAtOnce,
+         threeCopies,
+         current,
+         {booted, in(Trouble::NoRecord, copyToAllSources(Pieces::Together))}},
+        {"store after a failed sync",
+         isTriedInTrouble,
+         threeCopies,
+         current,
+         {booted, in(Trouble::FailedSync, first), lastLater}},
+        {"copy to all sources at once with a failed sync",
+         copiesAtOnce,
+         threeCopies,
+         current,
+         {booted, in(Trouble::FailedSync, copyToAllSources(Pieces::Together)), lastLater}},
+        {"start after a killed store",
+         isTriedInTrouble,
+         threeCopies,
+         current,
+         {booted, in(Trouble::Killed, first), start, lastLater}},
+        {"start after a killed copy to all sources at once",
+         copiesAtOnce,
+         threeCopies,
+         current,
+         {booted, in(Trouble::Killed, copyToAllSources(Pieces::Together)), start, lastLater}},
+        {"start after a killed recovery",
+         isTriedInTrouble,
+         [](const Shape& shape) { return withOldRecord(shape, withDamagedCurrent(shape)); },
+         series(BACKUP_SERIES),
+         {in(Trouble::Killed, start), start, lastLater}},
+        {"start after a killed version merge",
+         isTriedInTrouble,
+         [](const Shape& shape) { return withOldRecord(shape, withOlderCopies(shape)); },
+         current,
+         {in(Trouble::Killed, start), start, lastLater}},
+        {"start after a killed factory reset",
+         isTriedInTrouble,
+         [](const Shape& shape) { return withOldRecord(shape, threeCopies(shape)); },
+         current,
+         {in(Trouble::Killed, resetToFactory()), start, lastLater}},
     };
 }
 
@@ -229,8 +353,14 @@ std::vector<Operation> makeOperations() {
 OneCategorySet& Life::set() {
     const Unwatched unwatched;
     if (!m_set)
-        m_set = std::make_unique<OneCategorySet>(shape.category);
+        m_set = std::make_unique<OneCategorySet>(shape);
     return *m_set;
+}
+
+Trouble Operation::trouble() const {
+    const auto found =
+        std::find_if(steps.begin(), steps.end(), [](const Step& step) { return step.trouble != Trouble::None; });
+    return found != steps.end() ? found->trouble : Trouble::None;
 }
 
 const std::vector<Operation>& operations() {

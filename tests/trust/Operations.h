@@ -35,28 +35,49 @@ private:
     std::unique_ptr<OneCategorySet> m_set;
 };
 
+/// What a step meets each time anew, as often as there are calls for it.
+enum class Trouble {
+    None,
+    Killed,     ///< the process ends before one of its calls; what follows is another process's
+    FailedSync, ///< one sync fails
+    NoRecord,   ///< no redo record can be written
+};
+
 struct Step {
     enum class Role {
         Preparation, ///< leads up to the operation: nothing fails within it
         Own,         ///< of the operation
         Later,       ///< comes after it
     };
+    /// What may be left of the step.
+    enum class Pieces {
+        One,      ///< all or nothing
+        Records,  ///< it stores several records, each in one piece
+        Together, ///< several records: by a cut all or nothing, by a failing call each in one piece
+    };
 
     const char* name;
     /// Returns when all is done, queued stores included. Whether it succeeded.
     std::function<bool(Life&)> act;
     Role role = Role::Own;
+    Pieces pieces = Pieces::One;
+    Trouble trouble = Trouble::None;
+    bool removesBackup = false; ///< for a while
 };
 
 struct Operation {
     const char* name;
     /// Whether categories of this shape have it.
-    std::function<bool(const CategoryLayout&)> isOffered;
+    std::function<bool(const Shape&)> isOffered;
     /// The disk before.
     std::function<Tree(const Shape&)> disk;
     /// The contents that a start would load from it; none: there is nothing to load.
     std::function<std::optional<std::string>(const CategoryLayout&)> before;
     std::vector<Step> steps;
+    /// Whether its own steps have nothing to write.
+    bool changesNothing = false;
+
+    Trouble trouble() const;
 };
 
 const std::vector<Operation>& operations();

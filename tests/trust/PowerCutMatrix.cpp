@@ -1,6 +1,7 @@
 #include "PowerCutMatrix.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <optional>
 #include <utility>
 
@@ -15,7 +16,10 @@ constexpr std::size_t MOST_FAULTS = 3;
 struct Promise {
     std::optional<std::string> before;
     std::optional<std::string> after;
+    /// Before that, if the step before left it pending.
+    std::optional<std::string> longBefore;
     std::vector<std::string> backups;
+    Step::Pieces pieces;
 };
 
 /// What the recorded operation did.
@@ -24,6 +28,8 @@ struct Recording {
         std::size_t events; ///< done at the end of the step
         std::optional<std::string> contents;
         Step::Role role; ///< of the step
+        Step::Pieces pieces = Step::Pieces::One;
+        Trouble trouble = Trouble::None;
     };
     Tree start;
     std::vector<DiskEvent> events;
@@ -32,51 +38,153 @@ struct Recording {
     std::string fault;
 };
 
+/// Records what happens on the disk, trouble included.
+class TroubledRecorder final : public DiskRecorder {
+public:
+    using DiskRecorder::DiskRecorder;
+
+    /// From the call with this number on, of those that are concerned. Nothing may be running.
+    void begin(Trouble trouble, int number) {
+        m_trouble = trouble;
+        m_number = number;
+        m_calls = 0;
+    }
+    /// Whether it was met.
+    bool end() {
+        m_trouble = Trouble::None;
+        return m_calls >= m_number;
+    }
+
+    Verdict asked(FileCall call, const std::string& path) override {
+        if (!isConcerned(call, path))
+            return {m_trouble == Trouble::Killed && m_calls >= m_number ? EIO : 0, false};
+        const bool isReached = ++m_calls >= m_number;
+        switch (m_trouble) {
+        case Trouble::Killed:
+            return {isReached ? EIO : 0, false}; // The dead leave the disk as it is.
+        case Trouble::FailedSync:
+            if (m_calls != m_number)
+                return {};
+            failedSync(path);
+            return {EIO, false};
+        case Trouble::NoRecord:
+            return {ENOSPC, false};
+        case Trouble::None:
+            break;
+        }
+        return {};
+    }
+
+private:
+    bool isConcerned(FileCall call, const std::string& path) const {
+        switch (m_trouble) {
+        case Trouble::Killed:
+            return call == FileCall::Write || call == FileCall::Truncate || call == FileCall::Sync ||
+                   call == FileCall::Rename || call == FileCall::Remove || call == FileCall::MakeDirectory;
+        case Trouble::FailedSync:
+            return call == FileCall::Sync;
+        case Trouble::NoRecord:
+            return call == FileCall::Write && isRedoRecord(path);
+        case Trouble::None:
+            break;
+        }
+        return false;
+    }
+
+    // Under the lock of the file calls while they are watched, and set only while nothing is running.
+    Trouble m_trouble = Trouble::None;
+    int m_number = 1;
+    int m_calls = 0;
+};
+
+/// Whether an event changes a settings file or a directory of settings files.
+bool changesSettings(const DiskEvent& event) {
+    return event.kind != DiskEvent::Kind::Sync && event.text.find(LOCK_DIRECTORY) == std::string::npos;
+}
+
 class Cell {
 public:
     Cell(const Operation& operation, const Shape& shape, const CellEffort& effort)
         : m_operation(operation), m_shape(shape), m_layout(shape.layout()), m_effort(effort) {}
 
     CellResult run() {
-        const Recording recording = record();
-        if (!recording.fault.empty()) {
-            m_result.faults.push_back(recording.fault);
-            return m_result;
+        const bool isCounted = m_operation.trouble() == Trouble::Killed || m_operation.trouble() == Trouble::FailedSync;
+        bool isMet = true;
+        for (int number = 1; isMet && m_result.faults.empty(); ++number) {
+            const Recording recording = record(number, isMet);
+            m_trouble = isCounted ? "number " + std::to_string(number) + " in " + m_operation.name + ", " : "";
+            if (isMet || number == 1)
+                cutAll(recording);
+            isMet = isMet && isCounted;
         }
-        for (std::size_t step = 1; step < recording.marks.size(); ++step) {
-            if (recording.marks[step].role != Step::Role::Preparation)
-                cutStep(recording, step);
-        }
+        if (m_result.states == 0)
+            m_result.faults.emplace_back("there is no state that a cut could leave");
         return m_result;
     }
 
 private:
-    Recording record() {
+    void cutAll(const Recording& recording) {
+        if (!recording.fault.empty()) {
+            m_result.faults.push_back(m_trouble + recording.fault);
+            return;
+        }
+        const auto factory = recording.start.find(m_shape.factory());
+        m_factory = factory != recording.start.end() ? factory->second : nullptr;
+        for (std::size_t step = 1; step < recording.marks.size(); ++step) {
+            if (recording.marks[step].role != Step::Role::Preparation)
+                cutStep(recording, step);
+        }
+    }
+
+    /// Whether the step's trouble was met is true where there is none.
+    Recording record(int number, bool& isMet) {
+        isMet = true;
         Recording recording;
         recording.start = m_operation.disk(m_shape);
         m_root.write(recording.start);
-        DiskRecorder recorder(recording.start, LOCK_DIRECTORY);
+        TroubledRecorder recorder(recording.start, LOCK_DIRECTORY);
         recording.marks.push_back({0, m_operation.before(m_layout), Step::Role::Preparation});
         noteBackup(recording, recording.start);
         {
             const WatchedFiles watched(m_root.path(), recorder);
             Life life(m_shape);
             for (const Step& step : m_operation.steps) {
-                if (!step.act(life)) {
-                    recording.fault = std::string(step.name) + " failed";
+                recorder.begin(step.trouble, number);
+                const bool hasSucceeded = step.act(life);
+                if (step.trouble == Trouble::Killed)
+                    life.end();
+                const bool wasMet = recorder.end();
+                isMet = isMet && (step.trouble == Trouble::None || wasMet);
+                const bool mayFail = step.trouble == Trouble::Killed || step.trouble == Trouble::FailedSync;
+                recording.fault = hasSucceeded || mayFail ? "" : std::string(step.name) + " failed";
+                if (!recording.fault.empty())
                     return recording;
-                }
                 const Unwatched unwatched;
                 const Tree tree = m_root.read();
-                recording.marks.push_back({recorder.events().size(), contentsIn(tree, m_shape.current()), step.role});
+                std::optional<std::string> contents = contentsIn(tree, m_shape.current());
+                if (step.trouble == Trouble::Killed || (mayFail && !contents))
+                    contents = recording.marks.back().contents;
+                recording.fault = changeError(step, recorder.events(), recording.marks.back().events);
+                recording.marks.push_back({recorder.events().size(), contents, step.role, step.pieces, step.trouble});
                 noteBackup(recording, tree);
             }
             life.end();
         }
         recording.events = recorder.events();
         recording.marks.push_back({recording.events.size(), recording.marks.back().contents, Step::Role::Own});
-        recording.fault = modelError(recording);
+        if (recording.fault.empty())
+            recording.fault = modelError(recording);
         return recording;
+    }
+
+    /// A step that writes nothing where it should shows nothing.
+    std::string changeError(const Step& step, const std::vector<DiskEvent>& events, std::size_t first) const {
+        const bool mayChangeNothing =
+            m_operation.changesNothing || step.role != Step::Role::Own || m_operation.trouble() == Trouble::Killed;
+        const auto begin = events.begin() + static_cast<std::ptrdiff_t>(first);
+        return mayChangeNothing || std::any_of(begin, events.end(), changesSettings)
+                   ? ""
+                   : std::string(step.name) + " changed nothing";
     }
 
     /// Empty if the recorded events really lead to the files that are there.
@@ -107,23 +215,29 @@ private:
         const Recording::Mark& before = recording.marks[step - 1];
         const Recording::Mark& after = recording.marks[step];
         if (!after.contents) {
-            m_result.faults.push_back("after the step there is no good current copy");
+            m_result.faults.push_back(m_trouble + "after the step there is no good current copy");
             return;
         }
-        const auto cut = [&](std::size_t first, std::size_t last, const Promise& promise, Loss& worst) {
+        Promise promise{before.contents, after.contents, {}, recording.backups, after.pieces};
+        const bool isAfterStart = step >= 2 && recording.marks[step - 2].trouble == Trouble::Killed;
+        if (before.trouble == Trouble::FailedSync || isAfterStart)
+            promise.longBefore = recording.marks[step - 2].contents;
+        const auto cut = [&](std::size_t first, std::size_t last, Worst& worst) {
             const CutRange range{first, last, LOCK_DIRECTORY};
             m_result.states += forEachCut(recording.start, recording.events, range, m_effort.first,
                                           [&](const CutState& state) { checkState(state, promise, worst); });
         };
         if (after.events == before.events)
             return;
-        cut(before.events, after.events - 1, {before.contents, after.contents, recording.backups},
-            after.role == Step::Role::Own ? m_result.during : m_result.later);
-        // Even what is still pending when the step has returned must not take it back.
-        cut(after.events, after.events, {before.contents, after.contents, recording.backups}, m_result.after);
+        Worst& during = after.role == Step::Role::Own ? m_result.during : m_result.later;
+        cut(before.events, after.events - 1, during);
+        // Even what is still pending when the step has returned must not take it back, if it was done: a failed store
+        // was not, nor was what a process did that was killed, though the next one finds it.
+        const bool isDone = after.trouble != Trouble::FailedSync && before.trouble != Trouble::Killed;
+        cut(after.events, after.events, isDone ? m_result.after : during);
     }
 
-    void checkState(const CutState& state, const Promise& promise, Loss& worst) {
+    void checkState(const CutState& state, const Promise& promise, Worst& worst) {
         if (m_result.faults.size() >= MOST_FAULTS)
             return;
         const bool cutAgain = ++m_checked % m_effort.secondEvery == 0;
@@ -138,28 +252,32 @@ private:
         });
     }
 
-    void check(const Tree& tree, const Promise& promise, Loss& worst, const std::string& state,
+    void check(const Tree& tree, const Promise& promise, Worst& worst, const std::string& state,
                std::vector<DiskEvent>* events) {
         m_root.write(tree);
-        const std::string fault = loadAndCompare(tree, promise, worst, events);
+        Loss loss = Loss::Nothing;
+        const std::string fault = loadAndCompare(tree, promise, loss, events);
+        if (loss > worst.loss)
+            worst = {loss, m_trouble + state};
         if (!fault.empty())
-            m_result.faults.push_back(fault + "\n" + state);
+            m_result.faults.push_back(fault + "\n" + m_trouble + state);
     }
 
     /// Starts from what the cut left. Empty, or what is wrong with it.
-    std::string loadAndCompare(const Tree& tree, const Promise& promise, Loss& worst, std::vector<DiskEvent>* events) {
+    std::string loadAndCompare(const Tree& tree, const Promise& promise, Loss& found, std::vector<DiskEvent>* events) {
         Life life(m_shape);
         if (!boot(life, tree, events))
             return promise.before ? "the category does not load" : "";
         const std::optional<std::string> contents = contentsAt(m_shape.current());
         if (!contents)
             return "after the load the current copy is not good";
-        if (contentsIn(tree, m_shape.factory()) != contentsAt(m_shape.factory()))
-            return "the load changed the factory copy";
+        const ContentPointer factory = m_root.readFile(m_shape.factory());
+        if (m_factory != nullptr && (factory == nullptr || factory->bytes != m_factory->bytes))
+            return "the factory copy is not what it was";
         const std::optional<Loss> loss = lossOf(*contents, promise);
         if (!loss)
-            return "a record is neither old nor new: " + firstWrong(*contents, promise);
-        worst = std::max(worst, *loss);
+            return "neither the old nor the new settings: " + firstWrong(*contents, promise);
+        found = *loss;
         for (const int record : {0, m_layout.recordCount() / 2, m_layout.recordCount() - 1}) {
             if (isInMemory(record) && !isInFile(life.set().recordInMemory(record), *contents, record))
                 return "the table differs from the file";
@@ -176,14 +294,8 @@ private:
             const WatchedFiles watched(m_root.path(), recorder);
             loaded = life.set().boot() && life.set().settle();
         }
-        for (const DiskEvent& event : recorder.events()) {
-            const bool changes =
-                event.kind != DiskEvent::Kind::Sync && event.text.find(LOCK_DIRECTORY) == std::string::npos;
-            if (changes) {
-                *events = recorder.events();
-                break;
-            }
-        }
+        if (std::any_of(recorder.events().begin(), recorder.events().end(), changesSettings))
+            *events = recorder.events();
         return loaded;
     }
 
@@ -199,16 +311,16 @@ private:
     std::optional<Loss> lossOf(const std::string& contents, const Promise& promise) const {
         if (contents == promise.after)
             return Loss::Nothing;
-        if (contents == promise.before)
+        if (contents == promise.before || contents == promise.longBefore)
             return Loss::LastStore;
-        if (promise.before && firstWrong(contents, promise).empty())
+        if (promise.pieces == Step::Pieces::Records && promise.before && firstWrong(contents, promise).empty())
             return Loss::LastStore;
         if (std::find(promise.backups.begin(), promise.backups.end(), contents) != promise.backups.end())
             return Loss::LastBackup;
         return std::nullopt;
     }
 
-    /// The first record that is neither old nor new.
+    /// The first record that is neither old nor new, if there is one.
     std::string firstWrong(const std::string& contents, const Promise& promise) const {
         for (int record = 0; record < m_layout.recordCount(); ++record) {
             std::string section = sectionIn(m_layout, contents, record);
@@ -240,6 +352,8 @@ private:
     const CategoryLayout& m_layout;
     const CellEffort& m_effort;
     const MemoryRoot m_root;
+    ContentPointer m_factory;
+    std::string m_trouble; ///< which one, for messages
     CellResult m_result;
     std::size_t m_checked = 0;
 };
@@ -256,6 +370,10 @@ const char* textOf(Loss loss) {
         break;
     }
     return "back to the last backup";
+}
+
+std::ostream& operator<<(std::ostream& stream, const Worst& worst) {
+    return stream << textOf(worst.loss) << '\n' << worst.state;
 }
 
 Loss lossOf(const std::string& text) {

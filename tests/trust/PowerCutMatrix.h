@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,17 @@ const char* textOf(Loss loss);
 /// What these words stand for; Nothing if they are none of these.
 Loss lossOf(const std::string& text);
 
+/// The worst that was found, and the first state that led to it.
+struct Worst {
+    Loss loss = Loss::Nothing;
+    std::string state;
+};
+std::ostream& operator<<(std::ostream& stream, const Worst& worst);
+
 struct CellResult {
-    Loss during = Loss::Nothing;  ///< cut while the operation runs
-    Loss later = Loss::Nothing;   ///< cut while what follows on it runs
-    Loss after = Loss::Nothing;   ///< cut after it, or what follows, has returned
+    Worst during;                 ///< cut while the operation runs
+    Worst later;                  ///< cut while what follows on it runs
+    Worst after;                  ///< cut after it, or what follows, has returned
     std::size_t states = 0;       ///< loaded after one cut
     std::size_t secondStates = 0; ///< loaded after another cut while that load was recovering
     /// What is beyond any loss: a category that does not load, a record that is neither old nor new, a later store that

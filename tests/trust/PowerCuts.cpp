@@ -67,14 +67,21 @@ Fates tornFates(const DiskModel& model, const DiskEvent& write, Random& random) 
         return fates;
     const std::size_t size = write.bytes.size();
     const bool grows = write.offset + size > model.sureSize(write.node);
+    const std::vector<Fate::Growth> growths =
+        grows ? std::vector{Fate::Growth::Zeros, Fate::Growth::Stale} : std::vector<Fate::Growth>{};
     for (const std::size_t tear : tearsOf(write, random)) {
         fates.push_back({Fate::Kind::Torn, {0, tear}});
         fates.push_back({Fate::Kind::Torn, {tear, size}});
-        if (grows)
-            fates.push_back({Fate::Kind::Torn, {0, tear}, true});
+        for (const Fate::Growth growth : growths)
+            fates.push_back({Fate::Kind::Torn, {0, tear}, growth});
     }
-    if (grows)
-        fates.push_back({Fate::Kind::Torn, {0, 0}, true});
+    for (const Fate::Growth growth : growths)
+        fates.push_back({Fate::Kind::Torn, {0, 0}, growth});
+    const std::size_t third = size / 3;
+    if (third > 0)
+        fates.push_back({Fate::Kind::Holed, {third, 2 * third}, grows ? Fate::Growth::Stale : Fate::Growth::None});
+    if (size > 2)
+        fates.push_back({Fate::Kind::Holed, {1, size - 1}, grows ? Fate::Growth::Zeros : Fate::Growth::None});
     return fates;
 }
 
@@ -175,8 +182,11 @@ std::string textOf(const Fate& fate, std::size_t size) {
         return "lost: ";
     if (fate.kind == Fate::Kind::Done)
         return "done: ";
-    return "bytes " + std::to_string(fate.part.begin) + " to " + std::to_string(fate.part.end) + " of " +
-           std::to_string(size) + (fate.grown ? " and the length done: " : " done: ");
+    const char* const growth = fate.growth == Fate::Growth::Zeros   ? " and the length"
+                               : fate.growth == Fate::Growth::Stale ? " and the length, over old bytes,"
+                                                                    : "";
+    return (fate.kind == Fate::Kind::Holed ? "all but bytes " : "bytes ") + std::to_string(fate.part.begin) + " to " +
+           std::to_string(fate.part.end) + " of " + std::to_string(size) + growth + " done: ";
 }
 
 } // namespace

@@ -50,14 +50,14 @@ std::vector<std::string> cellsOf(const std::string& line) {
     return cells;
 }
 
-/// The worst that is known of a cell: of a large shape only a sample is tried, so what the others show counts for it
-/// too.
+/// The worst that is known of a cell: of a shape that is not small only a sample is tried, so what the others show
+/// counts for it too.
 Loss worstOf(const Operation& operation, const Shape& shape) {
-    Loss worst = results().at({operation.name, shape.name}).during;
+    Loss worst = results().at({operation.name, shape.name}).during.loss;
     for (const Shape& other : shapes()) {
         const auto found = results().find({operation.name, other.name});
-        if (shape.isLarge() && found != results().end())
-            worst = std::max(worst, found->second.during);
+        if (!shape.isSmall() && found != results().end())
+            worst = std::max(worst, found->second.during.loss);
     }
     return worst;
 }

@@ -60,7 +60,7 @@ protected:
     const Shape m_shape{"picture mode", PICTURE_MODE};
     SyncCounter m_counter;
     MemoryRoot m_root;
-    OneCategorySet m_set{m_shape.category};
+    OneCategorySet m_set{m_shape};
     std::unique_ptr<WatchedFiles> m_watched;
 };
 

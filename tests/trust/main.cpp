@@ -8,6 +8,7 @@
 #include <dataModule/platform/DebugOutput.h>
 
 #include "Options.h"
+#include "ProgramOptions.h"
 #include "ReliabilityPage.h"
 
 namespace td::test {
@@ -19,10 +20,7 @@ Options& options() {
 
 namespace {
 
-bool takeOption(const std::string& argument) {
-    const std::size_t equals = argument.find('=');
-    const std::string name = argument.substr(0, equals);
-    const char* const value = equals == std::string::npos ? "" : argument.c_str() + equals + 1;
+bool takeOption(const std::string& name, const char* value) {
     if (name == "--full")
         options().isFull = true;
     else if (name == "--log")
@@ -45,19 +43,8 @@ bool takeOption(const std::string& argument) {
 } // namespace td::test
 
 int main(int argc, char** argv) {
-    // First, as they decide which tests there are.
-    int left = 1;
-    for (int i = 1; i < argc; ++i) {
-        if (!td::test::takeOption(argv[i]))
-            argv[left++] = argv[i];
-    }
-    argc = left;
-    argv[argc] = nullptr;
-    testing::InitGoogleTest(&argc, argv);
-    if (argc > 1) {
-        std::fprintf(stderr, "unknown option %s\n", argv[1]);
+    if (!td::test::readCommandLine(argc, argv, td::test::takeOption))
         return EXIT_FAILURE;
-    }
     // The listeners' names are the same for every process of the machine, and no matter here.
     td::FileDataSeparateManager::setListening(false);
     // Thousands of damaged files are warned of.
