@@ -10,6 +10,10 @@
 #include "LogCapture.h"
 #include "TemporaryDirectory.h"
 
+#if defined(EXPECT_CHECKSUM_INSTRUCTIONS) && !defined(__ARM_FEATURE_CRC32)
+#error "these are the tests of the instructions"
+#endif
+
 namespace td {
 namespace {
 
