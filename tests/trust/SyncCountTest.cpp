@@ -1,4 +1,4 @@
-// How many syncs an operation costs: the flash of a set wears with each.
+// What an operation asks of the disk: the flash of a set wears with each sync, and nobody who stores waits for one.
 
 #include <atomic>
 #include <cerrno>
@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <dataModule/fileOperator/OperatorFactory.h>
+
 #include "FileCalls.h"
+#include "Gate.h"
 #include "OneCategorySet.h"
 
 namespace td::test {
@@ -18,17 +21,20 @@ namespace {
 class SyncCounter final : public FileWatcher {
 public:
     Verdict asked(FileCall call, const std::string& path) override {
+        m_reads += call == FileCall::Read ? 1 : 0;
         const bool refused = call == FileCall::Open && !m_refused.empty() && path == m_refused;
         return {refused ? EACCES : 0, false};
     }
     void synced(int) override { ++m_count; }
 
     int count() const { return m_count; }
+    int reads() const { return m_reads; }
     /// Calls that open the file fail from now on. Nothing may be running.
     void refuse(const std::string& path) { m_refused = path; }
 
 private:
     std::atomic<int> m_count{0};
+    std::atomic<int> m_reads{0};
     std::string m_refused;
 };
 
@@ -89,6 +95,64 @@ TEST_F(SyncCountTest, AStoreThatFailsSyncsNever) {
     m_set.setStoreFileFlag(true);
     m_counter.refuse(m_shape.current());
     EXPECT_EQ(syncsOf([this] { EXPECT_TRUE(store({0, 0, 0}, "Contrast", 9)); }), 0) << "the file cannot be opened";
+}
+
+// The file has seventy times as many blocks, which its checksum covers.
+TEST_F(SyncCountTest, AStoreDoesNotReadTheWholeFile) {
+    const int before = m_counter.reads();
+    EXPECT_EQ(syncsOf([this] { m_set.storeRecord(9, 3); }), 2);
+    EXPECT_LT(m_counter.reads() - before, 10);
+}
+
+/// Its first sync lasts until the test lets it go on.
+class SlowDisk final : public FileWatcher {
+public:
+    Verdict asked(FileCall call, const std::string&) override {
+        if (call == FileCall::Sync) {
+            isSyncing.open();
+            mayGoOn.pass();
+        }
+        return {};
+    }
+    Gate isSyncing;
+    Gate mayGoOn;
+};
+
+class TwoCategorySet final : public FileDataSeparateManager {
+public:
+    ~TwoCategorySet() override { stop(); }
+
+protected:
+    IFileOperator* makeOperator(_DataCategory_t category) override {
+        return category == SOUND_MODE || category == PICTURE_XVYCC ? createOperator(category) : nullptr;
+    }
+};
+
+TEST(StoreTest, WaitsForNoSyncOfAnotherFileNorOfItsOwnQueue) {
+    const MemoryRoot root;
+    root.write(emptyDirectories());
+    SlowDisk disk;
+    TwoCategorySet set;
+    ASSERT_TRUE(set.init(DS_SCOPE_ALL));
+    ASSERT_TRUE(set.initAllData());
+    set.loadAllData();
+    const std::vector<int> first = indicesOf(*layoutOf(PICTURE_XVYCC), 0);
+    const std::vector<int> second = indicesOf(*layoutOf(SOUND_MODE), 0);
+    const char* const field = layoutOf(SOUND_MODE)->fields[0].argumentName();
+    std::vector<_Argument_t> read{{field, 0}};
+    ASSERT_TRUE(set.loadData(SOUND_MODE, second, read));
+    const int stored = read[0].value + 1;
+    {
+        const WatchedFiles watched(root.path(), disk);
+        ASSERT_TRUE(set.storeData(PICTURE_XVYCC, first, {{layoutOf(PICTURE_XVYCC)->fields[0].argumentName(), 1}}));
+        disk.isSyncing.pass();
+        // These would wait for ever.
+        EXPECT_TRUE(set.storeData(SOUND_MODE, second, {{field, stored}}));
+        EXPECT_TRUE(set.loadData(SOUND_MODE, second, read));
+        EXPECT_EQ(read[0].value, stored);
+        disk.mayGoOn.open();
+        EXPECT_TRUE(set.waitStored(60000));
+    }
 }
 
 } // namespace
