@@ -157,6 +157,17 @@ TEST_F(RedoRecordTest, ATornOrForeignRecordChangesNothing) {
     EXPECT_EQ(fileAfterStart(damaged, m_redo), m_before);
 }
 
+TEST_F(RedoRecordTest, AFileThatItWouldNotMakeWholeStaysAsItIs) {
+    std::string damaged = partly(1);
+    damaged.back() = damaged.back() == '\n' ? ' ' : '\n';
+    m_root.write(Copy::Current, SETTINGS_FILE, damaged);
+    m_root.write(Copy::Current, REDO_NAME, m_redo);
+    unsigned int crc = 1;
+    EXPECT_FALSE(replayRedo(SettingsRoot::path(Copy::Current, SETTINGS_FILE), crc));
+    EXPECT_EQ(current(), damaged);
+    EXPECT_EQ(crc, 1U);
+}
+
 TEST_F(RedoRecordTest, AnotherStoreEndsThePendingOneFirst) {
     auto op = makeOperator();
     ASSERT_TRUE(op->loadFile());

@@ -34,7 +34,7 @@ CellEffort effortFor(const Cell& cell) {
         effort.second.mostStates = 4;
         effort.secondEvery = isLarge ? 6 : 1;
     } else {
-        effort.first.mostStates = sampleOf(*cell.shape, 2000000, 4, 20);
+        effort.first.mostStates = sampleOf(*cell.shape, 1600000, 3, 16);
         effort.second.mostStates = isLarge ? 2 : 8;
         effort.secondEvery = 8;
     }
