@@ -311,16 +311,11 @@ bool FileUtil::isOpend() const {
 bool FileUtil::writeFile(const char* text, bool /*ignored*/) {
     if (m_stream == nullptr || text == nullptr)
         return false;
-    const long length = static_cast<long>(std::strlen(text));
-    long total = 0;
-    // The count falls by all that was written so far, so a third pass is rare and a negative count must end the loop.
-    for (long remaining = length; remaining > 0; remaining -= total) {
-        const std::size_t written = writeBytes(text + total, static_cast<std::size_t>(remaining), m_stream);
-        if (written == 0)
-            break;
-        total += static_cast<long>(written);
-    }
-    if (syncWritten() && total == length)
+    const std::size_t length = std::strlen(text);
+    // A short count means that a write failed; what was in the buffer then is gone, though it counts as written, so
+    // there is nothing to go on with.
+    const bool isWhole = writeBytes(text, length, m_stream) == length;
+    if (syncWritten() && isWhole)
         return true;
     syslog(LOG_ERR, "write file [%s] failed.\n", m_name);
     return false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -292,11 +293,13 @@ bool listNames(const char* directory, std::vector<std::string>& names) {
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(directory), &closedir);
     if (!listing)
         return false;
+    errno = 0;
     while (const dirent* const entry = readdir(listing.get())) {
         if (!FileUtil::isSpecialDir(entry->d_name))
             names.emplace_back(entry->d_name);
+        errno = 0;
     }
-    return true;
+    return errno == 0;
 }
 
 /// Copies files from one directory to another, which is made, so that each is there as a whole or not at all, whatever

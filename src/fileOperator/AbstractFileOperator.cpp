@@ -1304,7 +1304,8 @@ bool AbstractFileOperator::writeSections() {
         DM_INFO("no redo record for file [%s], the store goes on without.\n", m_open.path.c_str());
     // Whoever put the file in its place may have ended before the directory was on the disk.
     if (!m_nameSynced)
-        m_nameSynced = FileUtil::syncPath(getWorkPath(NORMAL_LOAD).c_str());
+        m_nameSynced = FileUtil::syncPath(getWorkPath(NORMAL_LOAD).c_str()) &&
+                       FileUtil::syncPath(underRootPrefix(paths::DATA_DIRECTORY).c_str());
     const std::vector<RedoRecord::Write> writes = std::exchange(m_redo.writes, {});
     const DeferredSync deferred(m_file, true);
     for (const RedoRecord::Write& write : writes) {
