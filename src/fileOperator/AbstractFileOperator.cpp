@@ -614,20 +614,21 @@ struct AbstractFileOperator::MergeScope {
 bool AbstractFileOperator::loadFile() {
     DM_INFO("======================= start to load file =====================\n");
     TimeUtil::instance()->start();
-    // Asked before the lock, which the thread that writes the merged file holds.
-    if (m_otaLoading) {
-        DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
-        return false;
+    // Asked before the lock too, which the thread that writes the merged file holds.
+    if (!m_otaLoading) {
+        SectionLock lock(m_criticalSection);
+        if (checkReloadFile() && m_loaded) {
+            DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
+            return true;
+        }
+        if (!m_otaLoading)
+            return loadFromFiles();
     }
-    SectionLock lock(m_criticalSection);
-    if (checkReloadFile() && m_loaded) {
-        DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
-        return true;
-    }
-    if (m_otaLoading) {
-        DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
-        return false;
-    }
+    DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
+    return false;
+}
+
+bool AbstractFileOperator::loadFromFiles() {
     // A merge that could not be written is in the table alone; if it still cannot be, it is made again.
     if (m_mergeUnwritten && !mergedByOther())
         createFile();
@@ -1089,10 +1090,6 @@ bool AbstractFileOperator::recoverFile() {
         DM_INFO("current load mode [%s] is 'NORMAL_LOAD' and needn't recover file.\n", getLoadMode(m_loadMode));
         return true;
     }
-    if (m_loadMode != BACKUP_LOAD && m_loadMode != MANUFACTORY_LOAD) {
-        DM_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(m_loadMode));
-        return false;
-    }
     takeFiles();
     DM_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(m_loadMode));
     const std::string directory = getWorkPath(NORMAL_LOAD);
@@ -1390,12 +1387,11 @@ bool rewriteCrcOf(FileUtil& file, const char* path) {
         DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
         return false;
     }
-    if (!file.setPos(summary.crcPosition)) {
-        DM_WARNING("Failed to set pos when write CRC code of data file [%s].\n", path);
-        return false;
-    }
-    if (!file.writeFile(text::crcLine(crc).c_str(), true)) {
-        DM_WARNING("Failed to write CRC code of data file [%s].\n", path);
+    const char* const failed = !file.setPos(summary.crcPosition)                   ? "set pos when write"
+                               : !file.writeFile(text::crcLine(crc).c_str(), true) ? "write"
+                                                                                   : nullptr;
+    if (failed != nullptr) {
+        DM_WARNING("Failed to %s CRC code of data file [%s].\n", failed, path);
         return false;
     }
     return true;
