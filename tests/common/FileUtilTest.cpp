@@ -1,44 +1,24 @@
 #include <dataModule/common/FileUtil.h>
 
 #include <atomic>
-#include <csignal>
 #include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "Limits.h"
 #include "TemporaryDirectory.h"
 
 namespace td {
 namespace {
 
 namespace fs = std::filesystem;
+using test::FullDisk;
 using test::TemporaryDirectory;
-
-/// While it lives, no file of this process grows beyond `bytes`: writing behaves as on a full disk.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int);
-};
 
 std::string nextLine(FileUtil& file) {
     char line[64] = "";

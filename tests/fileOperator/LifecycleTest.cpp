@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,12 +16,14 @@
 
 #include <gtest/gtest.h>
 
+#include <dataModule/fileOperator/FileFactoryPictureOverScan.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
 #include <dataModule/fileOperator/TextLayout.h>
 
 #include "FakeParent.h"
 #include "Gate.h"
+#include "Limits.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 
@@ -30,6 +33,7 @@ namespace {
 constexpr const char* PICTURE_GLOBAL_FILE = "pic_global_usr.ini";
 constexpr const char* PICTURE_MODE_FILE = "pic_mode_usr.ini";
 constexpr const char* FIELD = "RGBOnly";
+constexpr auto NO_LOG = static_cast<DebugOutput::Level>(-1);
 constexpr Copy ALL_COPIES[] = {Copy::Current, Copy::Backup, Copy::Factory};
 
 /// Steps that need the critical section, and a place to stop in while the file is written.
@@ -55,6 +59,15 @@ public:
     bool find(const char* id) {
         const SectionLock lock(this->m_criticalSection);
         return this->searchSectionId(id);
+    }
+    /// With the file open, but none other to be opened.
+    bool updateChecksumWithoutDescriptors() {
+        const SectionLock lock(this->m_criticalSection);
+        this->takeFiles();
+        const bool opened = this->openCurrent();
+        EXPECT_TRUE(opened);
+        const NoMoreFiles files;
+        return this->updateCrcCode();
     }
     bool buildContents(bool defaults) override TD_REQUIRES(AbstractFileOperator::m_criticalSection) {
         writing.open();
@@ -181,6 +194,22 @@ TEST_P(DamageTest, TheNextGoodCopyIsLoadedAndPutInPlace) {
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 8)));
     EXPECT_EQ(m_root.read(Copy::Factory, PICTURE_GLOBAL_FILE), goodText(Copy::Factory));
+}
+
+/// What a line of the log is made of must not be what the load needs.
+TEST_P(DamageTest, IsMendedWithoutALogAsWell) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    damage(Copy::Current);
+    damage(Copy::Backup);
+    m_log.clear();
+    DebugOutput::setLevel(NO_LOG);
+    auto op = makeOperator();
+    EXPECT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
+    EXPECT_TRUE(op->backup());
+    EXPECT_EQ(backup(), goodText(Copy::Factory));
+    DebugOutput::setLevel(DebugOutput::Level::Debug);
+    EXPECT_TRUE(m_log.lines().empty());
 }
 
 class FactoryDamageTest : public DamageTest {};
@@ -316,6 +345,36 @@ TEST_F(LifecycleTest, SectionsThatCannotBePlacedMakeACopyMalformed) {
     }
 }
 
+TEST_F(LifecycleTest, TheNextCopyIsAnOlderOneUntilTheFactorys) {
+    const Global op;
+    EXPECT_EQ(op.stateChanged(NORMAL_LOAD), BACKUP_LOAD);
+    EXPECT_EQ(op.stateChanged(BACKUP_LOAD), MANUFACTORY_LOAD);
+    EXPECT_TRUE(m_log.contains("The state is changed from [BACKUP_LOAD] to [MANUFACTORY_LOAD] @@@@@ .\n"));
+    EXPECT_EQ(op.stateChanged(MANUFACTORY_LOAD), INVALID_LOAD);
+    EXPECT_TRUE(m_log.contains("is only as end state.!\n"));
+    EXPECT_EQ(op.stateChanged(INVALID_LOAD), INVALID_LOAD);
+    EXPECT_TRUE(m_log.contains("The state is wrong to go here.\n"));
+    EXPECT_STREQ(Global::getLoadMode(INVALID_LOAD), "INVALID_LOAD");
+}
+
+TEST_F(LifecycleTest, WithoutAParentNothingIsMadeAndNoFlagIsSet) {
+    Global alone;
+    EXPECT_FALSE(alone.restoreApplySettingFlag(PICTURE_GLOBAL, FIELD));
+    EXPECT_FALSE(alone.getApplySettingFlag(PICTURE_GLOBAL, FIELD));
+    EXPECT_EQ(Global::createFileProc(&alone), nullptr);
+    EXPECT_EQ(Global::createFileProc(nullptr), nullptr);
+    EXPECT_TRUE(m_root.files().empty());
+
+    auto op = makeOperator();
+    m_parent.applyFlags.insert(std::string("PICTURE_GLOBAL/") + FIELD);
+    EXPECT_TRUE(op->getApplySettingFlag(PICTURE_GLOBAL, FIELD));
+    EXPECT_TRUE(op->restoreApplySettingFlag(PICTURE_GLOBAL, FIELD));
+    EXPECT_EQ(m_log.count("restore apply setting flag [RGBOnly] successfully.\n"), 1U);
+    EXPECT_FALSE(op->restoreApplySettingFlag(PICTURE_GLOBAL, FIELD));
+    EXPECT_TRUE(op->AbstractFileOperator::restoreSetting({})) << "for a category that has no restore";
+    EXPECT_TRUE(m_log.contains("[PICTURE_GLOBAL]: module hasn't completed yet.\n"));
+}
+
 // --- another version ---
 
 TEST_F(LifecycleTest, AFactoryCopyOfAnotherVersionIsTheEnd) {
@@ -407,6 +466,20 @@ TEST_F(LifecycleTest, AnOldBackupIsMergedWhenTheCurrentCopyCannotBe) {
     EXPECT_TRUE(m_log.contains("just ignore current file content !!! \n"));
     op->waitForMerge();
     EXPECT_EQ(current(), goodText(Copy::Factory));
+}
+
+TEST_F(LifecycleTest, WhatWasReadOfABackupThatCannotBeMergedIsForgotten) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    const std::string good = current(PICTURE_MODE_FILE);
+    const std::string old = withValue(replaced(good, "v0.4", "v0.3"), "[000]\n", "Hue", 9);
+    m_root.write(Copy::Current, PICTURE_MODE_FILE, replaced(old, "= 0x", "= 0xf"));
+    m_root.write(Copy::Backup, PICTURE_MODE_FILE, withChecksum(replaced(old, "[0a0]\n", "[0g0]\n")));
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(m_log.contains("parse section [[0g0]\n] for file ["));
+    EXPECT_EQ(valueOf(*op, {0, 0, 0}, "Hue"), 0) << "the factory's";
+    op->waitForMerge();
+    EXPECT_TRUE(current(PICTURE_MODE_FILE) == good);
 }
 
 TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
@@ -622,6 +695,113 @@ TEST_F(LifecycleTest, CopyingToAllSourcesAfterAFailedMergeLeavesARightChecksum) 
     for (const char source : std::string("0123456789abcdef"))
         expected = withValue(expected, std::string("[") + source + "00]\n", "Hue", 9);
     EXPECT_TRUE(current(PICTURE_MODE_FILE) == withChecksum(expected));
+}
+
+TEST_F(LifecycleTest, ACopyToAllSourcesThatFindsNoFileIsKept) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    const std::string good = current(PICTURE_MODE_FILE);
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(storeValue(*op, {4, 0, 0}, "Hue", 9));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    m_root.remove(Copy::Current, PICTURE_MODE_FILE);
+    EXPECT_TRUE(op->applySettingForAllSources({4, 0, 0}));
+    EXPECT_EQ(m_log.count("] failed for storing data.\n"), 15U);
+    EXPECT_FALSE(m_root.exists(Copy::Current, PICTURE_MODE_FILE));
+    // The next load finds the backup, without the copies, and writes them.
+    EXPECT_TRUE(op->releaseFile() && op->loadFile());
+    EXPECT_EQ(valueOf(*op, {15, 0, 0}, "Hue"), 9);
+    EXPECT_EQ(m_parent.deliver(), 15);
+    std::string expected = good;
+    for (const char source : std::string("012356789abcdef"))
+        expected = withValue(expected, std::string("[") + source + "00]\n", "Hue", 9);
+    EXPECT_TRUE(current(PICTURE_MODE_FILE) == withChecksum(expected));
+}
+
+// --- what runs out ---
+
+/// A store whose write stops halfway and that could leave no record of what it was about to do.
+class TornStoreTest : public LifecycleTest {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(makeCopies());
+        std::filesystem::create_symlink("/dev/full", m_path + ".redo"); // a record goes into no link
+        m_op = makeOperator();
+        ASSERT_TRUE(m_op->loadFile());
+        EXPECT_TRUE(m_op->storeData({}, {{FIELD, 9}, {"FpsSwitch", 7}}));
+    }
+    std::string stored(const std::string& before) const {
+        return withChecksum(withValue(withValue(before, "[Global]\n", FIELD, 9), "[Global]\n", "FpsSwitch", 7));
+    }
+    /// Writes no further than behind the first value.
+    std::unique_ptr<FullDisk> fullDisk() const {
+        return std::make_unique<FullDisk>(contentAt(m_text) + std::string("[Global]\n").size() + 32);
+    }
+    void tear() {
+        const std::string torn = withValue(goodText(Copy::Current), "[Global]\n", FIELD, 9);
+        ASSERT_EQ(m_parent.deliver(), 0);
+        ASSERT_TRUE(m_log.contains("the store goes on without.\n"));
+        ASSERT_TRUE(m_log.contains("write section [Global] for file ["));
+        ASSERT_EQ(current(), torn);
+    }
+
+    const std::string m_path = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE);
+    std::unique_ptr<Global> m_op;
+};
+
+TEST_F(TornStoreTest, IsEndedAsSoonAsThatIsPossible) { // invariant 7
+    auto disk = fullDisk();
+    ASSERT_NO_FATAL_FAILURE(tear());
+    const std::string torn = current();
+    EXPECT_FALSE(m_op->refreshDataFromCurrent());
+    EXPECT_TRUE(m_op->releaseFile());
+    EXPECT_FALSE(m_op->loadFile()) << "nothing older takes its place";
+    EXPECT_TRUE(m_log.contains("] cannot be read now ("));
+    EXPECT_EQ(current(), torn);
+    disk.reset();
+    EXPECT_TRUE(m_op->loadFile());
+    EXPECT_EQ(current(), stored(goodText(Copy::Current)));
+    EXPECT_EQ(valueOf(*m_op, {}, "FpsSwitch"), 7);
+    EXPECT_TRUE(m_op->backup());
+    EXPECT_EQ(backup(), current());
+}
+
+TEST_F(TornStoreTest, DoesNotTouchAnotherFileInItsPlace) {
+    auto disk = fullDisk();
+    ASSERT_NO_FATAL_FAILURE(tear());
+    disk.reset();
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, goodText(Copy::Factory));
+    EXPECT_TRUE(m_op->backup());
+    EXPECT_EQ(current(), goodText(Copy::Factory));
+    EXPECT_TRUE(m_op->refreshDataFromCurrent());
+    EXPECT_EQ(m_parent.deliver(), 1) << "as a store like any other";
+    EXPECT_EQ(current(), stored(goodText(Copy::Factory)));
+}
+
+TEST_F(LifecycleTest, WithoutADescriptorNothingIsWrittenAndNothingGivenUp) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(storeValue(*op, {}, FIELD, 9));
+    const std::string backupPath = SettingsRoot::path(Copy::Backup, PICTURE_GLOBAL_FILE);
+    {
+        const NoMoreFiles files;
+        EXPECT_EQ(m_parent.deliver(), 0);
+        EXPECT_FALSE(op->restoreSettingFromCurrent({}));
+        EXPECT_FALSE(op->refreshDataFromCurrent());
+        EXPECT_FALSE(op->tryEnterCriticalSection());
+        EXPECT_FALSE(op->loadFile(backupPath.c_str()));
+        EXPECT_TRUE(m_log.contains("open file [" + backupPath + "] failed.\n"));
+    }
+    EXPECT_EQ(current(), goodText(Copy::Current));
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 9);
+    EXPECT_TRUE(op->refreshDataFromCurrent());
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 9)));
+
+    EXPECT_FALSE(op->updateChecksumWithoutDescriptors());
+    EXPECT_TRUE(m_log.contains("failed because of crc code.\n"));
+    EXPECT_TRUE(checksumIsRight(current()));
 }
 
 // --- making files ---
@@ -938,6 +1118,19 @@ TEST_F(LifecycleTest, RewritesTheSummaryInPlace) {
     EXPECT_FALSE(op->find(nullptr));
 }
 
+TEST_F(LifecycleTest, TheDetailLogShowsTheLinesOfASearch) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(op->find("[Nowhere]\n"));
+    EXPECT_FALSE(m_log.contains("[READ LINE]: "));
+    AbstractFileOperator::setDebugLog(1);
+    EXPECT_TRUE(op->find("[Global]\n"));
+    AbstractFileOperator::setDebugLog(0);
+    EXPECT_EQ(m_log.count("[READ LINE]: "), 4U) << "those of the summary";
+    EXPECT_TRUE(m_log.contains("[READ LINE]: [Summary]\n"));
+}
+
 TEST_F(LifecycleTest, RepairsAChecksumLine) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     const std::string good = goodText(Copy::Current);
@@ -971,6 +1164,27 @@ TEST_F(LifecycleTest, RepairsAChecksumLine) {
     EXPECT_FALSE(AbstractFileOperator::generateCRC32(SettingsRoot::directory(Copy::Current).c_str()));
     EXPECT_TRUE(m_log.contains("open file ["));
     EXPECT_FALSE(AbstractFileOperator::generateCRC32(nullptr));
+}
+
+TEST_F(LifecycleTest, ARepairThatFailsChangesNothing) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    const std::string path = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE);
+    const std::string damaged = withValue(goodText(Copy::Current), "[Global]\n", FIELD, 42);
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, damaged);
+    {
+        const NoMoreFiles files(2); // lock and file
+        EXPECT_FALSE(AbstractFileOperator::generateCRC32(path.c_str()));
+    }
+    EXPECT_TRUE(m_log.contains("Failed to Calculate CRC code of data file [" + path + "].\n"));
+    EXPECT_EQ(current(), damaged);
+    {
+        const FullDisk disk(lineAt(damaged, "CRC "));
+        EXPECT_FALSE(AbstractFileOperator::generateCRC32(path.c_str()));
+    }
+    EXPECT_TRUE(m_log.contains("Failed to write CRC code of data file [" + path + "].\n"));
+    EXPECT_EQ(current(), damaged);
+    EXPECT_TRUE(AbstractFileOperator::generateCRC32(path.c_str()));
+    EXPECT_EQ(current(), withChecksum(damaged));
 }
 
 /// Such files got a checksum once that no reader took for theirs, at a place that was not its own.

@@ -9,6 +9,7 @@
 #include <dataModule/fileOperator/RedoRecord.h>
 
 #include "FakeParent.h"
+#include "Limits.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 
@@ -210,7 +211,14 @@ TEST_F(RedoRecordTest, WithoutALockFileAStoreIsNotMistakenForOneThatWasCut) {
 TEST_F(RedoRecordTest, ARepairedChecksumDoesNotHideAStoreThatWasCut) {
     m_root.write(Copy::Current, SETTINGS_FILE, partly(3));
     m_root.write(Copy::Current, REDO_NAME, m_redo);
-    EXPECT_TRUE(AbstractFileOperator::generateCRC32(SettingsRoot::path(Copy::Current, SETTINGS_FILE).c_str()));
+    const std::string path = SettingsRoot::path(Copy::Current, SETTINGS_FILE);
+    {
+        const FullDisk disk(0);
+        EXPECT_FALSE(AbstractFileOperator::generateCRC32(path.c_str()));
+    }
+    EXPECT_TRUE(m_log.contains("a store in file [" + path + "] was cut short and could not be ended.\n"));
+    EXPECT_EQ(current(), partly(3));
+    EXPECT_TRUE(AbstractFileOperator::generateCRC32(path.c_str()));
     EXPECT_EQ(current(), m_after);
 }
 

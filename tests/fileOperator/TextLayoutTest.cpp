@@ -38,57 +38,6 @@ const CategoryLayout& levelLayout() {
 
 // --- comment block ---
 
-TEST(TextLayout, WritesTheCommentBlockOfPictureModes) {
-    std::string expected = EDGE;
-    for (const char* line : {" pupose:",
-                             "   --  The file is used to define the picture mode data for user picture",
-                             "   [(source)(picturemode)(dr)]: 3 dimension",
-                             "",
-                             "   source       scope:0~16",
-                             "       0--ATV",
-                             "       1--DTV",
-                             "       2--AV",
-                             "       3--COMPONENT",
-                             "       4--HDMI1",
-                             "       5--HDMI2",
-                             "       6--HDMI3",
-                             "       7--HDMI4",
-                             "       8--DMP",
-                             "       9--VGA",
-                             "       a--SCART",
-                             "       b--NETWORK",
-                             "       c--NETFLIX",
-                             "       d--YOUTUBE",
-                             "       e--VUDU",
-                             "       f--AMAZON",
-                             "   picturemode  scope:0~11",
-                             "       0--VIVID",
-                             "       1--STANDARD",
-                             "       2--ENERGY SAVING",
-                             "       3--MOVIE",
-                             "       4--GAME",
-                             "       5--SPORT",
-                             "       6--CALIBRATED",
-                             "       7--FILMMAKER_GRAPHICS",
-                             "       8--FILMMAKER_PHOTO",
-                             "       9--FILMMAKER_CINEMA",
-                             "       a--FILMMAKER_GAME",
-                             "       b--FILMMAKER_RESERVEDA",
-                             "   usr_dr       scope:0~7",
-                             "       0--SDR_FHD",
-                             "       1--SDR_UHD",
-                             "       2--HDR_OTHER_FHD",
-                             "       3--HDR_OTHER_UHD",
-                             "       4--HDR_DolbyVision_FHD",
-                             "       5--HDR_DolbyVision_UHD",
-                             "       6--HDR_10_PLUS_FHD",
-                             "       7--HDR_10_PLUS_UHD"})
-        expected += comment(line);
-    expected += EDGE;
-    EXPECT_EQ(expected.size(), 45U * 76U);
-    EXPECT_EQ(text::commentBlock(FileUserPictureMode::layout()), expected);
-}
-
 TEST(TextLayout, WritesTheCommentBlockWithoutDimensionsAndWithLevels) {
     const std::string global = text::commentBlock(FileUserPictureGlobal::layout());
     EXPECT_EQ(global, EDGE + comment(" pupose:") +
@@ -283,6 +232,11 @@ TEST(TextLayout, SplitsKeyLinesOfAnyWidth) {
         {KeyLineForm::Decimal5, "Contrast = 123456\n", "Contrast", 12345},
         {KeyLineForm::Decimal5, "abcdefghijklmnopqrstuvwx = 00001\n", nullptr, 0}, // 24 characters
         {KeyLineForm::Hexadecimal5, "Contrast = 0x ff\n", "Contrast", 255},
+        {KeyLineForm::Hexadecimal5, "Contrast = 0x0xfed\n", "Contrast", 0xfed}, // the prefix counts
+        {KeyLineForm::Hexadecimal5, "Contrast = 0x0Xfedc\n", "Contrast", 0xfed},
+        {KeyLineForm::Hexadecimal5, "Contrast = 0x-0x1f\n", "Contrast", -0x1f},
+        {KeyLineForm::Hexadecimal5, "Contrast = 0x0x\n", nullptr, 0},
+        {KeyLineForm::Hexadecimal5, "Contrast = 0x  0xg\n", nullptr, 0},
         {KeyLineForm::Hexadecimal5, "Contrast = 255\n", nullptr, 0},
     };
     for (const Case& c : cases) {
