@@ -482,6 +482,28 @@ TEST_F(LifecycleTest, WhatWasReadOfABackupThatCannotBeMergedIsForgotten) {
     EXPECT_TRUE(current(PICTURE_MODE_FILE) == good);
 }
 
+TEST_F(LifecycleTest, AMergeThatCouldNotBeWrittenIsMadeAgainByTheNextLoad) {
+    using OverScan = Tested<FileFactoryPictureOverScan>; // may be loaded again without a release
+    const char* const file = FileFactoryPictureOverScan::layout().file;
+    auto op = makeOperator<OverScan>();
+    ASSERT_TRUE(op->initFile(true));
+    const std::string merged = withChecksum(withValue(current(file), "[0]\n", "InputHStart", 7));
+    const std::string old = replaced(merged, FileFactoryPictureOverScan::layout().version, "v9.9");
+    m_root.write(Copy::Current, file, old);
+    const std::string obstacle = SettingsRoot::path(Copy::Current, file) + FileUtil::TEMPORARY_SUFFIX;
+    std::filesystem::create_directories(obstacle + "/in the way");
+    for (int load = 0; load < 2; ++load) {
+        m_log.clear();
+        ASSERT_TRUE(op->loadFile());
+        ASSERT_TRUE(m_log.waitFor("background thread terminal to create NEW current file"));
+        EXPECT_EQ(valueOf(*op, {0}, "InputHStart"), 7);
+        EXPECT_EQ(current(file), old);
+    }
+    std::filesystem::remove_all(obstacle);
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(current(file), merged);
+}
+
 TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     const std::string old = replaced(goodText(Copy::Current), "v0.4", "v0.3");
@@ -1098,6 +1120,29 @@ TEST_F(LifecycleTest, GetCrcCodeReadsTheOpenFile) {
     EXPECT_EQ(op->crcCode(backupPath), checksum(good.substr(contentAt(good))));
     EXPECT_TRUE(m_log.contains("] from data file '" + backupPath + "' successfully.\n"));
     EXPECT_EQ(op->crcCode(backupPath + ".missing"), 0U);
+}
+
+TEST_F(LifecycleTest, GetCrcCodeSaysWhatIsWrongWithTheOpenFile) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    const std::string path = SettingsRoot::path(Copy::Current, PICTURE_MODE_FILE);
+    const std::string good = current(PICTURE_MODE_FILE);
+    const std::pair<std::string, const char*> cases[] = {
+        {replaced(good, "[Summary]", "[Sumary]"), "Summary section subject ([Sumary]\n) is invalid.\n"},
+        {replaced(good, "\nSN ", "\nTV "), "Summary section SN Field (TV"},
+        {replaced(good, "\nVersion", "\nVerzion"), "Summary section VER Field (Verzion"},
+        {replaced(good, "\nCRC ", "\nABC "), "Summary section CRC Field (ABC"},
+    };
+    for (const auto& [text, message] : cases) {
+        std::ofstream(path) << text; // into the open file
+        op->find("[Nowhere]\n");     // to its end, so that nothing of its start is in memory
+        EXPECT_EQ(op->crcCode(path), 0U) << message;
+        EXPECT_TRUE(m_log.contains(message)) << message;
+    }
+    std::ofstream(path) << good;
+    op->find("[Nowhere]\n");
+    EXPECT_EQ(op->crcCode(path), checksum(good.substr(contentAt(good))));
 }
 
 TEST_F(LifecycleTest, RewritesTheSummaryInPlace) {
