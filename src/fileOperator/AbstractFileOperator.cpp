@@ -266,8 +266,10 @@ void AbstractFileOperator::endPendingWrite() {
     m_redoStored = false;
     m_redo.writes.clear(); // of a copy that was given up
     m_pendingError = 0;
-    const bool changed =
-        endTornWrite(current) || (redoIsPending(current) && replayRedo(current, m_crc, &m_pendingError));
+    bool changed = endTornWrite(current);
+    // What lies there in place of the record of a torn write does not make its failure good.
+    if (!changed && m_pendingError == 0)
+        changed = redoIsPending(current) && replayRedo(current, m_crc, &m_pendingError);
     if (!changed)
         return;
     m_file.dropReadAhead();
