@@ -274,6 +274,41 @@ TEST_F(WhiteBalanceTest, ANewFileOfTheTableIsRefusedWhenTheOtherBinsCannotBeTrus
     EXPECT_TRUE(currentIs(damaged));
 }
 
+TEST_F(WhiteBalanceTest, WithoutAnyCopyANewFileHoldsWhatIsInMemory) {
+    setBin(1);
+    load();
+    for (const Copy copy : {Copy::Current, Copy::Backup, Copy::Factory})
+        m_root.remove(copy, WB_FILE);
+    ASSERT_TRUE(m_op.initFile(false));
+    std::string expected = m_calibrated;
+    for (const int bin : {0, 2, 3, 4, 5}) {
+        expected = withValue(withValue(expected, firstHeader(bin), "RGain", 0), firstHeader(bin), "BOffset", 0);
+        expected = withValue(expected, lastHeader(bin), "RGain", 0);
+    }
+    EXPECT_TRUE(currentIs(withChecksum(expected)));
+}
+
+TEST_F(WhiteBalanceTest, ARestoreThatFailsDoesNotPassForTheRecord) {
+    setBin(1);
+    load();
+    m_root.remove(Copy::Factory, WB_FILE);
+    EXPECT_FALSE(m_op.restoreSetting(first(3)));
+    EXPECT_EQ(m_parent.posted(), 0U);
+    ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 77));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_TRUE(currentIs(withChecksum(withValue(m_calibrated, firstHeader(3), "GGain", 77))));
+}
+
+TEST_F(WhiteBalanceTest, InFactoryStateAllBinsAreCheckedAndStayInMemory) {
+    setFactoryMode("On");
+    m_root.write(Copy::Current, WB_FILE, withChecksum(replaced(m_calibrated, "[50000]\n", "[5g000]\n")));
+    load();
+    EXPECT_TRUE(currentIs(m_calibrated)) << "the backup's";
+    ASSERT_TRUE(m_op.initFile(false));
+    EXPECT_TRUE(currentIs(m_calibrated));
+    EXPECT_EQ(binsInMemory(), (std::vector<int>{0, 1, 2, 3, 4, 5}));
+}
+
 // --- white balance: groups ---
 
 TEST_F(WhiteBalanceTest, AGroupStoreSendsEachRowToEveryDynamicRange) {
