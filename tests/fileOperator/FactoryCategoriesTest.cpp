@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <dataModule/fileOperator/FileFactoryPictureAspect.h>
@@ -20,10 +21,7 @@
 #include <dataModule/fileOperator/FileFactoryPictureScalingPIP.h>
 #include <dataModule/fileOperator/FileFactoryPictureScalingPIPPos.h>
 #include <dataModule/fileOperator/FileFactoryPictureWB.h>
-#include <dataModule/fileOperator/FileFactoryPictureWB20Gain.h>
-#include <dataModule/fileOperator/FileFactoryPictureWB20GainIndex.h>
 #include <dataModule/fileOperator/FileFactoryPictureWB20Point.h>
-#include <dataModule/fileOperator/FileFactoryPictureWB20PointIndex.h>
 #include <dataModule/fileOperator/FileFactoryPictureWBShift.h>
 #include <dataModule/fileOperator/TextLayout.h>
 
@@ -276,6 +274,41 @@ TEST_F(WhiteBalanceTest, ANewFileOfTheTableIsRefusedWhenTheOtherBinsCannotBeTrus
     EXPECT_TRUE(currentIs(damaged));
 }
 
+TEST_F(WhiteBalanceTest, WithoutAnyCopyANewFileHoldsWhatIsInMemory) {
+    setBin(1);
+    load();
+    for (const Copy copy : {Copy::Current, Copy::Backup, Copy::Factory})
+        m_root.remove(copy, WB_FILE);
+    ASSERT_TRUE(m_op.initFile(false));
+    std::string expected = m_calibrated;
+    for (const int bin : {0, 2, 3, 4, 5}) {
+        expected = withValue(withValue(expected, firstHeader(bin), "RGain", 0), firstHeader(bin), "BOffset", 0);
+        expected = withValue(expected, lastHeader(bin), "RGain", 0);
+    }
+    EXPECT_TRUE(currentIs(withChecksum(expected)));
+}
+
+TEST_F(WhiteBalanceTest, ARestoreThatFailsDoesNotPassForTheRecord) {
+    setBin(1);
+    load();
+    m_root.remove(Copy::Factory, WB_FILE);
+    EXPECT_FALSE(m_op.restoreSetting(first(3)));
+    EXPECT_EQ(m_parent.posted(), 0U);
+    ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 77));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_TRUE(currentIs(withChecksum(withValue(m_calibrated, firstHeader(3), "GGain", 77))));
+}
+
+TEST_F(WhiteBalanceTest, InFactoryStateAllBinsAreCheckedAndStayInMemory) {
+    setFactoryMode("On");
+    m_root.write(Copy::Current, WB_FILE, withChecksum(replaced(m_calibrated, "[50000]\n", "[5g000]\n")));
+    load();
+    EXPECT_TRUE(currentIs(m_calibrated)) << "the backup's";
+    ASSERT_TRUE(m_op.initFile(false));
+    EXPECT_TRUE(currentIs(m_calibrated));
+    EXPECT_EQ(binsInMemory(), (std::vector<int>{0, 1, 2, 3, 4, 5}));
+}
+
 // --- white balance: groups ---
 
 TEST_F(WhiteBalanceTest, AGroupStoreSendsEachRowToEveryDynamicRange) {
@@ -439,6 +472,57 @@ TEST_F(FactoryCategoriesTest, AustraliaIsCountryOneWithOrWithoutItsVariantBit) {
     }
 }
 
+TEST_F(FactoryCategoriesTest, TheWhiteBalanceListsTenRangesUnderEight) {
+    const std::string block = commentOf(FileFactoryPictureWB::layout());
+    EXPECT_THAT(block, testing::HasSubstr(R"(#       0--BIN1                                                           #
+#       1--BIN2                                                           #
+#       2--BIN3                                                           #
+#       3--BIN4                                                           #
+#       4--BIN5                                                           #
+#       5--BIN6                                                           #
+)"));
+    EXPECT_THAT(block, testing::HasSubstr(R"(#   source       scope:0~15                                               #
+#       0--ATV                                                            #
+#       1--DTV                                                            #
+#       2--AV                                                             #
+#       3--COMPONENT                                                      #
+#       4--HDMI1                                                          #
+#       5--HDMI2                                                          #
+#       6--HDMI3                                                          #
+#       7--HDMI4                                                          #
+#       8--DMP                                                            #
+#       9--VGA                                                            #
+#       a--SCART                                                          #
+#       b--NETWORK                                                        #
+#       c--NETFLIX                                                        #
+#       d--YOUTUBE                                                        #
+#       e--VUDU                                                           #
+#       f--AMAZON                                                         #
+#   dr           scope:0~7                                                #
+#       0--SDR_FHD                                                        #
+#       1--SDR_UHD                                                        #
+#       2--HDR_10_FHD                                                     #
+#       3--HDR_10_UHD                                                     #
+#       4--HDR_HLG_FHD                                                    #
+#       5--HDR_HLG_UHD                                                    #
+#       6--HDR_DolbyVision_FHD                                            #
+#       7--HDR_DolbyVision_UHD                                            #
+#       8--HDR_10PLUS_FHD                                                 #
+#       9--HDR_10PLUS_UHD                                                 #
+)"));
+    EXPECT_THAT(block, testing::HasSubstr(R"(#       0--2D                                                             #
+#       1--3D                                                             #
+)"));
+    EXPECT_THAT(block, testing::EndsWith(R"(#       0--COOL                                                           #
+#       1--NORMAL                                                         #
+#       2--WARM1                                                          #
+#       3--WARM2                                                          #
+#       4--STANDARD_709                                                   #
+#       5--WARM1_P3                                                       #
+#----------------------- Description -------------------------------------#
+)"));
+}
+
 // --- 20-point tables ---
 
 TEST_F(FactoryCategoriesTest, TheLevelOfATwentyPointSectionIsOneLenientCharacter) {
@@ -455,48 +539,6 @@ TEST_F(FactoryCategoriesTest, TheLevelOfATwentyPointSectionIsOneLenientCharacter
     level = 7;
     EXPECT_TRUE(op.parseSection("[45G]\n", source, mode, level));
     EXPECT_EQ(level, 7);
-}
-
-TEST_F(FactoryCategoriesTest, ValueTablesGoToAllSourcesAndModesIndexTablesToTheModesOfOneSource) {
-    const auto gain = loaded<FileFactoryPictureWB20Gain>();
-    ASSERT_TRUE(storeValue(*gain, {4, 5, 19}, "GainValue", 9));
-    m_parent.takePosted();
-    EXPECT_TRUE(gain->applySettingForAllMode({4, 5, 19}));
-    EXPECT_EQ(m_parent.posted(), 16U * 12 - 1);
-    EXPECT_TRUE(gain->applySettingForAllMode({4, 5, 19}));
-    EXPECT_EQ(m_parent.posted(), 16U * 12 - 1);
-    m_parent.takePosted();
-
-    const auto index = loaded<FileFactoryPictureWB20GainIndex>();
-    ASSERT_TRUE(storeValue(*index, {4, 5}, "GainLevel", 9));
-    m_parent.takePosted();
-    EXPECT_TRUE(index->applySettingForAllMode({4, 5}));
-    for (const Dims& dims : takeDimensions())
-        EXPECT_EQ(dims[0], 4);
-    EXPECT_EQ(valueOf(*index, {4, 11}, "GainLevel"), 9);
-    EXPECT_EQ(valueOf(*index, {5, 5}, "GainLevel"), 0);
-
-    EXPECT_TRUE(index->applySettingForAllSources({4, 5}));
-    EXPECT_TRUE(m_log.contains("[PICTURE_FACTORY_WB_20_GAIN_IDX]: module hasn't completed yet.\n"));
-    EXPECT_EQ(m_parent.posted(), 0U);
-
-    const auto pointIndex = loaded<FileFactoryPictureWB20PointIndex>();
-    ASSERT_TRUE(storeValue(*pointIndex, {4, 5}, "Enable", 1));
-    m_parent.takePosted();
-    EXPECT_TRUE(pointIndex->applySettingForAllSources({4, 5}));
-    EXPECT_EQ(m_parent.posted(), 15U);
-}
-
-TEST_F(FactoryCategoriesTest, ARestoreForAllSourcesWritesEachOfThem) {
-    const auto op = loaded<FileFactoryPictureWB20Point>();
-    ASSERT_TRUE(storeValue(*op, {4, 5, 6}, "Red", 9));
-    m_parent.takePosted();
-    EXPECT_TRUE(op->restoreSettingForAllSource({4, 5, 6}));
-    const std::vector<Dims> posted = takeDimensions();
-    ASSERT_EQ(posted.size(), 16U);
-    EXPECT_EQ(posted.front(), (Dims{0, 5, 6}));
-    EXPECT_EQ(posted.back(), (Dims{15, 5, 6}));
-    EXPECT_EQ(valueOf(*op, {4, 5, 6}, "Red"), 0);
 }
 
 TEST_F(FactoryCategoriesTest, AFailedReadOfTheCurrentFileIsToldWithAnIndent) {
@@ -543,19 +585,6 @@ TEST_F(FactoryCategoriesTest, GeometryCommentsDisagreeWithTheRangesAsTheyAlwaysD
     EXPECT_EQ(position.find("#       0--SCALING_PIP_POSITION_UPPER_LEFT "), extra + text::COMMENT_LINE_LENGTH);
 }
 
-TEST_F(FactoryCategoriesTest, GeometryRestoresTheOneRecordAndReadsNothingBackFromTheCurrentFile) {
-    const auto op = loaded<FileFactoryPictureScalingPIP>();
-    ASSERT_TRUE(storeValue(*op, {1}, "OutputHMultiplier", 3));
-    ASSERT_TRUE(storeValue(*op, {2}, "OutputHMultiplier", 4));
-    m_parent.takePosted();
-    EXPECT_TRUE(op->restoreSettingFromCurrent({1}));
-    EXPECT_EQ(valueOf(*op, {1}, "OutputHMultiplier"), 3);
-    EXPECT_TRUE(op->restoreSettingForAllSource({1}));
-    EXPECT_EQ(takeDimensions(), std::vector<Dims>{{1}});
-    EXPECT_EQ(valueOf(*op, {1}, "OutputHMultiplier"), 0);
-    EXPECT_EQ(valueOf(*op, {2}, "OutputHMultiplier"), 4);
-}
-
 // --- curves and colour tuner ---
 
 TEST_F(FactoryCategoriesTest, CurvesAcceptTenDynamicRangesAndTheBacklightOneMode) {
@@ -584,15 +613,6 @@ TEST_F(FactoryCategoriesTest, TheColourTunerSpeaksOfThreeDimensionsAndHasFour) {
     EXPECT_NE(commentOf(FileFactoryPictureColorTuner::layout())
                   .find("#   [(source)(picturemode)(colortune_mode)]: 3 dimension "),
               std::string::npos);
-    const auto op = loaded<FileFactoryPictureColorTuner>();
-    ASSERT_TRUE(storeValue(*op, {15, 11, 7, 6}, "Hue", -7));
-    m_parent.takePosted();
-    EXPECT_TRUE(op->applySettingForAllSources({15, 11, 7, 6}));
-    EXPECT_EQ(m_parent.posted(), 15U);
-    EXPECT_TRUE(op->applySettingForAllMode({15, 11, 7, 6}));
-    EXPECT_EQ(m_parent.posted(), 15U + 16 * 11);
-    EXPECT_EQ(valueOf(*op, {0, 0, 7, 6}, "Hue"), -7);
-    EXPECT_EQ(valueOf(*op, {0, 0, 7, 5}, "Hue"), 0);
 }
 
 } // namespace

@@ -9,8 +9,6 @@
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/fileOperator/FileFactorySoundAMP.h>
 #include <dataModule/fileOperator/FileFactorySoundAVC.h>
-#include <dataModule/fileOperator/FileFactorySoundCurve.h>
-#include <dataModule/fileOperator/FileFactorySoundEQ.h>
 #include <dataModule/fileOperator/FileFactorySoundGlobal.h>
 #include <dataModule/fileOperator/FileFactorySoundPEQ.h>
 #include <dataModule/fileOperator/FileUserSoundDbx.h>
@@ -109,57 +107,29 @@ TEST_F(SoundCategoriesTest, TheTenthTimingIsReadButRefused) {
     EXPECT_FALSE(op.checkDimension(source, timing));
 }
 
-template <class Operator>
-class CopiedSoundTest : public SoundCategoriesTest {};
-using CopiedCategories =
-    testing::Types<FileUserSoundEQ, FileUserSoundDbx, FileUserSoundDTS, FileFactorySoundAVC, FileFactorySoundEQ>;
-TYPED_TEST_SUITE(CopiedSoundTest, CopiedCategories, );
-
-TYPED_TEST(CopiedSoundTest, OnlySourcesThatDifferGetACopy) {
-    const auto op = this->template loaded<TypeParam>();
+TEST_F(SoundCategoriesTest, OnlySourcesThatDifferGetACopy) {
+    const auto op = loaded<FileUserSoundEQ>();
     const char* lastField = op->layoutOf().fields.back().key;
     ASSERT_TRUE(storeValue(*op, {7, 3}, lastField, 4));
     ASSERT_TRUE(storeValue(*op, {2, 3}, lastField, 4));
-    this->m_parent.takePosted();
+    m_parent.takePosted();
     EXPECT_TRUE(op->applySettingForAllSources({7, 3}));
-    EXPECT_EQ(this->m_parent.posted(), 14U);
+    EXPECT_EQ(m_parent.posted(), 14U);
     EXPECT_EQ(valueOf(*op, {15, 3}, lastField), 4);
     EXPECT_EQ(valueOf(*op, {15, 2}, lastField), 0);
-    EXPECT_TRUE(this->m_log.contains("apply data to all other source completely, elpased time = "));
+    EXPECT_TRUE(m_log.contains("apply data to all other source completely, elpased time = "));
     EXPECT_TRUE(op->applySettingForAllSources({7, 3}));
-    EXPECT_EQ(this->m_parent.posted(), 14U);
+    EXPECT_EQ(m_parent.posted(), 14U);
     EXPECT_FALSE(op->applySettingForAllSources({16, 3}));
-    EXPECT_TRUE(this->m_log.contains("[dataModule] The dimension value is invalid.\n"));
+    EXPECT_TRUE(m_log.contains("[dataModule] The dimension value is invalid.\n"));
 }
 
-TEST_F(SoundCategoriesTest, RestoresForAllSourcesWriteEachSourceOrTheOneRecord) {
-    const auto mode = loaded<FileUserSoundMode>();
-    EXPECT_TRUE(mode->restoreSettingForAllSource({3}));
-    EXPECT_EQ(m_parent.takePosted().size(), 16U);
-    const auto curve = loaded<FileFactorySoundCurve>();
-    EXPECT_TRUE(curve->restoreSettingForAllSource({3}));
-    EXPECT_EQ(m_parent.takePosted().size(), 16U);
-
+TEST_F(SoundCategoriesTest, ARestoreForAllSourcesChecksItsIndices) {
     const auto amplifier = loaded<FileFactorySoundAMP>();
-    EXPECT_TRUE(amplifier->restoreSettingForAllSource({4, 5}));
-    const auto posted = m_parent.takePosted();
-    ASSERT_EQ(posted.size(), 1U);
-    EXPECT_EQ(posted.front()->dimensions(), (Dims{4, 5}));
     EXPECT_FALSE(amplifier->restoreSettingForAllSource({5, 0}));
     EXPECT_FALSE(amplifier->restoreSettingForAllSource({-1, 0}));
-}
-
-TEST_F(SoundCategoriesTest, OfTheFactoryTablesOnlyTheGlobalIsReadBackFromTheCurrentFile) {
-    const auto global = loaded<FileFactorySoundGlobal>();
-    ASSERT_TRUE(storeValue(*global, {}, "Hpf_Value", 1));
-    EXPECT_TRUE(global->restoreSettingFromCurrent({}));
-    EXPECT_EQ(valueOf(*global, {}, "Hpf_Value"), 0);
-
-    const auto avc = loaded<FileFactorySoundAVC>();
-    ASSERT_TRUE(storeValue(*avc, {0, 0}, "AvcLevel", 1));
-    EXPECT_TRUE(avc->restoreSettingFromCurrent({0, 0}));
-    EXPECT_EQ(valueOf(*avc, {0, 0}, "AvcLevel"), 1);
-    EXPECT_TRUE(m_log.contains("[SOUND_AVC]: module hasn't completed yet.\n"));
+    EXPECT_FALSE(amplifier->restoreSettingForAllSource({0}));
+    EXPECT_EQ(m_parent.posted(), 0U);
 }
 
 // --- the flag of the user's global settings ---
@@ -208,25 +178,6 @@ TYPED_TEST(SoundFlagTest, WithoutTheClientsInterfaceTheFlagQueryAnswers) {
 }
 
 // --- wide values ---
-
-TEST_F(SoundCategoriesTest, TheParametricEqualiserHasFiveDigits) {
-    const auto op = loaded<FileFactorySoundPEQ>();
-    ASSERT_TRUE(op->storeData({15}, {{"BandQ", -9999}, {"BandGain", 3}, {"BandFreq", 99999}}));
-    EXPECT_EQ(m_parent.deliver(), 1);
-    const std::string content = contentOf(*op);
-    const std::string section = "[f]\n"
-                                "BandQ                   = -9999\n"
-                                "BandGain                = 00003\n"
-                                "BandFreq                = 99999\n";
-    ASSERT_EQ(content.size(), 16 * section.size());
-    EXPECT_EQ(content.substr(15 * section.size()), section);
-
-    FileFactorySoundPEQ again;
-    again.setParent(&m_parent);
-    ASSERT_TRUE(again.loadFile());
-    EXPECT_EQ(valueOf(again, {15}, "BandQ"), -9999);
-    EXPECT_EQ(valueOf(again, {15}, "BandFreq"), 99999);
-}
 
 TEST_F(SoundCategoriesTest, TheFactoryGlobalReadsBothWidths) {
     const auto op = loaded<FileFactorySoundGlobal>();

@@ -1,7 +1,6 @@
 // What tells the user's picture categories from each other, on real files.
 
 #include <algorithm>
-#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -13,23 +12,17 @@
 #include <dataModule/fileOperator/FileUserPictureCCTWB.h>
 #include <dataModule/fileOperator/FileUserPictureColorTuner.h>
 #include <dataModule/fileOperator/FileUserPictureContentDetect.h>
-#include <dataModule/fileOperator/FileUserPictureDolbyIQIntentedWhitePoint.h>
 #include <dataModule/fileOperator/FileUserPictureDolbyIQMode.h>
-#include <dataModule/fileOperator/FileUserPictureEnhancedViewingAngle.h>
 #include <dataModule/fileOperator/FileUserPictureGammaCalibrationDarkDetail.h>
 #include <dataModule/fileOperator/FileUserPictureLightSensorPLC.h>
-#include <dataModule/fileOperator/FileUserPictureLightSensorShift.h>
 #include <dataModule/fileOperator/FileUserPictureLightSensorWB20Gain.h>
 #include <dataModule/fileOperator/FileUserPictureLowBlueLight.h>
 #include <dataModule/fileOperator/FileUserPictureModeEx.h>
 #include <dataModule/fileOperator/FileUserPictureModeSelf.h>
 #include <dataModule/fileOperator/FileUserPictureSourceOnly.h>
 #include <dataModule/fileOperator/FileUserPictureWB10Point.h>
-#include <dataModule/fileOperator/FileUserPictureWB10PointIndex.h>
 #include <dataModule/fileOperator/FileUserPictureWB20Gain.h>
-#include <dataModule/fileOperator/FileUserPictureWB20GainIndex.h>
 #include <dataModule/fileOperator/FileUserPictureWB20Point.h>
-#include <dataModule/fileOperator/FileUserPictureWB20PointIndex.h>
 #include <dataModule/fileOperator/FileUserPictureWB2Point.h>
 #include <dataModule/fileOperator/FileUserPictureXVYCC.h>
 #include <dataModule/fileOperator/FileUserPictureYRange.h>
@@ -77,158 +70,7 @@ protected:
     LogCapture m_log;
 };
 
-// --- which bulk operations there are, and what they reach ---
-
-constexpr unsigned NONE = 0;
-constexpr unsigned FIRST = 1;
-constexpr unsigned SECOND = 2;
-constexpr unsigned BOTH = 3;
-
-/// One category's operations on many records: the dimensions each goes over.
-struct BulkCase {
-    const char* name;
-    std::function<std::unique_ptr<TableOperator>()> make;
-    unsigned toAllSources;
-    unsigned toAllModes;
-    unsigned restoreForAll;
-    bool restoresFromCurrent;
-};
-
-template <class Operator>
-BulkCase bulkCase(const char* name, unsigned toAllSources, unsigned toAllModes, unsigned restoreForAll,
-                  bool restoresFromCurrent) {
-    return {name,          [] { return std::make_unique<Operator>(); },
-            toAllSources,  toAllModes,
-            restoreForAll, restoresFromCurrent};
-}
-
-const BulkCase BULK_CASES[] = {
-    bulkCase<FileUserPictureSourceOnly>("SourceOnly", NONE, NONE, NONE, true),
-    bulkCase<FileUserPictureModeSelf>("ModeSelf", NONE, NONE, NONE, true),
-    bulkCase<FileUserPictureModeEx>("ModeEx", FIRST, NONE, NONE, true),
-    bulkCase<FileUserPictureColorTuner>("ColorTuner", FIRST, BOTH, FIRST, true),
-    bulkCase<FileUserPictureWB2Point>("WB2Point", FIRST, BOTH, FIRST, true),
-    bulkCase<FileUserPictureWB10PointIndex>("WB10PointIndex", FIRST, SECOND, FIRST, true),
-    bulkCase<FileUserPictureWB10Point>("WB10Point", FIRST, BOTH, FIRST, true),
-    bulkCase<FileUserPictureWB20PointIndex>("WB20PointIndex", FIRST, SECOND, FIRST, true),
-    bulkCase<FileUserPictureWB20Point>("WB20Point", FIRST, BOTH, FIRST, true),
-    bulkCase<FileUserPictureWB20GainIndex>("WB20GainIndex", NONE, SECOND, FIRST, true),
-    bulkCase<FileUserPictureWB20Gain>("WB20Gain", FIRST, BOTH, FIRST, true),
-    bulkCase<FileUserPictureCCTWB>("CCTWB", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureBacklightWB>("BacklightWB", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureXVYCC>("XVYCC", NONE, NONE, NONE, true),
-    bulkCase<FileUserPictureYRange>("YRange", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureLowBlueLight>("LowBlueLight", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureGammaCalibrationDarkDetail>("DarkDetail", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureEnhancedViewingAngle>("EnhancedViewingAngle", FIRST, NONE, NONE, true),
-    bulkCase<FileUserPictureContentDetect>("ContentDetect", NONE, NONE, NONE, true),
-    bulkCase<FileUserPictureDolbyIQMode>("DolbyIQMode", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureDolbyIQIntentedWhitePoint>("DolbyIQWhitePoint", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureLightSensorShift>("LightSensorShift", NONE, NONE, NONE, false),
-    bulkCase<FileUserPictureLightSensorWB20Gain>("LightSensorWB20Gain", NONE, SECOND, FIRST, true),
-    bulkCase<FileUserPictureLightSensorPLC>("LightSensorPLC", NONE, NONE, NONE, false),
-};
-
-class UserPictureBulkTest : public UserPictureTest, public testing::WithParamInterface<BulkCase> {
-protected:
-    void SetUp() override {
-        m_op = GetParam().make();
-        createAndLoad(*m_op);
-        // In the middle of every dimension, so that there are records before and after it.
-        for (const Dimension& dimension : m_op->layoutOf().dimensions)
-            m_given.push_back(dimension.count / 2);
-        m_field = m_op->layoutOf().fields.front().argumentName();
-        storeInMemory(*m_op, m_given, m_field, VALUE);
-        m_log.clear();
-    }
-
-    /// The records that differ from the given one in nothing but the swept dimensions, the given one left out.
-    DimsSet others(unsigned swept) const {
-        DimsSet found{m_given};
-        for (std::size_t d = 0; d < m_given.size(); ++d) {
-            if ((swept & (1U << d)) == 0)
-                continue;
-            const DimsSet before = found;
-            for (Dims dims : before) {
-                for (dims[d] = 0; dims[d] < m_op->layoutOf().dimensions[d].count; ++dims[d])
-                    found.insert(dims);
-            }
-        }
-        found.erase(m_given);
-        return found;
-    }
-    std::size_t notOffered() {
-        return m_log.count("[" + std::string(m_parent.getCategory_Str(m_op->getDataCategory())) +
-                           "]: module hasn't completed yet.\n");
-    }
-    void expectCopies(bool (IFileOperator::*copy)(const Dims&), unsigned swept) {
-        IFileOperator& op = *m_op;
-        const DimsSet expected = others(swept);
-        ASSERT_TRUE((op.*copy)(m_given));
-        EXPECT_EQ(takePostedDims(), expected);
-        for (const Dims& dims : expected)
-            ASSERT_EQ(valueOf(op, dims, m_field), VALUE);
-        EXPECT_EQ(notOffered(), swept == NONE ? 1U : 0U);
-        EXPECT_EQ(m_log.count("apply data to all other source completely, elpased time = "), swept == NONE ? 0U : 1U);
-
-        ASSERT_TRUE((op.*copy)(m_given));
-        EXPECT_EQ(m_parent.posted(), 0U) << "equal records were copied again";
-        if (swept != NONE)
-            expectRefusals(copy);
-    }
-    void expectRefusals(bool (IFileOperator::*call)(const Dims&)) {
-        IFileOperator& op = *m_op;
-        Dims tooMany = m_given;
-        tooMany.push_back(0);
-        EXPECT_FALSE((op.*call)(tooMany));
-        EXPECT_EQ(m_log.count("The dimensions size [" + std::to_string(tooMany.size()) +
-                              "] is invalid ,expected size is: " + std::to_string(m_given.size()) + ".\n"),
-                  1U);
-        Dims outside = m_given;
-        outside.back() = m_op->layoutOf().dimensions.back().count;
-        EXPECT_FALSE((op.*call)(outside));
-        EXPECT_EQ(m_log.count("The dimension value is invalid.\n"), 1U);
-        EXPECT_EQ(m_parent.posted(), 0U);
-    }
-
-    static constexpr int VALUE = 7;
-    std::unique_ptr<TableOperator> m_op;
-    Dims m_given;
-    const char* m_field = nullptr;
-};
-
-TEST_P(UserPictureBulkTest, CopiesToAllSources) {
-    expectCopies(&IFileOperator::applySettingForAllSources, GetParam().toAllSources);
-}
-
-TEST_P(UserPictureBulkTest, CopiesToAllModes) {
-    expectCopies(&IFileOperator::applySettingForAllMode, GetParam().toAllModes);
-}
-
-// The given record is compared as it stands at that moment: until the walk reaches it, the zeros of the factory differ
-// from it; from then on it is zero itself.
-TEST_P(UserPictureBulkTest, RestoresForAllSources) {
-    const unsigned swept = GetParam().restoreForAll;
-    ASSERT_TRUE(m_op->restoreSettingForAllSource(m_given));
-    DimsSet before = others(swept);
-    before.erase(before.upper_bound(m_given), before.end());
-    EXPECT_EQ(takePostedDims(), before);
-    EXPECT_EQ(notOffered(), swept == NONE ? 1U : 0U);
-    EXPECT_EQ(valueOf(*m_op, m_given, m_field), swept == NONE ? VALUE : 0);
-    if (swept != NONE)
-        expectRefusals(&IFileOperator::restoreSettingForAllSource);
-}
-
-TEST_P(UserPictureBulkTest, RestoresFromTheCurrentCopy) {
-    const bool offered = GetParam().restoresFromCurrent;
-    ASSERT_TRUE(m_op->restoreSettingFromCurrent(m_given));
-    EXPECT_EQ(valueOf(*m_op, m_given, m_field), offered ? 0 : VALUE);
-    EXPECT_EQ(notOffered(), offered ? 0U : 1U);
-    EXPECT_EQ(m_parent.posted(), 0U);
-}
-
-INSTANTIATE_TEST_SUITE_P(Categories, UserPictureBulkTest, testing::ValuesIn(BULK_CASES),
-                         [](const auto& tested) { return std::string(tested.param.name); });
+// --- records taken back for all sources ---
 
 TEST_F(UserPictureTest, RestoreForAllSourcesPostsWhatDiffersFromTheGivenRecord) {
     FileUserPictureWB2Point op;
@@ -594,21 +436,6 @@ TEST_F(UserPictureTest, XvyccRestoreFromAMissingCurrentCopyEndsItsMessageWithout
     m_root.remove(Copy::Current, "pic_xvycc_factory.ini");
     EXPECT_FALSE(op.restoreSettingFromCurrent({5}));
     EXPECT_EQ(m_log.count("] failed when restore setting from current\n"), 1U);
-}
-
-TEST_F(UserPictureTest, XvyccMergesAnOlderVersionByKey) {
-    const char* file = "pic_xvycc_factory.ini";
-    FileUserPictureXVYCC op;
-    create(op);
-    const std::string text = m_root.read(Copy::Current, file);
-    const std::string header = replaced(text.substr(0, contentAt(text)), "v0.1", "v0.0");
-    m_root.write(
-        Copy::Current, file,
-        withChecksum(header + "[3]\nXVYCC_7                  = 0x  1a3\nXVYCC_9                  = 0x    1\n"));
-    ASSERT_TRUE(op.loadFile());
-    EXPECT_EQ(valueOf(op, {3}, "XVYCC_7"), 0x1A3);
-    op.waitForMerge();
-    EXPECT_NE(m_root.read(Copy::Current, file).find("XVYCC_7                  = 0x  1a3\n"), std::string::npos);
 }
 
 // --- PICTURE_LOW_BLUE_LIGHT: two sets of names ---

@@ -11,6 +11,7 @@
 #include <semaphore.h>
 #include <sys/shm.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -46,6 +47,12 @@ mode_t semaphoreMode(const char* name) {
     struct stat status = {};
     const std::string path = std::string("/dev/shm/sem.") + (name[0] == '/' ? name + 1 : name);
     return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777U : 0;
+}
+
+/// Lets the semaphore's name lead nowhere, so that it cannot be opened; removed like a semaphore.
+bool block(const char* name) {
+    const std::string path = std::string("/dev/shm/sem.") + (name[0] == '/' ? name + 1 : name);
+    return symlink("nowhere", path.c_str()) == 0;
 }
 
 bool post(const char* name) {
@@ -182,12 +189,36 @@ TEST_F(ListenersTest, AFailedReleaseEndsTheCycleAndLeavesTheNames) {
 
 TEST_F(ListenersTest, AFileThatCannotBeLoadedAgainIsReported) {
     const auto set = boot();
-    EXPECT_TRUE(set->releaseFileSources());
+    ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
+    listenWith(set.get());
+    ASSERT_TRUE(m_log.waitFor("2.1 just waitting"));
     for (const Copy copy : {Copy::Current, Copy::Backup, Copy::Factory})
         m_root.remove(copy, "pic_mode_usr.ini");
-    EXPECT_FALSE(set->resumeFileSources());
+    ASSERT_TRUE(post(names::RELOAD_SEMAPHORE));
+    m_listener.join();
     EXPECT_TRUE(m_log.contains(" reload file [pic_mode_usr.ini] failed.\n"));
     EXPECT_TRUE(m_log.contains("resume all data files successfully"));
+    EXPECT_TRUE(m_log.contains("reload dataModule failed for STD.\n"));
+    EXPECT_NE(set->getFileHandler(PICTURE_GLOBAL), nullptr) << "the others are loaded";
+    EXPECT_TRUE(semaphoreExists(names::RELEASE_SEMAPHORE));
+    EXPECT_TRUE(semaphoreExists(names::RELOAD_SEMAPHORE));
+}
+
+TEST_F(ListenersTest, WithoutASemaphoreThereIsNoCycle) {
+    const auto set = boot();
+    ASSERT_TRUE(block(names::RELEASE_SEMAPHORE));
+    EXPECT_EQ(FileDataSeparateManager::listenSTDSignal(set.get()), nullptr);
+    EXPECT_TRUE(m_log.contains("create sem for release data Module failed.\n"));
+    removeNames();
+
+    ASSERT_TRUE(block(names::RELOAD_SEMAPHORE));
+    ASSERT_TRUE(post(names::RELEASE_SEMAPHORE));
+    EXPECT_EQ(FileDataSeparateManager::listenSTDSignal(set.get()), nullptr);
+    EXPECT_TRUE(m_log.contains("1.2 release data Module for STD successfully.\n"));
+    EXPECT_TRUE(m_log.contains("create sem for reload data Module failed.\n"));
+    EXPECT_FALSE(m_log.contains("2.1 just waitting"));
+    EXPECT_TRUE(set->resumeFileSources()) << "by whoever finds it released";
+    EXPECT_EQ(contrast(*set), 50);
 }
 
 TEST_F(ListenersTest, WhatWasNotLoadedStaysSo) {
@@ -241,8 +272,11 @@ TEST_F(ListenersTest, TheDetailLogFollowsTheSharedWordOnceThereIsOne) {
         ASSERT_TRUE(m_log.waitFor("the next manager starts it again"));
         removeNames();
     }
+    ASSERT_TRUE(block(names::LOG_SEMAPHORE));
     const auto set = boot();
-    ASSERT_TRUE(m_log.waitFor("just waitting the received sem from user ...\n"));
+    ASSERT_TRUE(m_log.waitFor("create sem for detail log switch failed.\n"));
+    EXPECT_EQ(sem_unlink(names::LOG_SEMAPHORE), 0);
+    ASSERT_TRUE(m_log.waitFor("just waitting the received sem from user ...\n")) << "it tries again";
     EXPECT_THAT(semaphoreMode(names::LOG_SEMAPHORE), testing::AnyOf(0600, 0));
     EXPECT_FALSE(m_log.contains("contrast = "));
 
