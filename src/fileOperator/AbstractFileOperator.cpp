@@ -616,20 +616,21 @@ struct AbstractFileOperator::MergeScope {
 bool AbstractFileOperator::loadFile() {
     DM_INFO("======================= start to load file =====================\n");
     TimeUtil::instance()->start();
-    // Asked before the lock, which the thread that writes the merged file holds.
-    if (m_otaLoading) {
-        DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
-        return false;
+    // Asked before the lock too, which the thread that writes the merged file holds.
+    if (!m_otaLoading) {
+        SectionLock lock(m_criticalSection);
+        if (checkReloadFile() && m_loaded) {
+            DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
+            return true;
+        }
+        if (!m_otaLoading)
+            return loadFromFiles();
     }
-    SectionLock lock(m_criticalSection);
-    if (checkReloadFile() && m_loaded) {
-        DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
-        return true;
-    }
-    if (m_otaLoading) {
-        DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
-        return false;
-    }
+    DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
+    return false;
+}
+
+bool AbstractFileOperator::loadFromFiles() {
     // A merge that could not be written is in the table alone; if it still cannot be, it is made again.
     if (m_mergeUnwritten && !mergedByOther())
         createFile();

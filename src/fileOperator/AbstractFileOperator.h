@@ -218,6 +218,8 @@ private:
     void adoptSummary(const Summary& summary, SummaryState state) TD_REQUIRES(m_criticalSection);
     void forgetLengths() TD_REQUIRES(m_criticalSection);
 
+    /// What loadFile() does once it may.
+    bool loadFromFiles() TD_REQUIRES(m_criticalSection);
     bool loadFirstGoodCopy() TD_REQUIRES(m_criticalSection);
     /// Loads the table, except for the records that were stored and are not in the file yet.
     template <typename Load>

@@ -48,6 +48,10 @@ public:
         const SectionLock lock(this->m_criticalSection);
         return this->recoverFile();
     }
+    bool openFactory() {
+        const SectionLock lock(this->m_criticalSection);
+        return this->switchToManufactory();
+    }
     bool rewriteSummary() {
         const SectionLock lock(this->m_criticalSection);
         return this->updateSummary();
@@ -72,11 +76,15 @@ public:
     bool buildContents(bool defaults) override TD_REQUIRES(AbstractFileOperator::m_criticalSection) {
         writing.open();
         mayWrite.pass();
+        if (readsBackWhileWriting)
+            readBack = this->loadDataFromCurrentFile({});
         return Category::buildContents(defaults);
     }
 
     Gate writing;
     Gate mayWrite; ///< open unless a test makes its own
+    bool readsBackWhileWriting = false;
+    std::optional<bool> readBack;
 };
 
 class LifecycleTest : public testing::Test {
@@ -598,6 +606,17 @@ TEST_F(LifecycleTest, ALoadKeepsWhatWasStoredAndIsNotWrittenYet) {
     op->forgetUnwritten();
     EXPECT_TRUE(op->refreshDataFromCurrent());
     EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
+}
+
+TEST_F(LifecycleTest, NothingIsReadBackFromAFileThatIsBeingMerged) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+    auto op = makeOperator();
+    op->readsBackWhileWriting = true;
+    ASSERT_TRUE(op->loadFile());
+    op->waitForMerge();
+    EXPECT_EQ(op->readBack, false);
+    EXPECT_EQ(current(), goodText(Copy::Current));
 }
 
 TEST_F(LifecycleTest, ReleasingWaitsForTheMergedFile) {
@@ -1140,9 +1159,21 @@ TEST_F(LifecycleTest, GetCrcCodeSaysWhatIsWrongWithTheOpenFile) {
         EXPECT_EQ(op->crcCode(path), 0U) << message;
         EXPECT_TRUE(m_log.contains(message)) << message;
     }
+    std::ofstream(path) << good.substr(0, lineAt(good, "Version "));
+    EXPECT_EQ(op->crcCode(path), 0U);
     std::ofstream(path) << good;
     op->find("[Nowhere]\n");
     EXPECT_EQ(op->crcCode(path), checksum(good.substr(contentAt(good))));
+}
+
+TEST_F(LifecycleTest, WhileTheFactoryCopyIsOpenThereIsNothingToBackUp) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    ASSERT_TRUE(op->openFactory());
+    EXPECT_FALSE(op->backup());
+    EXPECT_TRUE(m_log.contains("current load mode [MANUFACTORY_LOAD] is not 'NORMAL_LOAD' when backup file.\n"));
+    EXPECT_EQ(backup(), goodText(Copy::Backup));
 }
 
 TEST_F(LifecycleTest, RewritesTheSummaryInPlace) {
