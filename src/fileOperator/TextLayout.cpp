@@ -63,9 +63,6 @@ bool scanNumber(const char* text, int width, int base, unsigned int& value) {
     if (base == 16 && width > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
         text += 2;
         width -= 2;
-        value = 0;
-        if (width == 0 || digitValue(*text, base) < 0)
-            return false;
     }
     int digit = width > 0 ? digitValue(*text, base) : -1;
     if (digit < 0)

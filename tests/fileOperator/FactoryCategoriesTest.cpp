@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <dataModule/fileOperator/FileFactoryPictureAspect.h>
@@ -470,57 +469,6 @@ TEST_F(FactoryCategoriesTest, AustraliaIsCountryOneWithOrWithoutItsVariantBit) {
         writeSystemFile(paths::CRITICAL_FILE, "[Critical]\nCountry = " + std::to_string(country) + "\n");
         EXPECT_FALSE(op.isAUCountry()) << country;
     }
-}
-
-TEST_F(FactoryCategoriesTest, TheWhiteBalanceListsTenRangesUnderEight) {
-    const std::string block = commentOf(FileFactoryPictureWB::layout());
-    EXPECT_THAT(block, testing::HasSubstr(R"(#       0--BIN1                                                           #
-#       1--BIN2                                                           #
-#       2--BIN3                                                           #
-#       3--BIN4                                                           #
-#       4--BIN5                                                           #
-#       5--BIN6                                                           #
-)"));
-    EXPECT_THAT(block, testing::HasSubstr(R"(#   source       scope:0~15                                               #
-#       0--ATV                                                            #
-#       1--DTV                                                            #
-#       2--AV                                                             #
-#       3--COMPONENT                                                      #
-#       4--HDMI1                                                          #
-#       5--HDMI2                                                          #
-#       6--HDMI3                                                          #
-#       7--HDMI4                                                          #
-#       8--DMP                                                            #
-#       9--VGA                                                            #
-#       a--SCART                                                          #
-#       b--NETWORK                                                        #
-#       c--NETFLIX                                                        #
-#       d--YOUTUBE                                                        #
-#       e--VUDU                                                           #
-#       f--AMAZON                                                         #
-#   dr           scope:0~7                                                #
-#       0--SDR_FHD                                                        #
-#       1--SDR_UHD                                                        #
-#       2--HDR_10_FHD                                                     #
-#       3--HDR_10_UHD                                                     #
-#       4--HDR_HLG_FHD                                                    #
-#       5--HDR_HLG_UHD                                                    #
-#       6--HDR_DolbyVision_FHD                                            #
-#       7--HDR_DolbyVision_UHD                                            #
-#       8--HDR_10PLUS_FHD                                                 #
-#       9--HDR_10PLUS_UHD                                                 #
-)"));
-    EXPECT_THAT(block, testing::HasSubstr(R"(#       0--2D                                                             #
-#       1--3D                                                             #
-)"));
-    EXPECT_THAT(block, testing::EndsWith(R"(#       0--COOL                                                           #
-#       1--NORMAL                                                         #
-#       2--WARM1                                                          #
-#       3--WARM2                                                          #
-#       4--STANDARD_709                                                   #
-#       5--WARM1_P3                                                       #
-#----------------------- Description -------------------------------------#
-)"));
 }
 
 // --- 20-point tables ---

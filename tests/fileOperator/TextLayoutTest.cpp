@@ -60,6 +60,8 @@ TEST(TextLayout, WritesTheSummary) {
     EXPECT_EQ(expected.size(), 128U);
     // Whatever the manager says, the block keeps its length: it is rewritten in place.
     EXPECT_EQ(text::summary("a type much longer than the column", "v0.4.5.6.7.8", 0, true).size(), 128U);
+    EXPECT_EQ(text::summary("SIXTEEN-IN-WIDTH", "EIGHT-8-", 0, false).substr(0, 80),
+              "SN                       = SIXTEEN-IN-WIDTH\nVersion                  = EIGHT-8-\n");
     EXPECT_EQ(text::summary("", "", 0xff, true).substr(90), "CRC                      = 0x000000ff\n");
 }
 
@@ -87,6 +89,9 @@ TEST(TextLayout, ReadsSummaryLines) {
         EXPECT_EQ(crc, 0x5d1c09e3U) << line;
         crc = 0;
     }
+    EXPECT_TRUE(text::parseCrc("CRC                      = 0x0x5d1c09e3\n", crc)) << "as scanf reads it";
+    EXPECT_EQ(crc, 0x5d1c09U);
+    crc = 0;
     for (const char* line : {"CRC                      = 5d1c09e3\n", "CRC\n", "CRC = 0x\n", "CRC = 0xzz\n", ""})
         EXPECT_FALSE(text::parseCrc(line, crc)) << line;
     EXPECT_EQ(crc, 0U);
@@ -114,7 +119,7 @@ TEST(TextLayout, ReadsSectionIds) {
         EXPECT_TRUE(text::parseSectionId(FileUserPictureMode::layout(), line, indices)) << line;
         EXPECT_EQ(std::vector<int>(indices, indices + 3), (std::vector<int>{3, 10, 7})) << line;
     }
-    for (const char* line : {"[3a]\n", "[3g7]\n", "3a7]\n", " [3a7]\n", "[", "", "[-1a]\n"}) {
+    for (const char* line : {"[3a]\n", "[3g7]\n", "3a7]\n", "(3a7)\n", " [3a7]\n", "[", "", "[-1a]\n"}) {
         int indices[3] = {};
         EXPECT_FALSE(text::parseSectionId(FileUserPictureMode::layout(), line, indices)) << line;
     }
@@ -195,6 +200,7 @@ TEST(TextLayout, ReadsValuesByColumnWhateverStandsThere) {
         {KeyLineForm::Decimal4, "Contrast                 = 12345\n", 1234}, // a widened line
         {KeyLineForm::Decimal4, "Contrast                 = -1234\n", -123},
         {KeyLineForm::Decimal4, "Contrast                 = 42\n", 42},
+        {KeyLineForm::Decimal4, "Contrast                 = 7", 7},
         {KeyLineForm::Decimal4, "Contrast                 = \n", 0},
         {KeyLineForm::Decimal4, "Contrast                 = -\n", 0},
         {KeyLineForm::Decimal4, "Contrast = 0042\n", 0}, // ends before the columns
@@ -205,6 +211,8 @@ TEST(TextLayout, ReadsValuesByColumnWhateverStandsThere) {
         {KeyLineForm::Decimal5, "Contrast                = 123456\n", 12345},
         {KeyLineForm::Decimal5, "Contrast                =\n", 0},
         {KeyLineForm::Hexadecimal5, "Contrast                 = 0xFF\n", 255},
+        {KeyLineForm::Hexadecimal5, "Contrast                 = 0x0x1F7\n", 0x1F7}, // as scanf reads it
+        {KeyLineForm::Hexadecimal5, "Contrast                 = 0x0x\n", 0},
         {KeyLineForm::Hexadecimal5, "Contrast                 = 00255\n", 0},
         {KeyLineForm::Hexadecimal5, "Contrast                 = 0\n", 0},
     };

@@ -25,7 +25,6 @@
 #include <dataModule/fileOperator/FileUserPictureWB20Point.h>
 #include <dataModule/fileOperator/FileUserPictureWB2Point.h>
 #include <dataModule/fileOperator/FileUserPictureXVYCC.h>
-#include <dataModule/fileOperator/FileUserPictureYRange.h>
 
 #include "FakeParent.h"
 #include "LogCapture.h"
@@ -167,48 +166,6 @@ TEST_F(UserPictureTest, AcceptsFewerLevelsThanItsCommentLists) {
     EXPECT_EQ(all.size(), 6U);
     EXPECT_FALSE(op.loadData({5}, all));
     EXPECT_FALSE(op.storeData({-1}, {{"CCT_WBRedGain", 1}}));
-}
-
-// --- comment blocks ---
-
-std::string commentLine(const std::string& text) {
-    std::string line = "#" + text;
-    line.resize(74, ' ');
-    return line + "#\n";
-}
-
-std::string commentLines(const std::vector<std::string>& texts) {
-    std::string lines;
-    for (const std::string& text : texts)
-        lines += commentLine(text);
-    return lines;
-}
-
-TEST(UserPictureComments, StateWhatTheFilesState) {
-    const std::string tuner = text::commentBlock(FileUserPictureColorTuner::layout());
-    EXPECT_NE(tuner.find(commentLine("   [(source)(picturemode)(colortune_mode)]: 3 dimension")), std::string::npos);
-    EXPECT_NE(tuner.find(commentLine("   source       scope:0~16")), std::string::npos);
-    EXPECT_NE(tuner.find(commentLine("       6--FLESH TON")), std::string::npos);
-
-    const std::string range = text::commentBlock(FileUserPictureYRange::layout());
-    EXPECT_NE(
-        range.find(commentLines({"   dr_type      scope:0~4", "       0--SDR", "       1--HDR_10", "       2--HDR_HLG",
-                                 "       3--HDR_DObyVison", "       4--HDR_10Plus", "       5--HDR_ToSDR"})),
-        std::string::npos);
-
-    const std::string temperature = text::commentBlock(FileUserPictureCCTWB::layout());
-    EXPECT_NE(temperature.find(commentLines({"       9--LEVEL9", "       a--LEVEL10"})), std::string::npos);
-
-    const std::string sensor = text::commentBlock(FileUserPictureLightSensorWB20Gain::layout());
-    EXPECT_NE(sensor.find(commentLines({"       7--LS_lEVEL8", "   level        scope:0~11", "       1--LEVEL0",
-                                        "       1--LEVEL1", "       2--LEVEL2"})),
-              std::string::npos);
-    EXPECT_NE(sensor.find(commentLines({"       i--LEVEL18", "       j--LEVEL19"})), std::string::npos);
-
-    const std::string matrix = text::commentBlock(FileUserPictureXVYCC::layout());
-    EXPECT_NE(matrix.find(commentLines({"       1--Auto_P3_P3/BT2020_Native", "       2--Auto_BT709_BT709",
-                                        "       3--reserved", "       4--reserved", "       5--reserved"})),
-              std::string::npos);
 }
 
 // --- PICTURE_MODE_EX: the lopsided test for equality ---

@@ -1,11 +1,8 @@
 // A set's life across restarts: the whole library on real files.
 
-#include <atomic>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -222,67 +219,6 @@ TEST_F(SetsLifeTest, ASuspendImageFindsEveryStoreOnDisk) {
     EXPECT_TRUE(checksumIsRight(current(MODE_FILE)));
     EXPECT_TRUE(set->loadData(PICTURE_MODE));
     EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 6);
-}
-
-TEST_F(SetsLifeTest, ClientsOverlapWhileBackupsRun) {
-    constexpr int LAST = 20;
-    auto set = firstBoot();
-    std::atomic<bool> done{false};
-    std::vector<std::thread> clients;
-    // Each owns one value; the two of a category change different sections or fields.
-    const std::vector<std::function<bool(int)>> stores{
-        [&](int value) {
-            return set->storeData(PICTURE_MODE, {0, 0, 0}, {{"Hue", value}});
-        },
-        [&](int value) {
-            return set->storeData(PICTURE_MODE, {15, 11, 7}, {{"Blur", value + 100}});
-        },
-        [&](int value) {
-            return set->storeData(PICTURE_GLOBAL, {}, {{"RGBOnly", value}});
-        },
-        [&](int value) {
-            return set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", value}});
-        },
-    };
-    for (const auto& store : stores) {
-        clients.emplace_back([&store] {
-            for (int value = 1; value <= LAST; ++value)
-                EXPECT_TRUE(store(value));
-        });
-    }
-    std::thread reader([&] {
-        int before = 0;
-        while (!done) {
-            const int value = valueIn(*set, PICTURE_MODE, {0, 0, 0}, "Hue");
-            EXPECT_GE(value, before);
-            before = value;
-        }
-    });
-    std::thread backups([&] {
-        while (!done)
-            EXPECT_TRUE(set->backupData());
-    });
-    for (std::thread& client : clients)
-        client.join();
-    EXPECT_TRUE(set->waitWritten());
-    done = true;
-    reader.join();
-    backups.join();
-
-    const std::string mode = m_root.read(Copy::Factory, MODE_FILE);
-    const std::string global = m_root.read(Copy::Factory, GLOBAL_FILE);
-    EXPECT_TRUE(current(MODE_FILE) ==
-                withChecksum(withValue(withValue(mode, "[000]\n", "Hue", LAST), "[fb7]\n", "Blur", LAST + 100)));
-    EXPECT_EQ(current(GLOBAL_FILE), withChecksum(withValue(withValue(global, "[Global]\n", "RGBOnly", LAST),
-                                                           "[Global]\n", "FpsSwitch", LAST)));
-    EXPECT_TRUE(checksumIsRight(backup(MODE_FILE)));
-    EXPECT_TRUE(set->backupData());
-    for (const char* file : {MODE_FILE, GLOBAL_FILE})
-        EXPECT_TRUE(backup(file) == current(file));
-    set.reset();
-    set = SmallSet::boot();
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, {15, 11, 7}, "Blur"), LAST + 100);
-    EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), LAST);
 }
 
 } // namespace
