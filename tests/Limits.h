@@ -7,7 +7,9 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace td::test {
@@ -53,6 +55,24 @@ public:
 
 private:
     rlimit m_before{};
+};
+
+/// What the modes of files say holds for root's thread too.
+class ModesHold {
+public:
+    ModesHold() {
+        syscall(SYS_capget, &m_header, m_before);
+        __user_cap_data_struct rest[2] = {m_before[0], m_before[1]};
+        rest[0].effective &= ~(1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH);
+        syscall(SYS_capset, &m_header, rest);
+    }
+    ~ModesHold() { syscall(SYS_capset, &m_header, m_before); }
+    ModesHold(const ModesHold&) = delete;
+    ModesHold& operator=(const ModesHold&) = delete;
+
+private:
+    __user_cap_header_struct m_header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct m_before[2] = {};
 };
 
 } // namespace td::test

@@ -953,6 +953,30 @@ TEST_F(LifecycleTest, ADamagedCurrentCopyNeverGoesOverTheBackup) { // invariant 
     }
 }
 
+TEST_F(LifecycleTest, AFileThatMayNotBeWrittenIsRead) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    ASSERT_EQ(chmod(SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE).c_str(), 0444), 0);
+    auto op = makeOperator();
+    const ModesHold modes;
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+    ASSERT_TRUE(storeValue(*op, {}, FIELD, 9));
+    EXPECT_EQ(m_parent.deliver(), 0);
+    EXPECT_EQ(current(), goodText(Copy::Current));
+}
+
+TEST_F(LifecycleTest, AReleasedFileIsNotBackedUp) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    op->releaseFile();
+    const bool entered = op->tryEnterCriticalSection();
+    EXPECT_FALSE(entered);
+    if (entered)
+        op->leaveCriticalSection();
+    EXPECT_EQ(op->getFileHandler(), nullptr);
+}
+
 TEST_F(LifecycleTest, CopiesKeepTheModeOfTheFileTheyReplace) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     const std::string path = SettingsRoot::path(Copy::Current, PICTURE_GLOBAL_FILE);
@@ -1164,6 +1188,17 @@ TEST_F(LifecycleTest, GetCrcCodeSaysWhatIsWrongWithTheOpenFile) {
     std::ofstream(path) << good;
     op->find("[Nowhere]\n");
     EXPECT_EQ(op->crcCode(path), checksum(good.substr(contentAt(good))));
+}
+
+TEST_F(LifecycleTest, WhatAnotherProcessStoredInTheOpenFileIsBackedUp) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    const std::string stored = withChecksum(withValue(current(PICTURE_MODE_FILE), "[3a7]\n", "Hue", 9));
+    std::ofstream(SettingsRoot::path(Copy::Current, PICTURE_MODE_FILE)) << stored;
+    op->find("[Nowhere]\n"); // to its end, so that nothing of its start is in memory
+    EXPECT_TRUE(op->backup());
+    EXPECT_TRUE(backup(PICTURE_MODE_FILE) == stored);
 }
 
 TEST_F(LifecycleTest, WhileTheFactoryCopyIsOpenThereIsNothingToBackUp) {
