@@ -3,10 +3,15 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include <dataModule/fileOperator/FileUserPictureMode.h>
+#include <dataModule/fileOperator/KnownChecksum.h>
 
 #include "FakeParent.h"
 #include "LogCapture.h"
@@ -50,6 +55,24 @@ TEST_F(KnownChecksumTest, IsRightAfterEachOfManyStores) {
 TEST_F(KnownChecksumTest, IsRightAfterACopyToAllSources) {
     ASSERT_TRUE(m_op.applySettingForAllSources({0, 0, 0}));
     EXPECT_TRUE(checksumIsRight(current()));
+}
+
+/// A file that could not be synced may hold something else by the next store, and bear the same time.
+TEST_F(KnownChecksumTest, IsNotKnownOnceItIsForgotten) {
+    const std::string text = current();
+    const auto content = static_cast<int>(contentAt(text));
+    const int file = open(SettingsRoot::path(Copy::Current, MARKED_FILE).c_str(), O_RDWR);
+    ASSERT_GE(file, 0);
+    RedoRecord record;
+    record.contentPosition = content;
+    unsigned int crc = 0;
+    KnownChecksum known;
+    known.mark(file, content, checksum(text.substr(contentAt(text))));
+    EXPECT_TRUE(known.after(file, record, crc));
+    EXPECT_EQ(crc, checksum(text.substr(contentAt(text))));
+    known.forget();
+    EXPECT_FALSE(known.after(file, record, crc));
+    close(file);
 }
 
 TEST_F(KnownChecksumTest, CoversWhatOthersWroteInTheFile) {
