@@ -16,6 +16,8 @@
 
 #include <gtest/gtest.h>
 
+#include <dataModule/common/FileLock.h>
+#include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/FileFactoryPictureOverScan.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
@@ -963,6 +965,24 @@ TEST_F(LifecycleTest, AFileThatMayNotBeWrittenIsRead) {
     ASSERT_TRUE(storeValue(*op, {}, FIELD, 9));
     EXPECT_EQ(m_parent.deliver(), 0);
     EXPECT_EQ(current(), goodText(Copy::Current));
+}
+
+TEST_F(LifecycleTest, WhatAnotherProcessMendedMeanwhileIsLoaded) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, "damaged");
+    FileLock other; // keeps the load from the place where it would recover the backup
+    ASSERT_TRUE(other.lock(paths::lockFile(PICTURE_GLOBAL_FILE), FileLock::Kind::Shared));
+    auto op = makeOperator();
+    bool loaded = false;
+    std::thread loader([&] { loaded = op->loadFile(); });
+    EXPECT_TRUE(m_log.waitFor("Summary section subject (damaged) is invalid.\n"));
+    const std::string mended = withChecksum(withValue(m_text, "[Global]\n", FIELD, 7));
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, mended);
+    other.unlock();
+    loader.join();
+    EXPECT_TRUE(loaded);
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 7);
+    EXPECT_EQ(current(), mended);
 }
 
 TEST_F(LifecycleTest, AReleasedFileIsNotBackedUp) {
