@@ -18,6 +18,7 @@
 namespace td {
 
 class FileLock;
+class Mutex;
 class Thread;
 struct _ThreadStaticInfo_t;
 
@@ -161,6 +162,7 @@ private:
     std::unique_ptr<Thread> m_worker;
     std::unique_ptr<FileLock> m_processesLock; ///< held from init() to stop(), for tools to see
     std::atomic<bool> m_inited{false};
+    std::unique_ptr<Mutex> m_loadingMutex; ///< a load of all files is not reset in its middle
     std::atomic<bool> m_allLoaded{false};
     std::atomic<bool> m_stopped{false};
     char m_manufactoryPath[PATH_SIZE] = {};

@@ -11,9 +11,9 @@ namespace td::lockOrder {
 
 namespace {
 
-constexpr const char* NAMES[] = {"a worker's life", "a worker's statistics",  "a critical section",
-                                 "lock files",      "a worker's event queue", "checksums",
-                                 "a leaf"};
+constexpr const char* NAMES[] = {"a load of all files", "a worker's life", "a worker's statistics",
+                                 "a critical section",  "lock files",      "a worker's event queue",
+                                 "checksums",           "a leaf"};
 
 struct HeldLock {
     const void* lock;

@@ -7,7 +7,7 @@
 namespace td {
 
 /// Outermost first.
-enum class LockRank { Life, Statistics, Section, Files, Queue, Checksum, Leaf };
+enum class LockRank { Loading, Life, Statistics, Section, Files, Queue, Checksum, Leaf };
 
 namespace lockOrder {
 

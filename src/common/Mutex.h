@@ -2,13 +2,14 @@
 ///
 /// The lock order of the library, outermost first; nobody waits for a lock while holding one that comes after it, or
 /// another of the same place:
-///   1. Thread's life mutex   (start and stop; held while the worker is joined)
-///   2. Thread's statistics mutex   (held while an event is handled)
-///   3. an operator's critical section   (table and file; one operator's at a time), and inside it
-///   4. the lock between processes on the category's lock file
-///   5. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
-///   6. CRC32Util's file mutex
-///   7. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, the log's
+///   1. a manager's loading mutex   (held while all files are loaded or reset)
+///   2. Thread's life mutex   (start and stop; held while the worker is joined)
+///   3. Thread's statistics mutex   (held while an event is handled)
+///   4. an operator's critical section   (table and file; one operator's at a time), and inside it
+///   5. the lock between processes on the category's lock file
+///   6. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
+///   7. CRC32Util's file mutex
+///   8. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, the log's
 ///
 /// A build with DATAMODULE_CHECK_LOCKS ends the program where this does not hold (LockOrder.cpp).
 #pragma once

@@ -27,6 +27,7 @@
 #include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Log.h>
+#include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/common/Thread.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
@@ -435,7 +436,8 @@ void FileDataSeparateManager::release() {
 }
 
 FileDataSeparateManager::FileDataSeparateManager()
-    : m_worker(std::make_unique<Thread>(WORKER_NAME)), m_processesLock(std::make_unique<FileLock>()) {
+    : m_worker(std::make_unique<Thread>(WORKER_NAME)), m_processesLock(std::make_unique<FileLock>()),
+      m_loadingMutex(std::make_unique<Mutex>(LockRank::Loading)) {
     static_assert(PATH_SIZE == paths::PATH_SIZE && TV_TYPE_SIZE == 16, "buffers of the interface");
     std::snprintf(m_manufactoryPath, sizeof m_manufactoryPath, "%s", paths::defaultFactoryDirectory().c_str());
     LiveManagers::instance().add(this);
@@ -861,6 +863,7 @@ bool FileDataSeparateManager::initAllData() {
 
 bool FileDataSeparateManager::loadAllData() {
     DM_INFO(" @@@@@ File Data Separate Manager start to load data file ... @@@@@ \n");
+    const MutexLock lock(*m_loadingMutex);
     const bool loadedBefore = m_allLoaded;
     if (loadedBefore) {
         DM_INFO(" FileDataSeparateManager has already load all data. !\n");
@@ -910,6 +913,7 @@ bool FileDataSeparateManager::loadInParallel(int& dataSize) {
 
 bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
     DM_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s]... @@@@@ \n", getType_Str(type));
+    const MutexLock lock(*m_loadingMutex);
     if (m_allLoaded) {
         DM_INFO(" FileDataSeparateManager has already load all data. !\n");
         return true;
@@ -935,6 +939,7 @@ bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
 
 bool FileDataSeparateManager::resetForLoadAllData(_DS_Type_t type) {
     DM_INFO(" Reset the flag for FileDataSeparateManager reload all data. \n");
+    const MutexLock lock(*m_loadingMutex);
     m_allLoaded = false;
     settleStores();
     for (const auto& [category, op] : m_fileOperators) {

@@ -360,6 +360,22 @@ TEST_F(ManagerTest, AResetMakesTheTypeLoadableAgain) {
     EXPECT_EQ(m_manager[SOUND_MODE].count("loadFile"), 2);
 }
 
+TEST_F(ManagerTest, AResetAmidALoadOfAllComesAfterIt) {
+    ASSERT_TRUE(m_manager.init(DS_SCOPE_ALL));
+    std::thread client;
+    m_manager[PICTURE_MODE].on("loadFile", [&] {
+        client = std::thread([&] { m_manager.resetForLoadAllData(SOUND); });
+        for (int i = 0; i < 1000; ++i)
+            std::this_thread::yield(); // gives a reset that does not wait every chance to be first
+        return true;
+    });
+    m_manager.loadAllData();
+    client.join();
+    m_manager[PICTURE_MODE].on("loadFile", [] { return true; });
+    EXPECT_FALSE(m_manager.loadAllData()) << "what was reset has to be loaded";
+    EXPECT_EQ(m_manager[SOUND_MODE].count("loadFile"), 2);
+}
+
 TEST_F(ManagerTest, WalksOverAllFilesReturnTheLastResult) {
     struct Walk {
         bool (FileDataSeparateManager::*run)();
