@@ -1208,7 +1208,10 @@ TEST_F(LifecycleTest, GetCrcCodeSaysWhatIsWrongWithTheOpenFile) {
         EXPECT_TRUE(m_log.contains(message)) << message;
     }
     std::ofstream(path) << good.substr(0, lineAt(good, "Version "));
+    op->find("[Nowhere]\n");
+    m_log.clear();
     EXPECT_EQ(op->crcCode(path), 0U);
+    EXPECT_FALSE(m_log.contains("is invalid")) << "nothing of the files before is left";
     std::ofstream(path) << good;
     op->find("[Nowhere]\n");
     EXPECT_EQ(op->crcCode(path), checksum(good.substr(contentAt(good))));
