@@ -913,7 +913,6 @@ bool FileDataSeparateManager::loadInParallel(int& dataSize) {
 
 bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
     DM_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s]... @@@@@ \n", getType_Str(type));
-    const MutexLock lock(*m_loadingMutex);
     if (m_allLoaded) {
         DM_INFO(" FileDataSeparateManager has already load all data. !\n");
         return true;
