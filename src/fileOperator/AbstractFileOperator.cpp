@@ -29,6 +29,14 @@ void copyBounded(const char* from, char* to, std::size_t size) {
     std::snprintf(to, size, "%s", textOrEmpty(from));
 }
 
+bool isSame(const struct stat& one, const struct stat& other) {
+    const auto sameTime = [](const timespec& first, const timespec& second) {
+        return first.tv_sec == second.tv_sec && first.tv_nsec == second.tv_nsec;
+    };
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
+           sameTime(one.st_mtim, other.st_mtim) && sameTime(one.st_ctim, other.st_ctim);
+}
+
 int elapsedMilliseconds() {
     TimeUtil::instance()->end();
     return TimeUtil::instance()->getElapsed();
@@ -711,7 +719,10 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         return serveFromMemory();
     _LOAD_FILE_MODE mode = NORMAL_LOAD;
     _LOAD_FILE_MODE triedAgain = INVALID_LOAD;
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
     for (;;) {
+        struct stat found = {};
+        stat(current.c_str(), &found);
         bool fatal = false;
         Reading reading = Reading::TryNext;
         if (loadSummary(mode, fatal)) {
@@ -727,7 +738,7 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
             continue;
         if (staysUnread())
             return false;
-        if (mode == NORMAL_LOAD && currentWasMended()) {
+        if (mode == NORMAL_LOAD && currentWasMended(found)) {
             m_otaLoading = false;
             continue;
         }
@@ -823,25 +834,17 @@ void AbstractFileOperator::tryAgain() {
     m_criticalSection.unlock();
 }
 
-/// Another process may have found the same damage, or the same old version, and be done with it: between the two locks.
-/// A pending write that could not be ended a moment ago may end now.
-bool AbstractFileOperator::currentWasMended() {
-    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
-    struct stat before = {};
-    struct stat after = {};
-    const bool wasThere = stat(current.c_str(), &before) == 0;
+/// Another process may have found the same damage, or the same old version, and be done with it. A pending write that
+/// could not be ended a moment ago may end now.
+bool AbstractFileOperator::currentWasMended(const struct stat& found) {
     takeFiles();
-    const bool isThere = stat(current.c_str(), &after) == 0;
-    const auto isOther = [&] {
-        return before.st_dev != after.st_dev || before.st_ino != after.st_ino || before.st_size != after.st_size ||
-               before.st_mtim.tv_sec != after.st_mtim.tv_sec || before.st_mtim.tv_nsec != after.st_mtim.tv_nsec ||
-               before.st_ctim.tv_sec != after.st_ctim.tv_sec || before.st_ctim.tv_nsec != after.st_ctim.tv_nsec;
-    };
     const bool triesAgain = m_pendingError != 0;
     if (triesAgain)
         endPendingWrite();
-    return ((isThere && (!wasThere || isOther())) || (triesAgain && m_pendingError == 0)) &&
-           fileVerifies(current.c_str(), m_version);
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    struct stat now = {};
+    const bool hasChanged = stat(current.c_str(), &now) == 0 && !isSame(found, now);
+    return (hasChanged || (triesAgain && m_pendingError == 0)) && fileVerifies(current.c_str(), m_version);
 }
 
 AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mode) {
@@ -1404,17 +1407,6 @@ bool AbstractFileOperator::updateSummary() {
     }
     return written;
 }
-
-/// Says what became of a write, however the step ends.
-struct AbstractFileOperator::WriteScope {
-    explicit WriteScope(AbstractFileOperator& writing) : op(writing) {}
-    ~WriteScope() TD_NO_THREAD_SAFETY_ANALYSIS { op.writeEnded(done); }
-    WriteScope(const WriteScope&) = delete;
-    WriteScope& operator=(const WriteScope&) = delete;
-
-    AbstractFileOperator& op;
-    bool done = false;
-};
 
 bool AbstractFileOperator::updateCrcCode() {
     const SectionStep step(m_criticalSection);
