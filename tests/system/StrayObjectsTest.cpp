@@ -103,12 +103,17 @@ TEST_P(StrayObjects, DoNotStopAFactoryReset) {
     EXPECT_TRUE(verifies(Copy::Current));
 }
 
-TEST_P(StrayObjects, AreTheEndWhereThereIsNothingElse) {
+TEST_P(StrayObjects, AreTheEndUntilFilesAreMade) {
     for (const Copy copy : {Copy::Current, Copy::Backup, Copy::Factory})
         plant(copy);
-    EXPECT_FALSE(start().loadFile());
+    IFileOperator& op = start();
+    EXPECT_FALSE(op.loadFile());
     EXPECT_TRUE(isThere(SettingsRoot::path(std::get<Copy>(GetParam()), m_file)));
     EXPECT_TRUE(m_log.contains("is no file"));
+    EXPECT_TRUE(op.initFile(true));
+    EXPECT_TRUE(verifies(Copy::Current));
+    EXPECT_TRUE(verifies(Copy::Backup));
+    EXPECT_TRUE(isThere(SettingsRoot::path(Copy::Factory, m_file)));
 }
 
 std::string testName(const testing::TestParamInfo<std::tuple<Kind, Copy>>& tested) {
