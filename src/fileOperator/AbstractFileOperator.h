@@ -288,6 +288,11 @@ private:
     void noteUnreadable(int error) TD_REQUIRES(m_criticalSection);
     /// The same after a read from the open file, if it was an error that ended it.
     void noteIfUnreadable() TD_REQUIRES(m_criticalSection);
+    /// Whether something stands there that will never be read as a file, which then is logged.
+    bool isNoFile(const std::string& path) const;
+    /// Moves such a thing aside, so that a copy can be made there; not followed, and its new name logged. False where
+    /// it cannot be moved.
+    bool makeRoom(const std::string& path);
     /// Whether there is a file; one that cannot be asked for is noted.
     bool isThere(const char* path) TD_REQUIRES(m_criticalSection);
     /// Whether the copy that could not be read is to stay as it is: it may be as good as ever, so nothing takes its
