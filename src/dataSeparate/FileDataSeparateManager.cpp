@@ -24,6 +24,7 @@
 #include <boost/asio/thread_pool.hpp>
 
 #include <dataModule/common/CRC32Util.h>
+#include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Log.h>
@@ -31,7 +32,9 @@
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/common/Thread.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/LoadBudget.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/fileOperator/PendingStores.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/platform/ConfigReader.h>
@@ -518,16 +521,16 @@ const char* FileDataSeparateManager::getTvType() {
 bool FileDataSeparateManager::setStoreFileFlag(bool allowed) {
     m_storeFileFlag = allowed;
     if (!allowed)
-        forgetUnwritten();
+        dropStores();
     return true;
 }
 
-void FileDataSeparateManager::forgetUnwritten() {
-    for (const auto& [category, op] : m_fileOperators) {
-        auto* const stored = dynamic_cast<AbstractFileOperator*>(op);
-        if (stored != nullptr)
-            stored->forgetUnwritten();
-    }
+void FileDataSeparateManager::dropStores() {
+    forEachOwn([](AbstractFileOperator& op) { op.dropStores(); });
+}
+
+void FileDataSeparateManager::retryFailedStores() {
+    forEachOwn([](AbstractFileOperator& op) { op.tryAgain(); });
 }
 
 bool FileDataSeparateManager::getStoreFileFlag() {
@@ -539,7 +542,11 @@ int FileDataSeparateManager::postEvent(Event* event) {
 }
 
 bool FileDataSeparateManager::waitStored(int milliseconds) {
-    return m_worker->waitHandled(milliseconds);
+    if (m_worker->isCurrent())
+        return true;
+    const timespec deadline = deadlineIn(std::max(milliseconds, 0));
+    StoreWait stores(m_pendingStores);
+    return m_worker->waitHandled(milliseconds) && stores.wait(deadline);
 }
 
 void FileDataSeparateManager::getWorkerStatistics(_ThreadStaticInfo_t& info) {
@@ -785,8 +792,10 @@ void FileDataSeparateManager::registerOperator(IFileOperator* op) {
 
 void FileDataSeparateManager::setParents() {
     for (const auto& [category, op] : m_fileOperators) {
-        if (auto* const child = dynamic_cast<AbstractFileOperator*>(op))
+        if (auto* const child = dynamic_cast<AbstractFileOperator*>(op)) {
             child->setParent(this);
+            m_pendingStores.push_back(child->pendingStores());
+        }
     }
 }
 
@@ -795,6 +804,8 @@ bool FileDataSeparateManager::stop() {
         return true;
     // Before anything of it goes: a listener on a thread of the client's may be at work on it.
     LiveManagers::instance().remove(this);
+    // The worker may wait for a process that is stopped itself.
+    forEachOwn([](AbstractFileOperator& op) { op.abandonWaits(); });
     m_worker->stop();
     deleteOperators();
     m_processesLock->unlock();
@@ -803,10 +814,10 @@ bool FileDataSeparateManager::stop() {
 
 void FileDataSeparateManager::deleteOperators() {
     // A merge asks its own operator and, through the manager, others: none may go while one runs.
-    for (const auto& [category, op] : m_fileOperators) {
-        if (auto* const merging = dynamic_cast<AbstractFileOperator*>(op))
-            merging->waitForMerge();
-    }
+    forEachOwn([](AbstractFileOperator& op) { op.waitForMerge(); });
+    // What a merge did not write goes with the queue; those who wait for it hear of it.
+    for (const auto& stores : m_pendingStores)
+        stores->drop();
     for (auto& [category, op] : m_fileOperators) {
         delete op;
         op = nullptr;
@@ -817,6 +828,7 @@ void FileDataSeparateManager::deleteOperators() {
 void FileDataSeparateManager::discardOperators() {
     deleteOperators();
     m_operatorSet.clear();
+    m_pendingStores.clear();
 }
 
 // --- the factory files ---
@@ -844,7 +856,7 @@ bool FileDataSeparateManager::initCurrentFromManufactory() {
         DM_ERROR(" init current dataModule files from manufactory path [%s] failed.\n", m_manufactoryPath);
         return false;
     }
-    forgetUnwritten();
+    dropStores();
     DM_INFO(" init 'current' dataModule files from manufactory path [%s] successfully.\n", m_manufactoryPath);
     return true;
 }
@@ -887,9 +899,11 @@ bool FileDataSeparateManager::loadInParallel(int& dataSize) {
     for (const auto& [category, op] : m_fileOperators)
         operators.push_back(op);
 
+    const timespec deadline = deadlineIn(LoadBudget::MILLISECONDS);
     std::atomic<std::size_t> next{0};
     std::atomic<int> size{0};
     const auto loadNext = [&] {
+        const LoadBudget budget(deadline);
         const std::size_t index = next++;
         if (index >= operators.size())
             return false;
@@ -918,6 +932,7 @@ bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
         return true;
     }
     settleStores();
+    const LoadBudget budget(deadlineIn(LoadBudget::MILLISECONDS));
     int loaded = 0;
     int failed = 0;
     for (const auto& [category, op] : m_fileOperators) {
@@ -967,6 +982,7 @@ bool FileDataSeparateManager::resumeFileSources() {
         if (!result)
             DM_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
     }
+    const LoadBudget budget(deadlineIn(LoadBudget::MILLISECONDS));
     // The walk does nothing to a file: what a suspend image had closed is loaded again here.
     for (const auto& [category, op] : m_fileOperators) {
         auto* const released = dynamic_cast<AbstractFileOperator*>(op);
@@ -1002,6 +1018,14 @@ bool FileDataSeparateManager::backupIfRequested(IFileOperator& op) {
     const bool result = op.backupFile(false);
     op.setBackupReq(false);
     return result;
+}
+
+template <typename Action>
+void FileDataSeparateManager::forEachOwn(Action action) {
+    for (const auto& [category, op] : m_fileOperators) {
+        if (auto* const own = dynamic_cast<AbstractFileOperator*>(op))
+            action(*own);
+    }
 }
 
 template <typename Action>
