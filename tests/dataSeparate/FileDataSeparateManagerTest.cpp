@@ -87,6 +87,16 @@ TEST_F(ManagerTest, TypesFollowTheRangesOfValues) {
     EXPECT_FALSE(m_manager.belongTo(nullptr, VIDEO));
 }
 
+TEST_F(ManagerTest, ATelevisionsTypeIsOneLine) {
+    const std::pair<const char*, const char*> types[] = {
+        {"TV55", "TV55"}, {"TV\n55", "TV"}, {"\x1b[31m", ""}, {"sixteen letters!", "sixteen letters"}};
+    for (const auto& [given, kept] : types) {
+        EXPECT_TRUE(m_manager.setTvType(given));
+        EXPECT_STREQ(m_manager.getTvType(), kept);
+    }
+    EXPECT_FALSE(m_manager.setTvType(nullptr));
+}
+
 // --- registration ---
 
 TEST_F(ManagerTest, RegistersTheFullListForEveryOtherScope) {
@@ -515,6 +525,25 @@ TEST_F(FactoryTest, AFirstBootFillsBothDirectoriesFromTheFactory) {
     }
     EXPECT_FALSE(m_root.exists("/var/local/dataModule/current/stale.ini"));
     EXPECT_TRUE(m_log.contains(" init 'current' dataModule files from manufactory path ["));
+}
+
+TEST_F(FactoryTest, AResetComesAfterTheStoresBeforeIt) {
+    m_root.write(m_default + "one.ini", "factory one");
+    const std::string current = "/var/local/dataModule/current/one.ini";
+    m_root.write(current, "used one");
+    FakeOperator& op = m_manager->add(PICTURE_FACTORY_ASPECT);
+    ASSERT_TRUE(m_manager->init(DS_SCOPE_DVBMAIN));
+    std::string found;
+    op.on("syncSectionToFile", [&] {
+        for (int i = 0; i < 20000 && m_root.exists(current) && m_root.read(current) == "used one"; ++i)
+            std::this_thread::yield(); // gives a reset that does not wait every chance to be first
+        found = m_root.exists(current) ? m_root.read(current) : "";
+        return true;
+    });
+    ASSERT_EQ(m_manager->postEvent(new Event(&op, {})), 1);
+    EXPECT_TRUE(m_manager->initCurrentFromManufactory());
+    m_manager->stop();
+    EXPECT_EQ(found, "used one");
 }
 
 TEST_F(FactoryTest, NothingIsRemovedWithoutAFactoryDirectory) {

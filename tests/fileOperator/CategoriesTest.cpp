@@ -406,6 +406,11 @@ TEST_P(BulkCategories, RestoreReachesItsRecordsOnly) {
         posted.insert(record);
     }
     expectOutcome(kind, posted, inFile);
+    // One record is restored from the factory copy as before.
+    ASSERT_TRUE(storeValue(*m_operator, indices(m_given), m_field, 5));
+    EXPECT_TRUE(m_operator->restoreSetting(indices(m_given)));
+    copyRecord(m_factory, m_given, m_table, m_given);
+    expectRecords(*m_operator, {m_given}, m_table);
 }
 
 TEST_P(BulkCategories, RestoreFromCurrentTakesOneRecordFromTheFile) {

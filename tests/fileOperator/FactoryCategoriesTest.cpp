@@ -237,8 +237,10 @@ TEST_F(WhiteBalanceTest, ANewFileOfTheTableKeepsTheBinsThatAreNotInMemory) {
     setBin(1);
     load();
     ASSERT_TRUE(storeValue(m_op, first(1), "RGain", 5));
+    ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 6)) << "of another bin, and not written yet";
     ASSERT_TRUE(m_op.initFile(false));
-    EXPECT_TRUE(currentIs(withChecksum(withValue(m_calibrated, firstHeader(1), "RGain", 5))));
+    EXPECT_TRUE(currentIs(
+        withChecksum(withValue(withValue(m_calibrated, firstHeader(1), "RGain", 5), firstHeader(3), "GGain", 6))));
     EXPECT_EQ(valueOf(m_op, first(2), "RGain"), 0);
 }
 
@@ -260,16 +262,28 @@ TEST_F(WhiteBalanceTest, AStoreBetweenRefreshAndResetIsWrittenWholeEvenIfTheTabl
     ASSERT_TRUE(m_op.resetCurrentFileFromManufactoryFile());
     m_parent.deliver();
     EXPECT_EQ(valueOf(m_op, first(3), "RGain"), 103);
-    EXPECT_TRUE(currentIs(withChecksum(withValue(m_calibrated, "[30000]\n", "GGain", 7))));
+    const std::string stored = withChecksum(withValue(m_calibrated, "[30000]\n", "GGain", 7));
+    EXPECT_TRUE(currentIs(stored));
+
+    // Written already, and out of memory again, it is completed from the file.
+    ASSERT_TRUE(m_op.refreshDataFromManufactory());
+    ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 8));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    ASSERT_TRUE(m_op.releaseFile() && m_op.loadFile());
+    ASSERT_TRUE(m_op.resetCurrentFileFromManufactoryFile());
+    m_parent.deliver();
+    EXPECT_TRUE(currentIs(m_calibrated)) << "and all its fields are the factory's";
 }
 
 TEST_F(WhiteBalanceTest, ANewFileOfTheTableIsRefusedWhenTheOtherBinsCannotBeTrusted) {
     setBin(1);
     load();
-    const std::string damaged = replaced(m_calibrated, "= 0104", "= 0999");
-    m_root.write(Copy::Current, WB_FILE, damaged);
-    EXPECT_FALSE(m_op.initFile(false));
-    EXPECT_TRUE(currentIs(damaged));
+    for (const std::string& text :
+         {replaced(m_calibrated, "= 0104", "= 0999"), replaced(m_calibrated, "v0.3", "v0.2")}) {
+        m_root.write(Copy::Current, WB_FILE, text);
+        EXPECT_FALSE(m_op.initFile(false));
+        EXPECT_TRUE(currentIs(text));
+    }
 }
 
 TEST_F(WhiteBalanceTest, WithoutAnyCopyANewFileHoldsWhatIsInMemory) {

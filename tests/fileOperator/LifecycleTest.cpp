@@ -12,7 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include <poll.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -772,20 +775,48 @@ TEST_F(LifecycleTest, AFileThatMayNotBeWrittenIsRead) {
 
 TEST_F(LifecycleTest, WhatAnotherProcessMendedMeanwhileIsLoaded) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
-    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, "damaged");
-    FileLock other; // keeps the load from the place where it would recover the backup
-    ASSERT_TRUE(other.lock(paths::lockFile(PICTURE_GLOBAL_FILE), FileLock::Kind::Shared));
-    auto op = makeOperator();
-    bool loaded = false;
-    std::thread loader([&] { loaded = op->loadFile(); });
-    EXPECT_TRUE(m_log.waitFor("Summary section subject (damaged) is invalid.\n"));
     const std::string mended = withChecksum(withValue(m_text, "[Global]\n", FIELD, 7));
-    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, mended);
-    other.unlock();
-    loader.join();
-    EXPECT_TRUE(loaded);
-    EXPECT_EQ(valueOf(*op, {}, FIELD), 7);
-    EXPECT_EQ(current(), mended);
+    const std::pair<std::string, const char*> cases[] = {
+        {"damaged", "Summary section subject (damaged) is invalid.\n"},
+        {replaced(goodText(Copy::Current), "v0.4", "v0.3"),
+         "dataModule will load data as OTA Flow in [NORMAL_LOAD].\n"},
+    };
+    const std::string lockFile = paths::lockFile(PICTURE_GLOBAL_FILE);
+    for (const auto& [found, message] : cases) {
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, found);
+        FileLock other; // keeps the load from the place where it would recover the backup, or merge
+        ASSERT_TRUE(other.lock(lockFile, FileLock::Kind::Shared));
+        const int givenBack = inotify_init1(IN_CLOEXEC);
+        ASSERT_GE(inotify_add_watch(givenBack, lockFile.c_str(), IN_CLOSE_NOWRITE), 0);
+        auto op = makeOperator();
+        bool loaded = false;
+        std::thread loader([&] { loaded = op->loadFile(); });
+        pollfd waiting{givenBack, POLLIN, 0}; // until it wants its shared lock to be an exclusive one
+        EXPECT_EQ(poll(&waiting, 1, 60000), 1);
+        close(givenBack);
+        EXPECT_TRUE(m_log.contains(message));
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, mended);
+        other.unlock();
+        loader.join();
+        op->waitForMerge();
+        EXPECT_TRUE(loaded);
+        EXPECT_EQ(valueOf(*op, {}, FIELD), 7);
+        EXPECT_EQ(current(), mended);
+        EXPECT_EQ(backup(), goodText(Copy::Backup)) << "nothing is written";
+    }
+}
+
+TEST_F(LifecycleTest, ACopyThatCannotBeReadForAMomentIsTriedAgain) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    std::optional<NoMoreFiles> files(std::in_place, 1); // the lock's
+    DebugOutput::setSink([&](DebugOutput::Level, const char* line) {
+        if (std::string(line).find("open file [") != std::string::npos)
+            files.reset();
+    });
+    EXPECT_TRUE(op->loadFile());
+    EXPECT_FALSE(files);
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
 }
 
 TEST_F(LifecycleTest, AReleasedFileIsNotBackedUp) {
@@ -798,6 +829,14 @@ TEST_F(LifecycleTest, AReleasedFileIsNotBackedUp) {
     if (entered)
         op->leaveCriticalSection();
     EXPECT_EQ(op->getFileHandler(), nullptr);
+    // A resume ends it, however often the files were released.
+    op->releaseFile();
+    EXPECT_TRUE(op->loadIfReleased());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+    const bool enteredAgain = op->tryEnterCriticalSection();
+    EXPECT_TRUE(enteredAgain);
+    if (enteredAgain)
+        op->leaveCriticalSection();
 }
 
 TEST_F(LifecycleTest, RecoveringIsForTheOtherCopies) {
@@ -848,6 +887,21 @@ TEST_F(LifecycleTest, ResetTakesAFactoryCopyThatVerifies) {
     EXPECT_EQ(backup(), current());
 }
 
+TEST_F(LifecycleTest, CopiesToAllSourcesBetweenTheStepsOfAResetAreKept) {
+    ASSERT_TRUE(makeOperator<Mode>()->initFile(true));
+    std::string expected = current(PICTURE_MODE_FILE);
+    m_root.write(Copy::Factory, PICTURE_MODE_FILE, expected = withChecksum(withValue(expected, "[400]\n", "Hue", 9)));
+    auto op = makeOperator<Mode>();
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_TRUE(op->refreshDataFromManufactory());
+    EXPECT_TRUE(op->applySettingForAllSources({4, 0, 0}));
+    EXPECT_TRUE(op->resetCurrentFileFromManufactoryFile());
+    EXPECT_EQ(m_parent.deliver(), 15);
+    for (const char source : std::string("0123456789abcdef"))
+        expected = withValue(expected, std::string("[") + source + "00]\n", "Hue", 9);
+    EXPECT_TRUE(current(PICTURE_MODE_FILE) == withChecksum(expected));
+}
+
 TEST_F(LifecycleTest, RefreshReadsTheWholeTableAgain) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     auto op = makeOperator();
@@ -855,6 +909,13 @@ TEST_F(LifecycleTest, RefreshReadsTheWholeTableAgain) {
     EXPECT_TRUE(op->refreshDataFromManufactory());
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Factory));
     EXPECT_EQ(current(), goodText(Copy::Current));
+    EXPECT_TRUE(op->refreshDataFromCurrent());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
+
+    // Reading the factory copy begins no merge, whatever the current one is.
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
+    EXPECT_TRUE(op->refreshDataFromManufactory());
+    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, goodText(Copy::Current));
     EXPECT_TRUE(op->refreshDataFromCurrent());
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
 

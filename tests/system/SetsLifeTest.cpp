@@ -10,6 +10,7 @@
 #include <dataModule/common/Thread.h>
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 
 #include "LogCapture.h"
 #include "SettingsRoot.h"
@@ -149,6 +150,37 @@ TEST_F(SetsLifeTest, AFactoryResetIsCompleteAndLasting) {
     EXPECT_TRUE(SmallSet().initCurrentFromManufactory());
     set = SmallSet::boot();
     EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 0);
+
+    // A store that failed before does not come after it.
+    m_root.remove(Copy::Current, MODE_FILE);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 9}}));
+    EXPECT_FALSE(set->waitWritten());
+    EXPECT_TRUE(set->initCurrentFromManufactory());
+    set->retryFailedStores();
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, {0, 0, 0}, {{"Hue", 1}}));
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_TRUE(current(MODE_FILE) == withChecksum(withValue(factory, "[000]\n", "Hue", 1)));
+}
+
+/// Without a good factory copy to put in its place nothing of a category's goes, nor what a cut store has still to
+/// write.
+TEST_F(SetsLifeTest, AResetLeavesACategoryWithoutAFactoryCopyItsCutStore) {
+    firstBoot().reset();
+    const std::string before = current(MODE_FILE);
+    const std::string after = withChecksum(withValue(before, SECTION, "Hue", 5));
+    const std::size_t line = before.find("Hue", before.find(SECTION));
+    RedoRecord record;
+    record.contentPosition = static_cast<int>(contentAt(before));
+    record.crcPosition = static_cast<int>(lineAt(before, "CRC "));
+    record.crc = checksum(after.substr(contentAt(after)));
+    record.writes = {{static_cast<int>(line), after.substr(line, 32)}};
+    m_root.write(Copy::Current, std::string(MODE_FILE) + ".redo", redoText(record));
+    m_root.write(Copy::Current, MODE_FILE, withValue(before, SECTION, "Hue", 5)); // the checksum is to follow
+    m_root.write(Copy::Factory, MODE_FILE, "damaged");
+    m_root.remove(Copy::Backup, MODE_FILE);
+    EXPECT_TRUE(SmallSet().initCurrentFromManufactory());
+    EXPECT_EQ(valueIn(*SmallSet::boot(), PICTURE_MODE, STORED_DIMS, "Hue"), 5);
+    EXPECT_TRUE(current(MODE_FILE) == after);
 }
 
 } // namespace
