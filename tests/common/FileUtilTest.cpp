@@ -1,7 +1,6 @@
 #include <dataModule/common/FileUtil.h>
 
 #include <atomic>
-#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
@@ -97,19 +96,6 @@ TEST(FileUtilStream, WritesInPlaceAndReadsLines) {
     EXPECT_FALSE(file.setPos(-1));
     EXPECT_TRUE(file.closeFile());
     EXPECT_FALSE(file.isOpend());
-}
-
-TEST(FileUtilStream, KeepsTheOpenStream) {
-    const TemporaryDirectory directory;
-    const std::string first = directory.write("first", "one\n");
-    const std::string second = directory.write("second", "two\n");
-    FileUtil file;
-    EXPECT_FALSE(file.openFile(directory.file("missing").c_str(), "r"));
-    ASSERT_TRUE(file.openFile(first.c_str(), "r"));
-    EXPECT_TRUE(file.openFile(second.c_str(), "r"));
-    EXPECT_TRUE(file.createFile(second.c_str()));
-    EXPECT_EQ(nextLine(file), "one\n");
-    EXPECT_EQ(directory.read("second"), "two\n");
 }
 
 TEST(FileUtilStream, MeetsTheEndOnlyByReading) {
@@ -288,30 +274,6 @@ TEST(FileUtilPath, MovesAsideWhatStandsThereUnderAFreeName) {
     EXPECT_FALSE(FileUtil::moveAside(stray.c_str(), aside)) << "nothing is there any more";
 }
 
-TEST(FileUtilPath, AnswersNullWithTheFailureValue) {
-    char out[256] = "as was";
-    EXPECT_FALSE(FileUtil().createFile(nullptr));
-    EXPECT_FALSE(FileUtil().openFile(nullptr, "r"));
-    EXPECT_FALSE(FileUtil::checkPath(nullptr, true));
-    EXPECT_FALSE(FileUtil::checkFile(nullptr));
-    EXPECT_EQ(FileUtil::getFileSize(nullptr), -1);
-    EXPECT_FALSE(FileUtil::isFile(nullptr));
-    EXPECT_FALSE(FileUtil::isDir(nullptr));
-    EXPECT_FALSE(FileUtil::isSpecialDir(nullptr));
-    EXPECT_STREQ(FileUtil::getFilePath(nullptr, "name", out), "");
-    EXPECT_EQ(FileUtil::copySingleFile(nullptr, "/to"), -1);
-    EXPECT_EQ(FileUtil::copySingleFile("/etc/passwd", nullptr), -1);
-    EXPECT_FALSE(FileUtil::copyDirFile("/etc", nullptr));
-    EXPECT_EQ(FileUtil::removeDirFile(nullptr), -1);
-    EXPECT_EQ(FileUtil::removeSingleFile(nullptr), -1);
-    EXPECT_FALSE(FileUtil::backup("/etc/passwd", nullptr));
-    EXPECT_FALSE(FileUtil::recover("/etc/passwd", nullptr));
-    EXPECT_FALSE(FileUtil::replaceFile("/etc/passwd", nullptr));
-    EXPECT_FALSE(FileUtil::replaceFile(nullptr, "/to"));
-    EXPECT_FALSE(FileUtil::commitTemporary(nullptr, "/to"));
-    EXPECT_EQ(FileUtil::trim(nullptr), nullptr);
-}
-
 TEST(FileUtilPath, MakesOneDirectory) {
     const TemporaryDirectory directory;
     const std::string made = directory.file("made");
@@ -362,12 +324,6 @@ TEST(FileUtilPath, TrimsSpacesAndLineEnds) {
     EXPECT_EQ(trimmed("\ta \t"), "\ta \t");
     EXPECT_EQ(trimmed(" \r\n"), "");
     EXPECT_EQ(trimmed(""), "");
-}
-
-TEST(FileUtilPath, TellsTheTime) {
-    const std::string text = FileUtil::getCurrentTime();
-    ASSERT_EQ(text.size(), 25U);
-    EXPECT_EQ(text.back(), '\n');
 }
 
 TEST(FileUtilCopy, CopiesWholeFiles) {
@@ -523,23 +479,6 @@ TEST(FileUtilReplace, NeverWritesThroughALeftover) {
     EXPECT_FALSE(FileUtil::replaceFile(temporary.c_str(), to.c_str()));
     EXPECT_EQ(directory.read("to.tmp"), "a source");
     EXPECT_EQ(directory.read("to"), "new");
-}
-
-TEST(FileUtilReplace, ShowsOneWholeFileWhenSeveralReplaceAtOnce) {
-    const TemporaryDirectory directory;
-    const std::string to = directory.write("to", std::string(20000, '0'));
-    std::atomic<int> failures{0};
-    runTogether(4, [&](int index) {
-        const std::string name(1, static_cast<char>('a' + index));
-        const std::string from = directory.write(name, std::string(20000, name[0]));
-        for (int round = 0; round < 10; ++round) {
-            failures += FileUtil::replaceFile(from.c_str(), to.c_str()) ? 0 : 1;
-            const std::string seen = directory.read("to");
-            failures += seen == std::string(20000, seen.empty() ? '?' : seen[0]) ? 0 : 1;
-        }
-    });
-    EXPECT_EQ(failures, 0);
-    EXPECT_FALSE(directory.exists("to.tmp"));
 }
 
 TEST(FileUtilReplace, CommitsOrRemovesTheTemporary) {

@@ -74,6 +74,12 @@ TEST_F(RepairTest, GoodCopiesAreNeverTouched) {
     EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == old);
     EXPECT_TRUE(m_root.read(BACKUP + MODE_FILE) == other);
     EXPECT_TRUE(m_root.read(FACTORY + MODE_FILE) == m_good);
+    // A backup that is missing is the library's to make, unless a copy is named.
+    std::filesystem::remove(m_root.file(BACKUP + MODE_FILE));
+    EXPECT_THAT(repair({"--copy", "backup"}).output, HasSubstr("left alone"));
+    EXPECT_FALSE(m_root.exists(BACKUP + MODE_FILE));
+    EXPECT_EQ(repair({"--copy", "backup", "--from", "factory"}).code, 0);
+    EXPECT_TRUE(m_root.read(BACKUP + MODE_FILE) == m_good);
     EXPECT_FALSE(m_root.exists(DAMAGED));
 }
 
@@ -243,9 +249,12 @@ TEST_F(RepairTest, SalvageTellsForEverySectionWhatCameFromWhere) {
     EXPECT_EQ(repaired.substr(0, crc), expected.substr(0, crc));
     EXPECT_THAT(m_root.read(KEPT), HasSubstr(std::string(774, '\0')));
 
-    // And with everything gone there are the default values.
+    // And with everything gone there are the default values; what is no text is no type of a television.
     for (const std::string& directory : {CURRENT, BACKUP, FACTORY})
         m_root.write(directory + MODE_FILE, "nothing");
+    std::string head = m_good.substr(0, m_good.find("Version "));
+    head.replace(head.find("TVTYPE01"), 8, "TV\x1b[31m!");
+    m_root.write(BACKUP + MODE_FILE, head);
     const Result defaults = repair({"--salvage"});
     EXPECT_EQ(defaults.code, 0);
     EXPECT_THAT(defaults.output, AllOf(HasSubstr("1536 sections: 1536 from defaults"), HasSubstr("and 1516 more")));
