@@ -419,8 +419,9 @@ bool AbstractFileOperator::isThere(const char* path) {
     errno = 0;
     if (FileUtil::checkFile(path))
         return true;
-    if (errno != ENOENT && errno != ENOTDIR)
-        noteUnreadable(errno);
+    const int error = errno;
+    if (error != ENOENT && error != ENOTDIR && !FileUtil::isStray(path))
+        noteUnreadable(error);
     return false;
 }
 
@@ -433,14 +434,14 @@ bool AbstractFileOperator::isNoFile(const std::string& path) const {
 
 bool AbstractFileOperator::makeRoom(const std::string& path) {
     std::string aside;
-    if (!isNoFile(path))
+    if (!FileUtil::isStray(path.c_str()))
         return true;
     if (!FileUtil::moveAside(path.c_str(), aside)) {
-        DM_ERROR("[%s]: it cannot be moved out of the way (%s), so no file is made there.\n", categoryName(),
-                 std::strerror(errno));
+        DM_ERROR("[%s]: what stands at [%s] is no file and cannot be moved aside (%s), so none is made there.\n",
+                 categoryName(), path.c_str(), std::strerror(errno));
         return false;
     }
-    DM_WARNING("[%s]: it was moved out of the way and is [%s] now.\n", categoryName(), aside.c_str());
+    DM_WARNING("[%s]: what stood at [%s] is no file; it is [%s] now.\n", categoryName(), path.c_str(), aside.c_str());
     return true;
 }
 
@@ -1276,8 +1277,7 @@ bool AbstractFileOperator::recoverFile() {
         return false;
     }
     const std::string target = directory + m_fileName;
-    if (FileUtil::getFileSize(m_path) <= text::MAX_FILE_SIZE && makeRoom(target) &&
-        FileUtil::replaceFile(m_path, target.c_str())) {
+    if (hasReadableSize(m_path) && makeRoom(target) && FileUtil::replaceFile(m_path, target.c_str())) {
         m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
         DM_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
         return true;

@@ -85,11 +85,15 @@ bool contentChecksum(const char* path, int offset, unsigned int& crc) {
     return true;
 }
 
+bool hasReadableSize(const char* path) {
+    const int size = FileUtil::getFileSize(path);
+    return size >= 0 && size <= text::MAX_FILE_SIZE; // one beyond an int reads as -1
+}
+
 bool fileVerifies(const char* path, const char* version) {
     FileUtil file;
     Summary summary;
-    if (FileUtil::getFileSize(path) > text::MAX_FILE_SIZE || !file.openFile(path, "r") ||
-        readSummary(file, summary) != SummaryState::Complete)
+    if (!hasReadableSize(path) || !file.openFile(path, "r") || readSummary(file, summary) != SummaryState::Complete)
         return false;
     if (version != nullptr && std::strcmp(summary.version, version) != 0)
         return false;

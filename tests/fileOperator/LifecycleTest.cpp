@@ -414,13 +414,18 @@ TEST_F(LifecycleTest, AnOldBackupIsMergedWhenTheCurrentCopyCannotBe) {
         EXPECT_EQ(backup(), goodText(Copy::Backup));
     }
     // With neither of use the factory values are written in the new version.
-    m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(oldCurrent, "= 0x", "= 0xf"));
-    m_root.write(Copy::Backup, PICTURE_GLOBAL_FILE, replaced(oldBackup, "= 0x", "= 0xf"));
-    auto op = makeOperator();
-    ASSERT_TRUE(op->loadFile());
-    EXPECT_TRUE(m_log.contains("just ignore current file content !!! \n"));
-    op->waitForMerge();
-    EXPECT_EQ(current(), goodText(Copy::Factory));
+    const std::string path = SettingsRoot::path(Copy::Backup, PICTURE_GLOBAL_FILE);
+    for (const bool isLinkLoop : {false, true}) {
+        m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(oldCurrent, "= 0x", "= 0xf"));
+        m_root.write(Copy::Backup, PICTURE_GLOBAL_FILE, replaced(oldBackup, "= 0x", "= 0xf"));
+        if (isLinkLoop && std::filesystem::remove(path))
+            std::filesystem::create_symlink(path, path);
+        auto op = makeOperator();
+        ASSERT_TRUE(op->loadFile());
+        EXPECT_TRUE(m_log.contains("just ignore current file content !!! \n"));
+        op->waitForMerge();
+        EXPECT_EQ(current(), goodText(Copy::Factory));
+    }
 }
 
 TEST_F(LifecycleTest, WhatWasReadOfABackupThatCannotBeMergedIsForgotten) {
