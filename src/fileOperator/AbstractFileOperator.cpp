@@ -11,6 +11,7 @@
 #include <dataModule/common/EventIdGenerator.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
+#include <dataModule/fileOperator/CategoryLayout.h>
 
 namespace td {
 
@@ -52,10 +53,12 @@ void AbstractFileOperator::setParent(IDataSeparateManagerInner* parent) {
 
 void AbstractFileOperator::setFileName(const char* name) {
     // The name is put behind the directories and must not lead out of them.
-    if (name != nullptr && std::strchr(name, '/') != nullptr) {
-        DM_WARNING("file name [%s] is refused, for it is a path.\n", name);
+    if (name == nullptr || std::strchr(name, '/') != nullptr) {
+        DM_WARNING("file name [%s] is refused, for it is %s.\n", textOrEmpty(name),
+                   name == nullptr ? "none" : "a path");
         return;
     }
+    SectionLock lock(m_criticalSection);
     copyBounded(name, m_fileName, sizeof m_fileName);
 }
 
@@ -150,7 +153,7 @@ void AbstractFileOperator::setDebugLog(int on) {
 }
 
 const char* AbstractFileOperator::categoryName() const {
-    return m_parent != nullptr ? m_parent->getCategory_Str(m_category) : "";
+    return m_parent != nullptr ? m_parent->getCategory_Str(m_category) : td::categoryName(m_category);
 }
 
 void AbstractFileOperator::logWhere() const {
@@ -193,6 +196,7 @@ bool AbstractFileOperator::loadData(const std::vector<int>&, std::vector<_Argume
     if (m_loaded)
         return true;
     DM_WARNING("couldn't load data , for loading data from file [%s] not completed or failed.\n", m_path.load());
+    logWhere();
     return false;
 }
 
@@ -365,7 +369,10 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
     closeFile();
     setPath(path);
     DM_INFO("current load mode is: [%s] and ready to load data file is: [%s] ...\n", getLoadMode(mode), path.c_str());
-    return openForSummary(mode) && verifySummary(&mode, fatal);
+    if (openForSummary(mode))
+        return verifySummary(&mode, fatal);
+    logWhere();
+    return false;
 }
 
 bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
@@ -421,11 +428,13 @@ bool AbstractFileOperator::loadSummary(const char* path) {
     m_readError = 0;
     if (!isThere(path)) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", path);
+        logWhere();
         return false;
     }
     if (!openFile(path, "r")) {
         noteUnreadable(errno);
         DM_WARNING("open file [%s] failed.\n", path);
+        logWhere();
         return false;
     }
     bool fatal = false;
@@ -627,6 +636,7 @@ bool AbstractFileOperator::loadFile() {
             return loadFromFiles();
     }
     DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
+    logWhere();
     return false;
 }
 
@@ -699,6 +709,7 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         mode = stateChanged(mode);
         if (mode == INVALID_LOAD) {
             DM_ERROR("load file [%s] failed.\n", m_path.load());
+            logWhere();
             return false;
         }
     }
@@ -710,6 +721,7 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
     if (switchToNormal())
         return true;
     DM_WARNING("switch to normal load failed.\n");
+    logWhere();
     return false;
 }
 
@@ -717,6 +729,7 @@ bool AbstractFileOperator::staysUnread() const {
     if (m_readError == 0 || m_readError == EIO)
         return false;
     DM_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(), std::strerror(m_readError));
+    logWhere();
     return true;
 }
 
@@ -747,8 +760,10 @@ AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mod
     closeFile();
     if (recoverFile())
         return Reading::Done;
-    if (mode == MANUFACTORY_LOAD)
+    if (mode == MANUFACTORY_LOAD) {
         DM_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_path.load());
+        logWhere();
+    }
     return Reading::Failed;
 }
 
@@ -759,6 +774,7 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
     DM_INFO("1. load contents from file [%s] ...\n", m_path.load());
     if (!loadContents()) {
         DM_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        logWhere();
         return Reading::Failed;
     }
     closeFile();
@@ -772,6 +788,7 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
         if (staysUnread())
             return Reading::Failed;
         DM_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
+        logWhere();
         if (!mergeBackup() && !(m_readError != 0 && mergeBackup())) {
             if (staysUnread() || !readFactoryTable())
                 return Reading::Failed;
@@ -789,12 +806,14 @@ bool AbstractFileOperator::loadCurrentFile() {
     m_versionCheck = false;
     if (!switchToNormal()) {
         DM_WARNING("switch to normal failed when load OTA data.\n");
+        logWhere();
         return false;
     }
     // A copy that ends before its checksum has not been verified and has nothing to merge.
     if (m_crcLineLength == 0 || !loadContents_OTA()) {
         noteIfUnreadable();
         DM_WARNING("load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        logWhere();
         closeFile();
         return false;
     }
@@ -835,6 +854,7 @@ void AbstractFileOperator::startMergeThread() {
     } else {
         m_criticalSection.keepFiles(false);
         DM_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
+        logWhere();
         writeMerged();
     }
     DM_INFO("#################### load OTA data flow end. ###################.\n");
@@ -853,6 +873,7 @@ void AbstractFileOperator::writeMerged() {
         createFileProc(this);
     } catch (...) {
         DM_ERROR("create file (%s) failed when load OTA data.\n", m_path.load());
+        logWhere();
         m_mergeUnwritten = true;
         m_versionCheck = true;
         m_otaLoading = false;
@@ -879,6 +900,7 @@ bool AbstractFileOperator::createFile() {
         // The current copy is still of the other version: read again, it has to be merged again.
         m_versionCheck = true;
         DM_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
+        logWhere();
         return false;
     }
     DM_INFO("#################### load OTA data flow end. ###################.\n");
@@ -894,6 +916,7 @@ bool AbstractFileOperator::mergedByOther() {
 }
 
 void AbstractFileOperator::waitForMerge() {
+    const NoCancel noCancel;
     OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
     {
         SectionLock lock(m_criticalSection);
@@ -913,8 +936,10 @@ bool AbstractFileOperator::switchToNormal() {
     const bool loaded = loadSummary(NORMAL_LOAD, fatal);
     // Only a load may begin a merge: nobody would write the file here and end it.
     m_otaLoading = merging;
-    if (!loaded)
+    if (!loaded) {
         DM_WARNING("Load summary from current file [%s] failed.\n", m_path.load());
+        logWhere();
+    }
     return loaded;
 }
 
@@ -923,8 +948,10 @@ bool AbstractFileOperator::switchToManufactory() {
     m_loadMode = MANUFACTORY_LOAD;
     bool fatal = false;
     const bool loaded = loadSummary(MANUFACTORY_LOAD, fatal);
-    if (!loaded)
+    if (!loaded) {
         DM_WARNING("Load summary from manufactory file [%s] failed.\n", m_path.load());
+        logWhere();
+    }
     return loaded;
 }
 
@@ -935,10 +962,13 @@ bool AbstractFileOperator::loadFile(const char* path) {
     bool loaded = loadSummary(path);
     if (!loaded) {
         DM_WARNING("load summary failed from file [%s].\n", textOrEmpty(path));
+        logWhere();
     } else {
         loaded = loadContents();
-        if (!loaded)
+        if (!loaded) {
             DM_WARNING("load contents failed from file [%s].\n", path);
+            logWhere();
+        }
     }
     closeFile();
     setPath(before);
@@ -955,6 +985,7 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
         tableRefreshed();
     } else {
         DM_WARNING("Load file from manufactory failed.\n");
+        logWhere();
     }
     switchToNormal();
     closeIfReleased();
@@ -969,8 +1000,10 @@ bool AbstractFileOperator::refreshDataFromCurrent() {
     });
     if (loaded)
         DM_INFO("Load file from manufactory successfully.\n");
-    else
+    else {
         DM_WARNING("Load file from manufactory failed.\n");
+        logWhere();
+    }
     closeIfReleased();
     return loaded;
 }
@@ -1021,16 +1054,19 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     DM_INFO("init file [%s] ...\n", path.c_str());
     if (!FileUtil::checkPath(directory.c_str(), true)) {
         DM_WARNING("init failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        logWhere();
         return false;
     }
     if (defaults && FileUtil::checkFile(path.c_str())) {
         DM_WARNING("init failed -- file [%s] exist.\n", path.c_str());
+        logWhere();
         return false;
     }
     const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
     FileUtil::makeWay(temporary.c_str());
     if (!openFile(temporary, "w+x")) {
         DM_WARNING("create file [%s] failed.\n", path.c_str());
+        logWhere();
         return false;
     }
     TimeUtil::instance()->start();
@@ -1039,6 +1075,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     written = written && FileUtil::commitTemporary(temporary.c_str(), path.c_str());
     DM_INFO("init file [%s] completely, elpased time = %d (ms).\n", path.c_str(), elapsedMilliseconds());
     if (!written) {
+        logWhere();
         FileUtil::removeSingleFile(temporary.c_str());
         return false;
     }
@@ -1074,14 +1111,17 @@ bool AbstractFileOperator::writeWholeText(bool defaults) {
     forgetLengths();
     if (!buildComments()) {
         DM_WARNING("write file comments to file [%s] failed.\n", m_path.load());
+        logWhere();
         return false;
     }
     if (!buildSummary(true)) {
         DM_WARNING("write file summary to file [%s] failed.\n", m_path.load());
+        logWhere();
         return false;
     }
     if (!buildContents(defaults)) {
         DM_WARNING("write file contents to file [%s] failed.\n", m_path.load());
+        logWhere();
         return false;
     }
     return updateSummary() && m_file.syncFile();
@@ -1094,6 +1134,7 @@ bool AbstractFileOperator::recoverFile() {
     }
     if (m_loadMode != BACKUP_LOAD && m_loadMode != MANUFACTORY_LOAD) {
         DM_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(m_loadMode));
+        logWhere();
         return false;
     }
     takeFiles();
@@ -1101,6 +1142,7 @@ bool AbstractFileOperator::recoverFile() {
     const std::string directory = getWorkPath(NORMAL_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
         DM_WARNING("recover failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        logWhere();
         return false;
     }
     const std::string target = directory + m_fileName;
@@ -1110,18 +1152,21 @@ bool AbstractFileOperator::recoverFile() {
         return true;
     }
     DM_WARNING("recover file [%s] from file [%s] failed.\n", target.c_str(), m_path.load());
+    logWhere();
     return false;
 }
 
 bool AbstractFileOperator::backupFile(bool alsoFactory) {
     if (m_loadMode != NORMAL_LOAD) {
         DM_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(m_loadMode));
+        logWhere();
         return false;
     }
     takeFiles();
     const std::string directory = getWorkPath(BACKUP_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
         DM_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        logWhere();
         return false;
     }
     const std::string backup = directory + m_fileName;
@@ -1138,19 +1183,22 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
     // Invariant 1: only a current copy that verifies goes over the backup.
     if (!fileVerifies(current.c_str(), nullptr) || !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
         DM_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
+        logWhere();
         return true;
     }
     m_backupOutdated = false;
     if (enableDebugLog() != 0)
-        DM_INFO("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
+        DM_DETAIL("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
     if (!alsoFactory)
         return true;
     const std::string factory = getWorkPath(MANUFACTORY_LOAD) + m_fileName;
     if (FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
         FileUtil::replaceFile(current.c_str(), factory.c_str()))
         DM_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
-    else
+    else {
         DM_WARNING("create file [%s] from file [%s] failed.\n", factory.c_str(), current.c_str());
+        logWhere();
+    }
     return true;
 }
 
@@ -1168,6 +1216,8 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
         m_backupOutdated = true;
         setBackupReq(true);
         postChangesSinceRefresh();
+    } else {
+        logWhere();
     }
     DM_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
     return true;
@@ -1200,6 +1250,7 @@ bool AbstractFileOperator::removeCopy(const std::string& path) {
     if (FileUtil::removeSingleFile(path.c_str()) == 0)
         return true;
     DM_WARNING("remove file [%s] failed.\n", path.c_str());
+    logWhere();
     return false;
 }
 
@@ -1220,6 +1271,7 @@ AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
     if (id == nullptr || !m_file.isOpend() || !m_file.resetStartPos()) {
         DM_WARNING("reset file [%s] pointer to start pos failed when searchSection(%s).\n", m_path.load(),
                    textOrEmpty(id));
+        logWhere();
         return Found::Failed;
     }
     m_commentText.clear();
@@ -1234,7 +1286,7 @@ AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
         if (std::strcmp(line, id) == 0)
             return Found::Yes;
         if (enableDebugLog() != 0)
-            DM_DEBUG("[READ LINE]: %s", line);
+            DM_DETAIL("[READ LINE]: %s", line);
     }
     return m_file.reachEnd() ? Found::EndOfFile : Found::Failed;
 }
@@ -1251,18 +1303,22 @@ bool AbstractFileOperator::updateSummary() {
         m_summaryLength != text::SUMMARY_LENGTH) {
         DM_WARNING("Update summay info for file [%s] failed because of finding section ID [%s] failed.\n",
                    m_path.load(), text::SUMMARY_HEADER);
+        logWhere();
         return false;
     }
     unsigned int crc = 0;
     if (!contentChecksum(crc)) {
         DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        logWhere();
         return false;
     }
     m_crc = crc;
     const int linesPosition = static_cast<int>(m_commentText.size() + std::strlen(text::SUMMARY_HEADER));
     const bool written = m_file.setPos(linesPosition) && buildSummary(false);
-    if (!written)
+    if (!written) {
         DM_WARNING("Update summay info for file [%s] failed because writting.\n", m_path.load());
+        logWhere();
+    }
     if (!m_creating) {
         m_backupOutdated = true;
         closeFile();
@@ -1275,8 +1331,10 @@ bool AbstractFileOperator::updateCrcCode() {
         return true;
     takeFiles();
     const bool opened = openCurrent();
-    if (!opened)
+    if (!opened) {
         DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+        logWhere();
+    }
     const bool updated = opened && rewriteChecksumLine();
     // A record whose end failed stays, for the next time that the files are taken.
     if (std::exchange(m_redoStored, false) && updated)
@@ -1332,10 +1390,12 @@ bool AbstractFileOperator::rewriteChecksumLine() {
     unsigned int crc = m_redo.crc;
     if (!m_redoStored && !contentChecksum(crc)) {
         DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        logWhere();
         return false;
     }
     if (m_crcLineLength != text::CRC_LINE_LENGTH || !m_file.setPos(m_crcPosition)) {
         DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+        logWhere();
         return false;
     }
     const DeferredSync deferred(m_file, true);
@@ -1407,6 +1467,7 @@ bool rewriteCrcOf(FileUtil& file, const char* path) {
 } // namespace
 
 bool AbstractFileOperator::generateCRC32(const char* path) {
+    const NoCancel noCancel;
     if (path == nullptr || !FileUtil::checkFile(path)) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
         return false;

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <string>
 
+#include <pthread.h>
 #include <sched.h>
 
 #include <dataModule/common/FileLock.h>
@@ -22,20 +23,28 @@ class TD_CAPABILITY("mutex") CriticalSection {
 public:
     void lock() TD_ACQUIRE() {
         lockOrder::willWait(LockRank::Section);
-        if (m_mutex.tryLock())
-            return;
-        ++m_waiting;
-        m_mutex.lock();
-        --m_waiting;
+        if (!m_mutex.tryLock()) {
+            ++m_waiting;
+            m_mutex.lock();
+            --m_waiting;
+        }
+        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
     }
     void unlock() TD_RELEASE() {
+        const int cancelState = m_cancelState;
         if (!m_kept) {
             m_files.unlock();
             m_claim = Claim::None;
         }
         m_mutex.unlock();
+        pthread_setcancelstate(cancelState, nullptr);
     }
-    bool tryLock() TD_TRY_ACQUIRE(true) { return m_mutex.tryLock(); }
+    bool tryLock() TD_TRY_ACQUIRE(true) {
+        if (!m_mutex.tryLock())
+            return false;
+        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
+        return true;
+    }
     /// For a thread that left the section and is about to enter it again: lets those enter first that wait for it.
     /// Awake, it would overtake them time and again.
     void giveWay() const TD_EXCLUDES(this) {
@@ -87,6 +96,7 @@ private:
     std::atomic<int> m_waiting{0};
     Mutex m_mutex{LockRank::Section};
     // These belong to whoever holds the mutex.
+    int m_cancelState = PTHREAD_CANCEL_ENABLE; ///< of the thread, before it entered; inside it is not cancelled
     FileLock m_files;
     Claim m_claim = Claim::None;
     bool m_kept = false;
