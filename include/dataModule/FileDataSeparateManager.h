@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <vector>
 
 #include <dataModule/IDataSeparateManager.h>
 #include <dataModule/IDataSeparateManagerInner.h>
@@ -19,6 +20,7 @@ namespace td {
 
 class FileLock;
 class Mutex;
+class PendingStores;
 class Thread;
 struct _ThreadStaticInfo_t;
 
@@ -82,6 +84,7 @@ public:
     int getReservedValue() override;
     bool backupData() override;
     int postEvent(Event* event) override;
+    void retryFailedStores() override;
 
     /// Takes the factory directory from key "Path" of "[ModuleData]" of the model index file; without it, or with a
     /// value that is empty, leads upwards ("..") or leaves a file name no room within 256 bytes, the path stays as it
@@ -113,7 +116,9 @@ public:
     /// before. For programs on a bench, which must not take the posts that a television's processes wait for.
     static void setListening(bool listen);
 
-    /// Waits, at most `milliseconds`, until every store queued so far has been handled. Whether that came true.
+    /// Waits, at most `milliseconds`, until every store made so far is on the disk. Whether that came true: false when
+    /// one of them failed or was dropped by another call, at once when nothing else is left to wait for. What was
+    /// dropped before the call is not waited for.
     bool waitStored(int milliseconds);
     /// What the worker has done so far.
     void getWorkerStatistics(_ThreadStaticInfo_t& info);
@@ -154,8 +159,11 @@ private:
     bool loadInParallel(int& dataSize);
     /// Lets what was queued until now reach the files, so that no load reads older ones.
     void settleStores();
-    void forgetUnwritten();
+    void dropStores();
     bool backupIfRequested(IFileOperator& op);
+    /// Walks the operators that are the library's, or derived from its base.
+    template <typename Action>
+    void forEachOwn(Action action);
     /// Walks the set; nothing after stop().
     template <typename Action>
     void forEachInSet(Action action);
@@ -168,7 +176,8 @@ private:
     std::unique_ptr<TvType> m_tvType;
     std::atomic<bool> m_reservedFlag{false};
     std::unique_ptr<Thread> m_worker;
-    std::unique_ptr<FileLock> m_processesLock; ///< held from init() to stop(), for tools to see
+    std::vector<std::shared_ptr<PendingStores>> m_pendingStores; ///< the operators'; not changed between init and end
+    std::unique_ptr<FileLock> m_processesLock;                   ///< held from init() to stop(), for tools to see
     std::atomic<bool> m_inited{false};
     std::unique_ptr<Mutex> m_loadingMutex; ///< a load of all files is not reset in its middle
     std::atomic<bool> m_allLoaded{false};

@@ -22,6 +22,9 @@ public:
     virtual int postEvent(Event* event) = 0;
     /// Whether files may be written.
     virtual bool getStoreFileFlag() = 0;
+    /// Tries again what was stored and could not be written. Called by the worker, also when it is never idle; never
+    /// waits for an operator or another process.
+    virtual void retryFailedStores() {}
 
 protected:
     ~IDataSeparateManagerInner() = default;

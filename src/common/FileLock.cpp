@@ -1,5 +1,6 @@
 #include <dataModule/common/FileLock.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -7,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Fork.h>
 #include <dataModule/common/LockOrder.h>
@@ -42,6 +44,32 @@ bool isAt(const std::string& path, int descriptor) {
            open.st_ino == named.st_ino;
 }
 
+bool hasEnded(const FileLock::Patience& patience) {
+    return (patience.abandoned != nullptr && *patience.abandoned) ||
+           (patience.deadline.has_value() && hasPassed(*patience.deadline));
+}
+
+/// Asks again and again, first after a little while: a lock is mostly held for no longer than a write takes.
+int lockWithPatience(int descriptor, int operation, const FileLock::Patience& patience) {
+    constexpr long FIRST_PAUSE = 50000; // nanoseconds
+    constexpr long LONGEST_PAUSE = 5000000;
+    timespec pause{0, FIRST_PAUSE};
+    int result = flock(descriptor, operation | LOCK_NB);
+    while (result != 0 && errno == EWOULDBLOCK && !hasEnded(patience)) {
+        nanosleep(&pause, nullptr);
+        pause.tv_nsec = std::min(pause.tv_nsec + pause.tv_nsec / 4, LONGEST_PAUSE);
+        result = flock(descriptor, operation | LOCK_NB);
+    }
+    return result;
+}
+
+int waitForLock(int descriptor, int operation) {
+    int result = flock(descriptor, operation);
+    while (result != 0 && errno == EINTR)
+        result = flock(descriptor, operation);
+    return result;
+}
+
 bool isForNow(int error) {
     return error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOLCK || error == EIO;
 }
@@ -57,29 +85,33 @@ bool FileLock::isHeld() const {
 }
 
 bool FileLock::lock(const std::string& path, Kind kind) {
-    return take(path, kind, true) == Attempt::Locked;
+    return take(path, kind, true, nullptr) == Attempt::Locked;
+}
+
+FileLock::Attempt FileLock::lock(const std::string& path, Kind kind, const Patience& patience) {
+    return take(path, kind, true, &patience);
 }
 
 FileLock::Attempt FileLock::tryLock(const std::string& path, Kind kind) {
-    return take(path, kind, false);
+    return take(path, kind, false, nullptr);
 }
 
-FileLock::Attempt FileLock::take(const std::string& path, Kind kind, bool wait) {
+FileLock::Attempt FileLock::take(const std::string& path, Kind kind, bool wait, const Patience* patience) {
     constexpr int ATTEMPTS = 100;
     unlock();
     m_failedForNow = false;
     if (wait)
         lockOrder::willWait(LockRank::Files);
-    const int operation = (kind == Kind::Exclusive ? LOCK_EX : LOCK_SH) | (wait ? 0 : LOCK_NB);
+    const int operation = kind == Kind::Exclusive ? LOCK_EX : LOCK_SH;
     for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
         const int descriptor = openLockFile(path);
         if (descriptor < 0) {
             m_failedForNow = isForNow(errno);
             return Attempt::NotAvailable;
         }
-        int result = flock(descriptor, operation);
-        while (result != 0 && errno == EINTR)
-            result = flock(descriptor, operation);
+        const int result = !wait                 ? flock(descriptor, operation | LOCK_NB)
+                           : patience != nullptr ? lockWithPatience(descriptor, operation, *patience)
+                                                 : waitForLock(descriptor, operation);
         const bool busy = result != 0 && errno == EWOULDBLOCK;
         m_failedForNow = result != 0 && isForNow(errno);
         if (result == 0 && isAt(path, descriptor)) {

@@ -5,6 +5,9 @@
 /// An object belongs to one thread at a time. Locks of two objects exclude each other, in one process too.
 #pragma once
 
+#include <atomic>
+#include <ctime>
+#include <optional>
 #include <string>
 
 #include <dataModule/Export.h>
@@ -15,6 +18,11 @@ class DATAMODULE_API FileLock {
 public:
     enum class Kind { Shared, Exclusive };
     enum class Attempt { Locked, Busy, NotAvailable };
+    /// When a wait for a lock is given up, as its holder may be stopped and never give it back.
+    struct Patience {
+        std::optional<timespec> deadline;             ///< on the monotonic clock
+        const std::atomic<bool>* abandoned = nullptr; ///< set by somebody who cannot wait for the one that waits
+    };
 
     FileLock() = default;
     ~FileLock();
@@ -25,6 +33,8 @@ public:
     /// back what the object held before. False, holding nothing, when there is no lock file to be had (a directory that
     /// cannot be written to, no descriptor left): then there is nobody to be kept apart, or no way to.
     bool lock(const std::string& path, Kind kind);
+    /// The same; Busy when it was given up.
+    Attempt lock(const std::string& path, Kind kind, const Patience& patience);
     /// The same without waiting.
     Attempt tryLock(const std::string& path, Kind kind);
     /// Gives the lock back, if one is held.
@@ -37,7 +47,8 @@ public:
     Kind kind() const { return m_kind; }
 
 private:
-    Attempt take(const std::string& path, Kind kind, bool wait);
+    /// Waits without end when there is no patience given.
+    Attempt take(const std::string& path, Kind kind, bool wait, const Patience* patience);
 
     int m_descriptor = -1;
     unsigned int m_generation = 0; ///< of forks, when it was locked

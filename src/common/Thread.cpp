@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include <dataModule/common/Deadline.h>
 #include <dataModule/common/Event.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/IDataSeparateManagerInner.h>
@@ -16,22 +17,6 @@ namespace {
 
 /// The worker that the calling thread is, if any.
 thread_local const Thread* t_current = nullptr;
-
-timespec deadlineIn(std::int64_t milliseconds) {
-    constexpr std::int64_t MILLISECONDS = 1000;
-    constexpr long NANOSECONDS_PER_MILLISECOND = 1000000;
-    constexpr long NANOSECONDS = 1000000000;
-
-    timespec deadline{};
-    clock_gettime(CLOCK_MONOTONIC, &deadline);
-    deadline.tv_sec += static_cast<time_t>(milliseconds / MILLISECONDS);
-    deadline.tv_nsec += static_cast<long>(milliseconds % MILLISECONDS) * NANOSECONDS_PER_MILLISECOND;
-    if (deadline.tv_nsec >= NANOSECONDS) {
-        deadline.tv_nsec -= NANOSECONDS;
-        ++deadline.tv_sec;
-    }
-    return deadline;
-}
 
 timespec idleDeadline(int seconds) {
     return deadlineIn(std::int64_t{seconds} * 1000);
@@ -106,13 +91,25 @@ bool Thread::post(Event* event) {
 }
 
 void Thread::run() {
-    Event* next = nullptr;
-    while (!isExit() && takeNext(next)) {
+    timespec nextTry = idleDeadline(m_idleSeconds);
+    while (!isExit()) {
+        Event* next = nullptr;
+        const Work work = waitForWork(next);
+        if (work == Work::End)
+            return;
         std::unique_ptr<Event> event(next);
         if (event)
             handleEvent(*event);
         event.reset();
-        noteHandled();
+        if (work == Work::Event)
+            noteHandled();
+        // On a worker that is never idle as well.
+        if (work == Work::Idle || hasPassed(nextTry)) {
+            askToTryAgain();
+            nextTry = idleDeadline(m_idleSeconds);
+        }
+        if (work == Work::Idle)
+            askForBackup();
     }
 }
 
@@ -131,8 +128,12 @@ void Thread::setOwner(IDataSeparateManagerInner* owner) {
     m_owner = owner;
 }
 
+bool Thread::isCurrent() const {
+    return t_current == this;
+}
+
 bool Thread::waitHandled(int milliseconds) {
-    if (!m_running || t_current == this)
+    if (!m_running || isCurrent())
         return true;
     const timespec deadline = deadlineIn(milliseconds > 0 ? milliseconds : 0);
     const MutexLock lock(m_queueMutex);
@@ -151,34 +152,45 @@ void* Thread::mainProc(void* self) {
     return nullptr;
 }
 
-bool Thread::takeNext(Event*& event) {
+Thread::Work Thread::waitForWork(Event*& event) {
     const MutexLock lock(m_queueMutex);
-    timespec deadline = idleDeadline(m_idleSeconds);
+    const timespec deadline = idleDeadline(m_idleSeconds);
     while (m_queue.empty()) {
         if (isExit())
-            return false;
+            return Work::End;
         const int result = m_queueCondition.waitUntil(m_queueMutex, deadline);
         if (isExit())
-            return false;
-        if (result != ETIMEDOUT || !m_queue.empty())
-            continue;
-        askForBackup();
-        m_queuedCount = 0;
-        deadline = idleDeadline(m_idleSeconds);
+            return Work::End;
+        if (result == ETIMEDOUT && m_queue.empty())
+            return Work::Idle;
     }
     event = m_queue.front();
     m_queue.pop_front();
     m_queuedCount = static_cast<std::uint32_t>(m_queue.size());
-    return true;
+    return Work::Event;
 }
 
 void Thread::askForBackup() {
+    const MutexLock lock(m_queueMutex);
+    if (!m_queue.empty() || isExit())
+        return;
+    m_queuedCount = 0;
     if (m_owner == nullptr)
         return;
     try {
         m_owner->backupData();
     } catch (...) {
         DM_ERROR("backup of [%s] ended by an exception\n", m_name);
+    }
+}
+
+void Thread::askToTryAgain() {
+    if (m_owner == nullptr)
+        return;
+    try {
+        m_owner->retryFailedStores();
+    } catch (...) {
+        DM_ERROR("retry of [%s] ended by an exception\n", m_name);
     }
 }
 

@@ -1,5 +1,6 @@
-/// The worker: handles posted events one by one, in the order of posting, on one thread, and asks its owner for backups
-/// whenever the queue has stayed empty for 10 s.
+/// The worker: handles posted events one by one, in the order of posting, on one thread. Its owner is asked for backups
+/// whenever the queue has stayed empty for 10 s, and about as often, busy or not, to try again what could not be
+/// written.
 #pragma once
 
 #include <atomic>
@@ -25,7 +26,7 @@ struct _ThreadStaticInfo_t {
 
 class DATAMODULE_API Thread {
 public:
-    /// Seconds without events after which the owner is asked for backups.
+    /// Seconds without events after which the owner is asked for backups, and between two tries of failed writes.
     static constexpr int IDLE_SECONDS = 10;
 
     /// Nothing runs yet. At most 31 characters of the name are kept.
@@ -53,16 +54,22 @@ public:
     void getStaticsInfo(_ThreadStaticInfo_t& info) TD_EXCLUDES(m_statisticsMutex);
     /// Who is asked for backups; set before start().
     void setOwner(IDataSeparateManagerInner* owner);
-    /// Waits, at most `milliseconds`, until every event queued on entry has been handled or dropped; false when the
-    /// time ran out. True at once when no thread runs and on the worker's own thread. Hold no operator's critical
-    /// section.
+    /// Waits, at most `milliseconds`, until every event queued on entry has been handled or dropped, whatever became of
+    /// it; false when the time ran out. True at once when no thread runs and on the worker's own thread. Hold no
+    /// operator's critical section.
     bool waitHandled(int milliseconds) TD_EXCLUDES(m_queueMutex);
+
+    /// Whether the calling thread is this worker.
+    bool isCurrent() const;
 
 private:
     static void* mainProc(void* self);
-    /// Waits for the next event, which may be null. False when the thread is to end.
-    bool takeNext(Event*& event) TD_EXCLUDES(m_queueMutex);
-    void askForBackup() TD_REQUIRES(m_queueMutex);
+    enum class Work { Event, Idle, End };
+    /// Waits for the next event, which may be null, or until there has been none for long.
+    Work waitForWork(Event*& event) TD_EXCLUDES(m_queueMutex);
+    /// Unless there is something to do again.
+    void askForBackup() TD_EXCLUDES(m_queueMutex);
+    void askToTryAgain();
     void handleEvent(Event& event) TD_EXCLUDES(m_statisticsMutex);
     void noteHandled() TD_EXCLUDES(m_queueMutex);
     void dropQueue() TD_EXCLUDES(m_queueMutex);

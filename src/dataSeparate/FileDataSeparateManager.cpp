@@ -25,6 +25,7 @@
 #include <boost/asio/thread_pool.hpp>
 
 #include <dataModule/common/CRC32Util.h>
+#include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Fork.h>
@@ -34,7 +35,9 @@
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/common/Thread.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/LoadBudget.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/fileOperator/PendingStores.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/platform/ConfigReader.h>
@@ -561,16 +564,16 @@ bool FileDataSeparateManager::setStoreFileFlag(bool allowed) {
         return false;
     m_storeFileFlag = allowed;
     if (!allowed)
-        forgetUnwritten();
+        dropStores();
     return true;
 }
 
-void FileDataSeparateManager::forgetUnwritten() {
-    for (const auto& [category, op] : m_fileOperators) {
-        auto* const stored = dynamic_cast<AbstractFileOperator*>(op);
-        if (stored != nullptr)
-            stored->forgetUnwritten();
-    }
+void FileDataSeparateManager::dropStores() {
+    forEachOwn([](AbstractFileOperator& op) { op.dropStores(); });
+}
+
+void FileDataSeparateManager::retryFailedStores() {
+    forEachOwn([](AbstractFileOperator& op) { op.tryAgain(); });
 }
 
 bool FileDataSeparateManager::getStoreFileFlag() {
@@ -588,7 +591,11 @@ int FileDataSeparateManager::postEvent(Event* event) {
 bool FileDataSeparateManager::waitStored(int milliseconds) {
     if (isInherited())
         return false;
-    return m_worker->waitHandled(milliseconds);
+    if (m_worker->isCurrent())
+        return true;
+    const timespec deadline = deadlineIn(std::max(milliseconds, 0));
+    StoreWait stores(m_pendingStores);
+    return m_worker->waitHandled(milliseconds) && stores.wait(deadline);
 }
 
 void FileDataSeparateManager::getWorkerStatistics(_ThreadStaticInfo_t& info) {
@@ -859,8 +866,10 @@ void FileDataSeparateManager::registerOperator(IFileOperator* op) {
 
 void FileDataSeparateManager::setParents() {
     for (const auto& [category, op] : m_fileOperators) {
-        if (auto* const child = dynamic_cast<AbstractFileOperator*>(op))
+        if (auto* const child = dynamic_cast<AbstractFileOperator*>(op)) {
             child->setParent(this);
+            m_pendingStores.push_back(child->pendingStores());
+        }
     }
 }
 
@@ -872,6 +881,8 @@ bool FileDataSeparateManager::stop() {
         return true;
     // Before anything of it goes: a listener on a thread of the client's may be at work on it.
     LiveManagers::instance().remove(this);
+    // The worker may wait for a process that is stopped itself.
+    forEachOwn([](AbstractFileOperator& op) { op.abandonWaits(); });
     m_worker->stop();
     deleteOperators();
     m_processesLock->unlock();
@@ -880,10 +891,10 @@ bool FileDataSeparateManager::stop() {
 
 void FileDataSeparateManager::deleteOperators() {
     // A merge asks its own operator and, through the manager, others: none may go while one runs.
-    for (const auto& [category, op] : m_fileOperators) {
-        if (auto* const merging = dynamic_cast<AbstractFileOperator*>(op))
-            merging->waitForMerge();
-    }
+    forEachOwn([](AbstractFileOperator& op) { op.waitForMerge(); });
+    // What a merge did not write goes with the queue; those who wait for it hear of it.
+    for (const auto& stores : m_pendingStores)
+        stores->drop();
     for (auto& [category, op] : m_fileOperators) {
         delete op;
         op = nullptr;
@@ -894,6 +905,7 @@ void FileDataSeparateManager::deleteOperators() {
 void FileDataSeparateManager::discardOperators() {
     deleteOperators();
     m_operatorSet.clear();
+    m_pendingStores.clear();
 }
 
 // --- the factory files ---
@@ -927,7 +939,7 @@ bool FileDataSeparateManager::initCurrentFromManufactory() {
         DM_ERROR(" init current dataModule files from manufactory path [%s] failed.\n", m_manufactoryPath);
         return false;
     }
-    forgetUnwritten();
+    dropStores();
     DM_INFO(" init 'current' dataModule files from manufactory path [%s] successfully.\n", m_manufactoryPath);
     return true;
 }
@@ -976,9 +988,11 @@ bool FileDataSeparateManager::loadInParallel(int& dataSize) {
     for (const auto& [category, op] : m_fileOperators)
         operators.push_back(op);
 
+    const timespec deadline = deadlineIn(LoadBudget::MILLISECONDS);
     std::atomic<std::size_t> next{0};
     std::atomic<int> size{0};
     const auto loadNext = [&] {
+        const LoadBudget budget(deadline);
         const std::size_t index = next++;
         if (index >= operators.size())
             return false;
@@ -1009,6 +1023,7 @@ bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
         return true;
     }
     settleStores();
+    const LoadBudget budget(deadlineIn(LoadBudget::MILLISECONDS));
     int loaded = 0;
     int failed = 0;
     for (const auto& [category, op] : m_fileOperators) {
@@ -1064,6 +1079,7 @@ bool FileDataSeparateManager::resumeFileSources() {
         if (!result)
             DM_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
     }
+    const LoadBudget budget(deadlineIn(LoadBudget::MILLISECONDS));
     // The walk does nothing to a file: what a suspend image had closed is loaded again here.
     for (const auto& [category, op] : m_fileOperators) {
         auto* const released = dynamic_cast<AbstractFileOperator*>(op);
@@ -1101,6 +1117,14 @@ bool FileDataSeparateManager::backupIfRequested(IFileOperator& op) {
     const bool result = op.backupFile(false);
     op.setBackupReq(false);
     return result;
+}
+
+template <typename Action>
+void FileDataSeparateManager::forEachOwn(Action action) {
+    for (const auto& [category, op] : m_fileOperators) {
+        if (auto* const own = dynamic_cast<AbstractFileOperator*>(op))
+            action(*own);
+    }
 }
 
 template <typename Action>

@@ -1,5 +1,6 @@
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <exception>
@@ -12,6 +13,8 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
 #include <dataModule/fileOperator/CategoryLayout.h>
+#include <dataModule/fileOperator/LoadBudget.h>
+#include <dataModule/fileOperator/PendingStores.h>
 
 namespace td {
 
@@ -36,7 +39,8 @@ int elapsedMilliseconds() {
 
 // --- construction, names and flags ---
 
-AbstractFileOperator::AbstractFileOperator(const char* fileName, const char* version) {
+AbstractFileOperator::AbstractFileOperator(const char* fileName, const char* version)
+    : m_pending(std::make_shared<PendingStores>()) {
     copyBounded(fileName, m_fileName, sizeof m_fileName);
     copyBounded(version, m_version, sizeof m_version);
     SectionLock lock(m_criticalSection);
@@ -75,6 +79,7 @@ int AbstractFileOperator::getDataSize() {
 }
 
 FILE* AbstractFileOperator::getFileHandler() TD_NO_THREAD_SAFETY_ANALYSIS {
+    const SectionStep step(m_criticalSection);
     return m_file.stream();
 }
 
@@ -99,26 +104,13 @@ void AbstractFileOperator::leaveCriticalSection() {
 }
 
 bool AbstractFileOperator::tryEnterCriticalSection() {
-    if (!m_criticalSection.tryLock())
+    if (!tryEnterWithFiles())
         return false;
-    bool entered = false;
-    try {
-        entered = !m_otaLoading && prepareBackup();
-    } catch (const std::exception& error) {
-        DM_WARNING("unexpected exception: %s\n", error.what());
-    }
-    if (!entered)
+    // What had to be loaded without the files does not go over the backup.
+    if (m_servesMemory) {
         m_criticalSection.unlock();
-    return entered;
-}
-
-bool AbstractFileOperator::prepareBackup() {
-    // A suspend image holds no open file.
-    if (m_releasedLoaded)
         return false;
-    if (!m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName)))
-        return false;
-    endPendingWrite();
+    }
     // A failed bulk restore leaves the factory copy open, which is no reason to go without a backup. After a failed
     // load the mode stays: what was not loaded does not go over the backup.
     if (m_loaded && m_loadMode != NORMAL_LOAD) {
@@ -127,6 +119,24 @@ bool AbstractFileOperator::prepareBackup() {
         setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
     }
     return true;
+}
+
+bool AbstractFileOperator::tryEnterWithFiles() {
+    if (!m_criticalSection.tryLock())
+        return false;
+    bool entered = false;
+    try {
+        // A suspend image holds no open file.
+        entered = !m_otaLoading && !m_releasedLoaded && m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName));
+        if (entered)
+            endPendingWrite();
+    } catch (const std::exception& error) {
+        DM_WARNING("unexpected exception: %s\n", error.what());
+        entered = false;
+    }
+    if (!entered)
+        m_criticalSection.unlock();
+    return entered;
 }
 
 bool AbstractFileOperator::getStoreFileFlag() {
@@ -260,7 +270,7 @@ void AbstractFileOperator::shareFiles() {
 
 bool AbstractFileOperator::takeFiles() {
     const CriticalSection::Taken taken = m_criticalSection.takeFiles(paths::lockFile(m_fileName));
-    if (taken != CriticalSection::Taken::Before)
+    if (taken != CriticalSection::Taken::Before && !m_criticalSection.gaveUpWaiting())
         endPendingWrite();
     return taken == CriticalSection::Taken::AfterSharing;
 }
@@ -329,7 +339,7 @@ void AbstractFileOperator::adoptSummary(const Summary& summary, SummaryState sta
 }
 
 bool AbstractFileOperator::openCurrent() {
-    if (m_otaLoading)
+    if (m_otaLoading || m_servesMemory)
         return false;
     shareFiles();
     m_sectionSkipped = false;
@@ -359,9 +369,10 @@ bool AbstractFileOperator::openCurrent() {
 bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
     if (m_parent == nullptr)
         return false;
+    const SectionStep step(m_criticalSection);
     shareFiles();
     m_readError = 0;
-    if (m_criticalSection.filesUnsure()) {
+    if (m_criticalSection.filesUnsure() && !m_criticalSection.gaveUpWaiting()) {
         noteUnreadable(EMFILE);
         return false;
     }
@@ -420,6 +431,7 @@ void AbstractFileOperator::noteIfUnreadable() {
 }
 
 bool AbstractFileOperator::loadSummary(const char* path) {
+    const SectionStep step(m_criticalSection);
     shareFiles();
     closeFile();
     if (path == nullptr || std::strlen(path) >= static_cast<std::size_t>(paths::PATH_SIZE))
@@ -534,6 +546,7 @@ bool AbstractFileOperator::contentChecksum(unsigned int& crc) {
 }
 
 unsigned int AbstractFileOperator::getCrcCode(const char* path) {
+    const SectionStep step(m_criticalSection);
     unsigned int crc = 0;
     return readStoredChecksum(path, crc) ? crc : 0;
 }
@@ -625,9 +638,11 @@ struct AbstractFileOperator::MergeScope {
 bool AbstractFileOperator::loadFile() {
     DM_INFO("======================= start to load file =====================\n");
     TimeUtil::instance()->start();
+    const timespec deadline = LoadBudget::deadline();
     // Asked before the lock too, which the thread that writes the merged file holds.
     if (!m_otaLoading) {
         SectionLock lock(m_criticalSection);
+        m_criticalSection.limitWaits(deadline);
         if (checkReloadFile() && m_loaded) {
             DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
             return true;
@@ -646,38 +661,64 @@ bool AbstractFileOperator::loadFromFiles() {
         createFile();
     {
         MergeScope merge(*this);
-        if (!loadKeepingUnwritten([this]() TD_REQUIRES(m_criticalSection) { return loadFirstGoodCopy(); }))
+        const bool wasServed = m_servesMemory.exchange(false);
+        const Stores stores = wasServed || (m_wasLoaded && !m_loaded) ? Stores::Kept : Stores::Dropped;
+        const auto load = [this]() TD_REQUIRES(m_criticalSection) {
+            if (!loadFirstGoodCopy())
+                return false;
+            m_loaded = true;
+            return true;
+        };
+        if (!loadTable(stores, load)) {
+            m_servesMemory = wasServed;
             return false;
+        }
         merge.goesOn = m_otaLoading;
     }
-    m_loaded = true;
+    m_wasLoaded = true;
     m_releasedLoaded = false;
     if (m_otaLoading)
         startMergeThread();
     return true;
 }
 
-// Whoever loads has waited for the stores before, but others may have stored since, and a write may have failed.
+// Whoever loads has waited for the stores before, but others may have stored since, and a write may have failed. What
+// was stored before there ever was a table to change is no change of it.
 template <typename Load>
-bool AbstractFileOperator::loadKeepingUnwritten(Load load) {
-    saveUnwritten();
+bool AbstractFileOperator::loadTable(Stores stores, Load load) {
+    const std::vector<KeptStore> kept = m_wasLoaded ? keptStores() : std::vector<KeptStore>();
     bool loaded = false;
     try {
         loaded = load();
     } catch (...) {
-        putBackUnwritten(false);
+        putBack(kept, false);
         throw;
     }
-    putBackUnwritten(loaded);
+    if (loaded && stores == Stores::Dropped)
+        giveUpStores();
+    else
+        putBack(kept, loaded);
     return loaded;
 }
 
 void AbstractFileOperator::outdateSnapshots() {
     m_snapshotFloor.raiseAll(EventIdGenerator::instance()->peekNextEventId());
-    snapshotsOutdated();
+}
+
+void AbstractFileOperator::giveUpStores() {
+    outdateSnapshots();
+    m_pending->drop();
+}
+
+void AbstractFileOperator::dropStores() {
+    SectionLock lock(m_criticalSection);
+    giveUpStores();
 }
 
 bool AbstractFileOperator::loadFirstGoodCopy() {
+    shareFiles();
+    if (m_criticalSection.gaveUpWaiting())
+        return serveFromMemory();
     _LOAD_FILE_MODE mode = NORMAL_LOAD;
     _LOAD_FILE_MODE triedAgain = INVALID_LOAD;
     for (;;) {
@@ -699,6 +740,10 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         if (mode == NORMAL_LOAD && currentWasMended()) {
             m_otaLoading = false;
             continue;
+        }
+        if (m_criticalSection.gaveUpWaiting()) {
+            m_otaLoading = false;
+            return serveFromMemory();
         }
         if (mode == NORMAL_LOAD && m_pendingError != 0) {
             // With the write that is pending it would be whole.
@@ -733,15 +778,83 @@ bool AbstractFileOperator::staysUnread() const {
     return true;
 }
 
-/// Another process may have found the same damage, or the same old version, and be done with it. A pending write that
-/// could not be ended a moment ago may end now.
+/// Nothing is recovered, merged or written meanwhile.
+bool AbstractFileOperator::serveFromMemory() {
+    DM_WARNING("[%s]: another process keeps the lock of file [%s], so the first good copy is read without it, and "
+               "nothing is written before the lock can be had.\n",
+               categoryName(), m_fileName);
+    for (const _LOAD_FILE_MODE mode : {NORMAL_LOAD, BACKUP_LOAD, MANUFACTORY_LOAD}) {
+        bool fatal = false;
+        const bool read = loadSummary(mode, fatal) && loadContents();
+        m_otaLoading = false;
+        if (!read)
+            continue;
+        DM_INFO("load file [%s] without its lock.\n", m_path.load());
+        closeFile();
+        m_loadMode = NORMAL_LOAD;
+        setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
+        m_servesMemory = true;
+        return true;
+    }
+    DM_ERROR("load file [%s] failed.\n", m_path.load());
+    return false;
+}
+
+bool AbstractFileOperator::loadAgain() {
+    takeFiles();
+    if (m_criticalSection.filesUnsure() || !loadFromFiles())
+        return false;
+    if (m_servesMemory)
+        return false;
+    DM_INFO("[%s]: file [%s] is loaded again.\n", categoryName(), m_path.load());
+    return true;
+}
+
+bool AbstractFileOperator::hasFailed() const {
+    return m_servesMemory || m_mergeUnwritten || m_pending->hasFailed();
+}
+
+void AbstractFileOperator::tryAgain() {
+    if (!m_loaded || !hasFailed() || !getStoreFileFlag() || !tryEnterWithFiles())
+        return;
+    errno = 0;
+    bool done = false;
+    try {
+        done = makeUpForLoad() && writeFailed();
+    } catch (const std::exception& error) {
+        DM_WARNING("unexpected exception: %s\n", error.what());
+    }
+    const int cause = done ? 0 : errno != 0 ? errno : EIO;
+    if (done) {
+        DM_INFO("[%s]: what could not be written to file [%s] is written now.\n", categoryName(), m_path.load());
+        setBackupReq(true);
+    } else if (cause != m_retryError) {
+        DM_WARNING("[%s]: what was stored is not in file [%s] yet (%s), it is tried again from time to time.\n",
+                   categoryName(), m_path.load(), std::strerror(cause));
+    }
+    m_retryError = cause;
+    m_criticalSection.unlock();
+}
+
+/// Another process may have found the same damage, or the same old version, and be done with it: between the two locks.
+/// A pending write that could not be ended a moment ago may end now.
 bool AbstractFileOperator::currentWasMended() {
-    const bool mayHaveChanged = takeFiles();
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    struct stat before = {};
+    struct stat after = {};
+    const bool wasThere = stat(current.c_str(), &before) == 0;
+    takeFiles();
+    const bool isThere = stat(current.c_str(), &after) == 0;
+    const auto isOther = [&] {
+        return before.st_dev != after.st_dev || before.st_ino != after.st_ino || before.st_size != after.st_size ||
+               before.st_mtim.tv_sec != after.st_mtim.tv_sec || before.st_mtim.tv_nsec != after.st_mtim.tv_nsec ||
+               before.st_ctim.tv_sec != after.st_ctim.tv_sec || before.st_ctim.tv_nsec != after.st_ctim.tv_nsec;
+    };
     const bool triesAgain = m_pendingError != 0;
     if (triesAgain)
         endPendingWrite();
-    return (mayHaveChanged || (triesAgain && m_pendingError == 0)) &&
-           fileVerifies((getWorkPath(NORMAL_LOAD) + m_fileName).c_str(), m_version);
+    return ((isThere && (!wasThere || isOther())) || (triesAgain && m_pendingError == 0)) &&
+           fileVerifies(current.c_str(), m_version);
 }
 
 AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mode) {
@@ -801,6 +914,7 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
 }
 
 bool AbstractFileOperator::loadCurrentFile() {
+    const SectionStep step(m_criticalSection);
     DM_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n",
             (getWorkPath(NORMAL_LOAD) + m_fileName).c_str());
     m_versionCheck = false;
@@ -877,6 +991,7 @@ void AbstractFileOperator::writeMerged() {
         m_mergeUnwritten = true;
         m_versionCheck = true;
         m_otaLoading = false;
+        m_pending->mergeFailed();
     }
 }
 
@@ -884,6 +999,7 @@ void* AbstractFileOperator::createFileProc(void* self) TD_NO_THREAD_SAFETY_ANALY
     auto* op = static_cast<AbstractFileOperator*>(self);
     if (op == nullptr || op->m_parent == nullptr)
         return nullptr;
+    const SectionStep step(op->m_criticalSection);
     DM_INFO("################### start to create new current file in OTA mode ... ###################.\n");
     DM_INFO("@@@@@ start background thread to create NEW current file (%s) when load OTA data.\n", op->m_path.load());
     op->createFile();
@@ -894,11 +1010,13 @@ void* AbstractFileOperator::createFileProc(void* self) TD_NO_THREAD_SAFETY_ANALY
 }
 
 bool AbstractFileOperator::createFile() {
+    const SectionStep step(m_criticalSection);
     DM_INFO("start to create NEW current file (%s) when load OTA data.\n", m_path.load());
     m_mergeUnwritten = !writeNewFile(false);
     if (m_mergeUnwritten) {
         // The current copy is still of the other version: read again, it has to be merged again.
         m_versionCheck = true;
+        m_pending->mergeFailed();
         DM_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
         logWhere();
         return false;
@@ -929,6 +1047,7 @@ void AbstractFileOperator::waitForMerge() {
 // --- switching copies ---
 
 bool AbstractFileOperator::switchToNormal() {
+    const SectionStep step(m_criticalSection);
     closeFile();
     m_loadMode = NORMAL_LOAD;
     const bool merging = m_otaLoading;
@@ -944,6 +1063,7 @@ bool AbstractFileOperator::switchToNormal() {
 }
 
 bool AbstractFileOperator::switchToManufactory() {
+    const SectionStep step(m_criticalSection);
     closeFile();
     m_loadMode = MANUFACTORY_LOAD;
     bool fatal = false;
@@ -957,14 +1077,13 @@ bool AbstractFileOperator::switchToManufactory() {
 
 bool AbstractFileOperator::loadFile(const char* path) {
     SectionLock lock(m_criticalSection);
-    saveUnwritten(); // for the next load of the category's own files
     const std::string before = m_path.load();
     bool loaded = loadSummary(path);
     if (!loaded) {
         DM_WARNING("load summary failed from file [%s].\n", textOrEmpty(path));
         logWhere();
     } else {
-        loaded = loadContents();
+        loaded = loadTable(Stores::Dropped, [this]() TD_REQUIRES(m_criticalSection) { return loadContents(); });
         if (!loaded) {
             DM_WARNING("load contents failed from file [%s].\n", path);
             logWhere();
@@ -978,10 +1097,11 @@ bool AbstractFileOperator::loadFile(const char* path) {
 bool AbstractFileOperator::refreshDataFromManufactory() {
     SectionLock lock(m_criticalSection);
     DM_INFO("Load file from manufactory.\n");
-    const bool loaded = switchToManufactory() && m_file.setPos(contentPosition()) && loadContents();
+    const bool loaded = loadTable(Stores::Dropped, [this]() TD_REQUIRES(m_criticalSection) {
+        return switchToManufactory() && m_file.setPos(contentPosition()) && loadContents();
+    });
     if (loaded) {
         DM_INFO("Load file from manufactory successfully.\n");
-        outdateSnapshots();
         tableRefreshed();
     } else {
         DM_WARNING("Load file from manufactory failed.\n");
@@ -995,7 +1115,7 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
 bool AbstractFileOperator::refreshDataFromCurrent() {
     SectionLock lock(m_criticalSection);
     DM_INFO("Load file from manufactory.\n");
-    const bool loaded = loadKeepingUnwritten([this]() TD_REQUIRES(m_criticalSection) {
+    const bool loaded = loadTable(Stores::Dropped, [this]() TD_REQUIRES(m_criticalSection) {
         return openCurrent() && m_file.setPos(contentPosition()) && loadContents();
     });
     if (loaded)
@@ -1044,6 +1164,10 @@ bool AbstractFileOperator::initFile(bool defaults) {
 
 bool AbstractFileOperator::writeNewFile(bool defaults) {
     takeFiles();
+    if (m_criticalSection.filesUnsure()) {
+        DM_WARNING("create file [%s] failed, for another process is at work on it.\n", m_fileName);
+        return false;
+    }
     closeFile();
     m_loadMode = NORMAL_LOAD;
     m_nameSynced = false;
@@ -1081,6 +1205,10 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     }
     // The table is on disk as it is now (invariant 4).
     outdateSnapshots();
+    if (defaults)
+        m_pending->drop();
+    else
+        m_pending->allWritten();
     m_backupOutdated = true;
     backupFile(defaults);
     if (m_backupOutdated)
@@ -1128,6 +1256,7 @@ bool AbstractFileOperator::writeWholeText(bool defaults) {
 }
 
 bool AbstractFileOperator::recoverFile() {
+    const SectionStep step(m_criticalSection);
     if (m_loadMode == NORMAL_LOAD) {
         DM_INFO("current load mode [%s] is 'NORMAL_LOAD' and needn't recover file.\n", getLoadMode(m_loadMode));
         return true;
@@ -1157,6 +1286,7 @@ bool AbstractFileOperator::recoverFile() {
 }
 
 bool AbstractFileOperator::backupFile(bool alsoFactory) {
+    const SectionStep step(m_criticalSection);
     if (m_loadMode != NORMAL_LOAD) {
         DM_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(m_loadMode));
         logWhere();
@@ -1227,6 +1357,7 @@ bool AbstractFileOperator::removeFile() {
     SectionLock lock(m_criticalSection);
     takeFiles();
     closeFile();
+    giveUpStores();
     removeCopy(paths::defaultFactoryDirectory() + m_fileName);
     removeCopy(getWorkPath(BACKUP_LOAD) + m_fileName);
     return removeCurrentCopy();
@@ -1236,6 +1367,7 @@ bool AbstractFileOperator::removeCurrentFile() {
     SectionLock lock(m_criticalSection);
     takeFiles();
     closeFile();
+    giveUpStores();
     return removeCurrentCopy();
 }
 
@@ -1257,6 +1389,7 @@ bool AbstractFileOperator::removeCopy(const std::string& path) {
 // --- summary and checksum ---
 
 bool AbstractFileOperator::buildSummary(bool withHeader) {
+    const SectionStep step(m_criticalSection);
     const char* tvType = m_parent != nullptr ? m_parent->getTvType() : "";
     const std::string lines = text::summary(tvType, m_version, m_crc, withHeader);
     if (withHeader) {
@@ -1292,10 +1425,12 @@ AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
 }
 
 bool AbstractFileOperator::searchSectionId(const char* id) {
+    const SectionStep step(m_criticalSection);
     return scanFor(id) != Found::Failed;
 }
 
 bool AbstractFileOperator::updateSummary() {
+    const SectionStep step(m_criticalSection);
     DM_INFO("update summary info for file [%s] ...\n", m_path.load());
     takeFiles();
     // The lines are rewritten in place, so the ones that stand there must have the written widths (invariant 3).
@@ -1326,9 +1461,22 @@ bool AbstractFileOperator::updateSummary() {
     return written;
 }
 
+/// Says what became of a write, however the step ends.
+struct AbstractFileOperator::WriteScope {
+    explicit WriteScope(AbstractFileOperator& writing) : op(writing) {}
+    ~WriteScope() TD_NO_THREAD_SAFETY_ANALYSIS { op.writeEnded(done); }
+    WriteScope(const WriteScope&) = delete;
+    WriteScope& operator=(const WriteScope&) = delete;
+
+    AbstractFileOperator& op;
+    bool done = false;
+};
+
 bool AbstractFileOperator::updateCrcCode() {
+    const SectionStep step(m_criticalSection);
     if (std::exchange(m_sectionSkipped, false) || m_otaLoading)
         return true;
+    WriteScope write(*this);
     takeFiles();
     const bool opened = openCurrent();
     if (!opened) {
@@ -1339,6 +1487,7 @@ bool AbstractFileOperator::updateCrcCode() {
     // A record whose end failed stays, for the next time that the files are taken.
     if (std::exchange(m_redoStored, false) && updated)
         clearRedo(m_open.path);
+    write.done = updated;
     // With the file closed the next idle backup cannot mistake the new checksum for the backup's.
     closeFile();
     return updated;
@@ -1356,6 +1505,8 @@ bool AbstractFileOperator::writeSections() {
     m_redoStored = false;
     if (m_redo.writes.empty())
         return true;
+    std::sort(m_redo.writes.begin(), m_redo.writes.end(),
+              [](const RedoRecord::Write& one, const RedoRecord::Write& other) { return one.offset < other.offset; });
     m_redo.contentPosition = contentPosition();
     m_redo.crcPosition = m_crcPosition;
     m_redoStored = (m_knownChecksum.after(fileno(m_file.stream()), m_redo, m_redo.crc) ||
@@ -1443,6 +1594,15 @@ bool hasChecksumLine(const Summary& summary, SummaryState state) {
     return false;
 }
 
+/// Whether the calling thread is at work on the files already, in a critical section that then has them for itself.
+bool takeFilesInside(const std::string& lockFile) TD_NO_THREAD_SAFETY_ANALYSIS {
+    CriticalSection* const section = CriticalSection::claimedHere(lockFile);
+    if (section == nullptr)
+        return false;
+    section->takeFiles(lockFile);
+    return true;
+}
+
 bool rewriteCrcOf(FileUtil& file, const char* path) {
     Summary summary;
     const SummaryState state = readSummary(file, summary);
@@ -1473,8 +1633,10 @@ bool AbstractFileOperator::generateCRC32(const char* path) {
         return false;
     }
     const std::string name = path;
+    const std::string lockFile = paths::lockFile(name.substr(name.find_last_of('/') + 1));
     FileLock lock;
-    lock.lock(paths::lockFile(name.substr(name.find_last_of('/') + 1)), FileLock::Kind::Exclusive);
+    if (!takeFilesInside(lockFile))
+        lock.lock(lockFile, FileLock::Kind::Exclusive);
     CRC32Util::instance()->init_crc_table();
     // With a right checksum a store that was cut short would pass for a whole one (invariant 7).
     unsigned int ended = 0;

@@ -14,15 +14,19 @@
 ///      or a caller says.
 ///   7. A store that a cut of power, or the end of the process, divides is found done, or not begun: never in parts.
 ///
-/// Threads: operations that say "the caller holds the critical section" are steps of others; all the rest take it
-/// themselves, at their outermost entry only, and may be called from any thread. It guards table and file.
+/// Threads: every operation may be called from any thread. Those that say "the caller holds the critical section" are
+/// steps of others: inside an entered section they are part of it, outside one they hold it, and the lock between
+/// processes, for their own length. All the rest take it themselves, at their outermost entry only, and are not called
+/// from inside. It guards table and file.
 /// Ownership: the manager owns the operator and is its parent. Whoever deletes an operator calls waitForMerge() first.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Mutex.h>
@@ -37,6 +41,8 @@
 #include <dataModule/platform/OsalThreads.h>
 
 namespace td {
+
+class PendingStores;
 
 class DATAMODULE_API AbstractFileOperator : public IFileOperator {
 public:
@@ -70,6 +76,7 @@ public:
     void leaveCriticalSection() override TD_RELEASE(m_criticalSection);
     bool getStoreFileFlag() override;
     bool resetCurrentFileFromManufactoryFile() override TD_EXCLUDES(m_criticalSection);
+    /// Valid until the category's next operation.
     FILE* getFileHandler() override;
     bool releaseFile() override TD_EXCLUDES(m_criticalSection);
     bool reloadFile() override;
@@ -118,8 +125,18 @@ public:
     bool loadIfReleased() TD_EXCLUDES(m_criticalSection);
     /// Waits until a merged file, if any, has been written. Hold no critical section.
     void waitForMerge() TD_EXCLUDES(m_criticalSection);
-    /// Writing was forbidden: what is queued will be dropped, and the next load does not keep it in the table.
-    virtual void forgetUnwritten() TD_EXCLUDES(m_criticalSection) {}
+    /// Gives up what was stored and is not on the disk: no load keeps it, and nothing of it is written any more.
+    void dropStores() TD_EXCLUDES(m_criticalSection);
+    /// What was stored and is not on the disk; shared with those who wait for it.
+    const std::shared_ptr<PendingStores>& pendingStores() const { return m_pending; }
+    /// Whether something is to be tried again: a store that could not be written, or a load that had to do without the
+    /// files.
+    bool hasFailed() const;
+    /// Tries it, unless somebody is at work on the category. Never waits.
+    void tryAgain() TD_EXCLUDES(m_criticalSection);
+    /// Whoever waits for another process's lock on the category gives up, now and from now on: the operator is about to
+    /// go.
+    void abandonWaits() { m_criticalSection.abandonWaits(); }
     /// Sets the process-wide detail-log switch.
     static void setDebugLog(int on);
 
@@ -152,14 +169,24 @@ protected:
     /// The table was refreshed from the factory copy.
     virtual void tableRefreshed() TD_REQUIRES(m_criticalSection) {}
 
-    /// Before the table is loaded anew: remembers the records that were stored and are not in the file yet, unless it
-    /// does already.
-    virtual void saveUnwritten() TD_REQUIRES(m_criticalSection) {}
-    /// Afterwards: puts them back, and if the load succeeded posts again those whose write had failed.
-    virtual void putBackUnwritten(bool /*loaded*/) TD_REQUIRES(m_criticalSection) {}
-    /// The files now hold all that the table is to hold: no snapshot posted until now is written (invariant 4).
+    /// Stored values that a load is to leave in the table, as they are before it.
+    struct KeptStore {
+        int record = 0;
+        std::uint64_t fields = 0; ///< PendingStores::Fields
+        std::vector<int> values;
+    };
+    /// What is stored and not on the disk.
+    virtual std::vector<KeptStore> keptStores() TD_REQUIRES(m_criticalSection) { return {}; }
+    /// Puts them over what was loaded; with `post` they are queued anew, in the records as they are now.
+    virtual void putBack(const std::vector<KeptStore>& /*stores*/, bool /*post*/) TD_REQUIRES(m_criticalSection) {}
+    /// No snapshot posted until now is written any more (invariant 4).
     void outdateSnapshots() TD_REQUIRES(m_criticalSection);
-    virtual void snapshotsOutdated() TD_REQUIRES(m_criticalSection) {}
+    /// The table is what a file holds now: what was stored before is given up.
+    void giveUpStores() TD_REQUIRES(m_criticalSection);
+    /// What syncSectionToFile() wrote is on the disk with its checksum, or is not.
+    virtual void writeEnded(bool /*done*/) TD_REQUIRES(m_criticalSection) {}
+    /// Writes the records whose writes failed, if there are any. Whether all is on the disk.
+    virtual bool writeFailed() TD_REQUIRES(m_criticalSection) { return true; }
 
     /// The category's name, for log lines.
     const char* categoryName() const;
@@ -171,16 +198,19 @@ protected:
     }
     /// An event could be handled without touching the file; the checksum update that follows has nothing to do.
     void noteSectionSkipped() TD_REQUIRES(m_criticalSection) { m_sectionSkipped = true; }
+    /// Loads the table again if the load had to do without the files. Whether it is that of the files now.
+    bool makeUpForLoad() TD_REQUIRES(m_criticalSection) { return !m_servesMemory || loadAgain(); }
     /// Whether a merged table is still to be written as a file.
     bool mergePending() const { return m_otaLoading; }
     /// Whether that failed once; the next store tries again.
-    bool mergeUnwritten() const TD_REQUIRES(m_criticalSection) { return m_mergeUnwritten; }
+    bool mergeUnwritten() const { return m_mergeUnwritten; }
     /// Whether another process has merged the file since, and may have stored in it: then nothing is left to write.
     bool mergedByOther() TD_REQUIRES(m_criticalSection);
     /// One line with category and path after a message that names neither.
     void logWhere() const;
 
-    mutable CriticalSection m_criticalSection;        ///< table and file
+    mutable CriticalSection m_criticalSection; ///< table and file
+    const std::shared_ptr<PendingStores> m_pending;
     FileUtil m_file TD_GUARDED_BY(m_criticalSection); ///< the one open file
     SnapshotFloor m_snapshotFloor TD_GUARDED_BY(m_criticalSection);
     /// The comment block as last read or written.
@@ -202,11 +232,9 @@ private:
     };
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
+    struct WriteScope;
     struct MergeScope;
 
-    /// What remains to be done once the critical section was had by try. False when another process is at work, and
-    /// while the files are released.
-    bool prepareBackup() TD_REQUIRES(m_criticalSection);
     /// Once per critical section, as soon as it has the files for itself.
     void endPendingWrite() TD_REQUIRES(m_criticalSection);
     /// Whether it changed the file.
@@ -218,12 +246,20 @@ private:
     void adoptSummary(const Summary& summary, SummaryState state) TD_REQUIRES(m_criticalSection);
     void forgetLengths() TD_REQUIRES(m_criticalSection);
 
+    /// What becomes of stored values that are not on the disk when the table was loaded anew.
+    enum class Stores { Kept, Dropped };
     /// What loadFile() does once it may.
     bool loadFromFiles() TD_REQUIRES(m_criticalSection);
     bool loadFirstGoodCopy() TD_REQUIRES(m_criticalSection);
-    /// Loads the table, except for the records that were stored and are not in the file yet.
+    /// Loads the table; after a failure it holds what was stored as before.
     template <typename Load>
-    bool loadKeepingUnwritten(Load load) TD_REQUIRES(m_criticalSection);
+    bool loadTable(Stores stores, Load load) TD_REQUIRES(m_criticalSection);
+    /// The load had to do without the lock between processes, or without a current copy that could be made.
+    bool serveFromMemory() TD_REQUIRES(m_criticalSection);
+    /// Makes up for it. Whether the table is that of the files now.
+    bool loadAgain() TD_REQUIRES(m_criticalSection);
+    /// Whether the lock between processes could be had without waiting.
+    bool tryEnterWithFiles() TD_TRY_ACQUIRE(true, m_criticalSection);
     enum class Reading { Done, TryNext, Failed };
     /// After a failure to load the current copy, before another one takes its place: whether another process mended it
     /// meanwhile.
@@ -269,7 +305,11 @@ private:
     std::atomic<const char*> m_path{""};
     std::set<std::string> m_paths TD_GUARDED_BY(m_criticalSection); ///< every path ever set
     std::atomic<bool> m_loaded{false};
-    std::atomic<bool> m_releasedLoaded{false}; ///< it was loaded when it was released
+    bool m_wasLoaded TD_GUARDED_BY(m_criticalSection) = false; ///< it was loaded before, whatever it is now
+    /// The table is not known to be that of the current copy: nothing is written before it was loaded again.
+    std::atomic<bool> m_servesMemory{false};
+    int m_retryError TD_GUARDED_BY(m_criticalSection) = 0; ///< errno of the last retry that failed, once it was logged
+    std::atomic<bool> m_releasedLoaded{false};             ///< it was loaded when it was released
     char m_fileType[text::TV_TYPE_WIDTH + 1] TD_GUARDED_BY(m_criticalSection) = {}; ///< SN of the last summary
     int m_summaryLength TD_GUARDED_BY(m_criticalSection) = 0;
     int m_crcPosition TD_GUARDED_BY(m_criticalSection) = 0;
@@ -296,7 +336,7 @@ private:
     int m_readError TD_GUARDED_BY(m_criticalSection) = 0;     ///< errno when the last copy could not be read; else 0
     int m_pendingError TD_GUARDED_BY(m_criticalSection) = 0;  ///< errno when a pending write could not be ended; else 0
     bool m_sectionSkipped TD_GUARDED_BY(m_criticalSection) = false;
-    bool m_mergeUnwritten TD_GUARDED_BY(m_criticalSection) = false;
+    std::atomic<bool> m_mergeUnwritten{false};
     bool m_backupOutdated TD_GUARDED_BY(m_criticalSection) = false; ///< the current copy has changed since
     OsalThreads::Handle m_mergeThread TD_GUARDED_BY(m_criticalSection) = OsalThreads::INVALID_HANDLE;
 };

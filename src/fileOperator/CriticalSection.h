@@ -4,10 +4,15 @@
 ///
 /// The lock between processes comes right after the mutex in the lock order; a process holds those of several
 /// categories at once only for a factory reset, which takes them in the order of the categories. Where no lock file can
-/// be had the steps go on without; where it cannot be had for now, nothing is written, and nothing read is trusted.
+/// be had the steps go on without; where it cannot be had for now, or the wait for it was given up, nothing is written,
+/// and nothing read is trusted.
+///
+/// It knows the thread that is inside, so that a step of the lifecycle can be called from inside (SectionStep joins)
+/// and from outside (SectionStep takes it for its own length).
 #pragma once
 
 #include <atomic>
+#include <optional>
 #include <string>
 
 #include <pthread.h>
@@ -19,32 +24,31 @@
 namespace td {
 
 /// Not recursive.
-class TD_CAPABILITY("mutex") CriticalSection {
+class DATAMODULE_API TD_CAPABILITY("mutex") CriticalSection {
 public:
     void lock() TD_ACQUIRE() {
-        lockOrder::willWait(LockRank::Section);
-        if (!m_mutex.tryLock()) {
-            ++m_waiting;
-            m_mutex.lock();
-            --m_waiting;
-        }
-        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
+        enter();
+        entered();
     }
     void unlock() TD_RELEASE() {
         const int cancelState = m_cancelState;
-        if (!m_kept) {
-            m_files.unlock();
-            m_claim = Claim::None;
-        }
+        m_owner = NOBODY;
+        leaveFiles();
+        m_patience.deadline.reset();
         m_mutex.unlock();
         pthread_setcancelstate(cancelState, nullptr);
     }
     bool tryLock() TD_TRY_ACQUIRE(true) {
         if (!m_mutex.tryLock())
             return false;
-        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
+        entered();
         return true;
     }
+    /// For a look at the table: as lock() and unlock(), without a step of the files in between.
+    void lockTable() TD_ACQUIRE() { enter(); }
+    void unlockTable() TD_RELEASE() { m_mutex.unlock(); }
+    /// Whether the calling thread is inside.
+    bool isMine() const { return pthread_equal(m_owner, pthread_self()) != 0; }
     /// For a thread that left the section and is about to enter it again: lets those enter first that wait for it.
     /// Awake, it would overtake them time and again.
     void giveWay() const TD_EXCLUDES(this) {
@@ -58,20 +62,18 @@ public:
     bool shareFiles(const std::string& lockFile) TD_REQUIRES(this) {
         if (m_claim != Claim::None)
             return false;
-        m_claim = Claim::Shared;
-        m_files.lock(lockFile, FileLock::Kind::Shared);
+        claim(Claim::Shared, lockFile);
         return true;
     }
     /// When the files were taken. After sharing: the shared lock was given up for it, and what was read under that may
     /// have changed since.
     enum class Taken { Before, Now, AfterSharing };
-    /// Nobody else reads or writes them from now on.
+    /// Nobody else reads or writes them from now on, unless filesUnsure().
     Taken takeFiles(const std::string& lockFile) TD_REQUIRES(this) {
         if (m_claim == Claim::Exclusive)
             return Taken::Before;
         const bool wasShared = m_claim == Claim::Shared;
-        m_claim = Claim::Exclusive;
-        m_files.lock(lockFile, FileLock::Kind::Exclusive);
+        claim(Claim::Exclusive, lockFile);
         return wasShared ? Taken::AfterSharing : Taken::Now;
     }
     /// The same for a section that has neither shared nor taken them, without waiting: false when another process is at
@@ -79,27 +81,61 @@ public:
     bool tryTakeFiles(const std::string& lockFile) TD_REQUIRES(this) {
         if (m_kept)
             return true;
-        if (m_files.tryLock(lockFile, FileLock::Kind::Exclusive) == FileLock::Attempt::Busy || filesUnsure())
+        note(lockFile);
+        if (m_files.tryLock(lockFile, FileLock::Kind::Exclusive) == FileLock::Attempt::Busy || m_files.failedForNow())
             return false;
         m_claim = Claim::Exclusive;
         return true;
     }
-    /// Whether the lock that was asked for cannot be had for now.
-    bool filesUnsure() const TD_REQUIRES(this) { return m_files.failedForNow(); }
+    /// Whether the lock that was asked for cannot be had for now, or was not waited for any longer.
+    bool filesUnsure() const TD_REQUIRES(this) { return m_wasGivenUp || m_files.failedForNow(); }
+    /// Whether another process had the lock for longer than this one waits.
+    bool gaveUpWaiting() const TD_REQUIRES(this) { return m_wasGivenUp; }
+    /// Until the section is left no lock between processes is waited for beyond this point in time.
+    void limitWaits(const timespec& deadline) TD_REQUIRES(this) { m_patience.deadline = deadline; }
+    /// From any thread: whoever waits for the lock between processes, now or later, gives up. For good.
+    void abandonWaits() { m_abandoned = true; }
     /// Whether leaving the section keeps the lock between processes, for a thread that enters it next.
     void keepFiles(bool keep) TD_REQUIRES(this) { m_kept = keep; }
+
+    /// The section that the calling thread is in and that has shared or taken the files of this lock file, or null.
+    static CriticalSection* claimedHere(const std::string& lockFile);
 
 private:
     /// What the section asked for, whether there was a lock file to be had or not: it is asked once.
     enum class Claim { None, Shared, Exclusive };
+    static constexpr pthread_t NOBODY = 0;
+
+    void enter() TD_ACQUIRE(this) {
+        lockOrder::willWait(LockRank::Section);
+        if (m_mutex.tryLock())
+            return;
+        ++m_waiting;
+        m_mutex.lock();
+        --m_waiting;
+    }
+    void entered() TD_REQUIRES(this) {
+        m_owner = pthread_self();
+        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
+    }
+    void claim(Claim kind, const std::string& lockFile) TD_REQUIRES(this);
+    void note(const std::string& lockFile) TD_REQUIRES(this);
+    void leaveFiles() TD_REQUIRES(this);
 
     std::atomic<int> m_waiting{0};
+    std::atomic<pthread_t> m_owner{NOBODY};
+    std::atomic<bool> m_abandoned{false};
     Mutex m_mutex{LockRank::Section};
     // These belong to whoever holds the mutex.
     int m_cancelState = PTHREAD_CANCEL_ENABLE; ///< of the thread, before it entered; inside it is not cancelled
     FileLock m_files;
+    FileLock::Patience m_patience{std::nullopt, &m_abandoned};
+    std::string m_lockFile;             ///< that was last asked for
+    CriticalSection* m_outer = nullptr; ///< that the same thread had claimed before
     Claim m_claim = Claim::None;
+    bool m_isNoted = false; ///< among those that the thread inside has claimed
     bool m_kept = false;
+    bool m_wasGivenUp = false;
 };
 
 /// Holds a critical section for the length of a block.
@@ -112,6 +148,39 @@ public:
 
 private:
     CriticalSection& m_section;
+};
+
+/// Holds it for a look at the table.
+class TD_SCOPED_CAPABILITY TableLock {
+public:
+    explicit TableLock(CriticalSection& section) TD_ACQUIRE(section) : m_section(section) { m_section.lockTable(); }
+    ~TableLock() TD_RELEASE() { m_section.unlockTable(); }
+    TableLock(const TableLock&) = delete;
+    TableLock& operator=(const TableLock&) = delete;
+
+private:
+    CriticalSection& m_section;
+};
+
+/// For a step of the lifecycle, which clients may call from inside an entered section or from outside: holds the
+/// section for the length of the step unless the thread is inside already. Steps say TD_REQUIRES for the library's own
+/// callers, so this is nothing that the analysis sees.
+class SectionStep {
+public:
+    explicit SectionStep(CriticalSection& section) TD_NO_THREAD_SAFETY_ANALYSIS
+        : m_section(section.isMine() ? nullptr : &section) {
+        if (m_section != nullptr)
+            m_section->lock();
+    }
+    ~SectionStep() TD_NO_THREAD_SAFETY_ANALYSIS {
+        if (m_section != nullptr)
+            m_section->unlock();
+    }
+    SectionStep(const SectionStep&) = delete;
+    SectionStep& operator=(const SectionStep&) = delete;
+
+private:
+    CriticalSection* const m_section;
 };
 
 } // namespace td

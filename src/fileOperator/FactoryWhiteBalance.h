@@ -97,7 +97,7 @@ protected:
 
     bool completeRecord(const std::vector<int>& dims) override TD_REQUIRES(m_criticalSection);
     bool writeNewFile(bool defaults) override TD_REQUIRES(m_criticalSection);
-    void recordPutBack(int record) override TD_REQUIRES(m_criticalSection) { m_inMemory[at(record)] = true; }
+    bool holdsRecord(int record) const override TD_REQUIRES(m_criticalSection) { return m_inMemory[at(record)]; }
 
 private:
     // In place of the bin that is in memory.
@@ -160,6 +160,10 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadAllBins() {
 
 template <class Self, class Record, class EventType>
 bool FactoryWhiteBalance<Self, Record, EventType>::loadDataFromCurrentFile(int bin) {
+    const SectionStep step(m_criticalSection);
+    // A store that was handled has closed the file.
+    if (!this->m_file.isOpend() && !this->openCurrent())
+        return false;
     if (!isBin(bin)) {
         DM_WARNING(" BIN [%d] is invalid when system starting and loading WB data from file [%s] in USER mode.\n", bin,
                    this->getFileFullPath());
@@ -227,8 +231,6 @@ void FactoryWhiteBalance<Self, Record, EventType>::forgetOtherBins() {
 template <class Self, class Record, class EventType>
 bool FactoryWhiteBalance<Self, Record, EventType>::completeRecord(const std::vector<int>& dims) {
     const std::size_t record = at(this->layoutOf().recordIndex(dims.data()));
-    if (m_inMemory[record])
-        return true;
     if (!loadDataFromCurrentFile(dims)) {
         DM_WARNING("store to section %s is refused, for its other fields couldn't be read from file [%s].\n",
                    this->idText(dims.data()).c_str(), this->getFileFullPath());

@@ -1,6 +1,7 @@
 #include <dataModule/fileOperator/TableOperator.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -9,6 +10,7 @@
 #include <dataModule/common/EventIdGenerator.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
+#include <dataModule/fileOperator/PendingStores.h>
 #include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/fileOperator/WrittenSection.h>
 
@@ -98,7 +100,7 @@ bool TableOperator::loadData(const std::vector<int>& dims, std::vector<_Argument
     // Not timed: no line tells how long a read took, and two readings of the clock would be half of its work.
     if (!checkRequest(dims))
         return false;
-    SectionLock lock(m_criticalSection);
+    TableLock lock(m_criticalSection);
     dumpRecord(dims.data());
     const int* record = recordAt(m_layout.recordIndex(dims.data()));
     if (args.empty())
@@ -122,12 +124,19 @@ bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_A
     }
     {
         SectionLock lock(m_criticalSection);
-        if (!completeRecord(dims))
+        // Again: whoever forbade storing meanwhile has dropped what was pending, and this would come after it.
+        if (!getStoreFileFlag()) {
+            DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+            return true;
+        }
+        const int record = m_layout.recordIndex(dims.data());
+        // While nothing is loaded there is no file to complete it from; the load does that.
+        if (isLoaded() && !holdsRecord(record) && !completeUnderStores(record))
             return false;
         bool changed = false;
-        putFields(args, recordAt(m_layout.recordIndex(dims.data())), changed);
+        const PendingStores::Fields fields = putFields(args, recordAt(record), changed);
         if (changed)
-            postRecord(dims.data());
+            postRecord(dims.data(), fields);
         else
             DM_INFO("No field value is changed,so NEEDN'T store.\n");
         logIndices(DebugOutput::Level::Info, messages.updated, dims);
@@ -157,18 +166,21 @@ void TableOperator::getFields(const int* record, std::vector<_Argument_t>& args)
     }
 }
 
-void TableOperator::putFields(const std::vector<_Argument_t>& args, int* record, bool& changed) const {
+std::uint64_t TableOperator::putFields(const std::vector<_Argument_t>& args, int* record, bool& changed) const {
+    PendingStores::Fields named = 0;
     for (const _Argument_t& argument : args) {
         const Field* field = m_names.find(argument.name);
         if (field == nullptr) {
             DM_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
             continue;
         }
+        named |= PendingStores::fieldAt(field->position);
         if (record[field->position] == argument.value)
             continue;
         record[field->position] = argument.value;
         changed = true;
     }
+    return named;
 }
 
 void TableOperator::putField(const char* key, int value, int* record) const {
@@ -201,43 +213,75 @@ void TableOperator::dumpId(const int* indices) {
         formatId(indices, id, sizeof id);
 }
 
-void TableOperator::postRecord(const int* indices) {
+void TableOperator::postRecord(const int* indices, std::uint64_t fields) {
     const int record = m_layout.recordIndex(indices);
     std::unique_ptr<Event> event(makeEvent(toVector(m_layout, indices), recordAt(record)));
-    m_unwritten[record] = {event->id(), false, {}};
-    Event::postOrDelete(parent(), event.release());
+    const int id = event->id();
+    // While storing is forbidden the worker drops what it gets.
+    if (getStoreFileFlag())
+        m_pending->stored(record, id, fields);
+    if (!Event::postOrDelete(parent(), event.release()))
+        m_pending->failed(record, id);
     noteChange(record);
 }
 
-// --- records that are not in the file yet, while the table is loaded ---
+// --- what is stored and not on the disk, while the table is loaded anew ---
 
-void TableOperator::saveUnwritten() {
-    for (auto& [record, unwritten] : m_unwritten) {
-        // Where values are kept already the table holds a file of somebody else.
-        if (unwritten.values.empty())
-            unwritten.values.assign(recordAt(record), recordAt(record) + m_layout.fieldCount());
+AbstractFileOperator::KeptStore TableOperator::keptStore(int record, std::uint64_t fields) {
+    return {record, fields, std::vector<int>(recordAt(record), recordAt(record) + m_layout.fieldCount())};
+}
+
+std::vector<AbstractFileOperator::KeptStore> TableOperator::keptStores() {
+    std::vector<KeptStore> kept;
+    for (const PendingStores::Store& store : m_pending->all())
+        kept.push_back(keptStore(store.record, store.fields));
+    return kept;
+}
+
+void TableOperator::putFieldsBack(const KeptStore& store) {
+    int* const record = recordAt(store.record);
+    for (int position = 0; position < m_layout.fieldCount(); ++position) {
+        if ((store.fields & PendingStores::fieldAt(position)) != 0)
+            record[position] = store.values[static_cast<std::size_t>(position)];
     }
 }
 
-void TableOperator::putBackUnwritten(bool loaded) {
-    std::vector<int> failed;
-    for (auto& [record, unwritten] : m_unwritten) {
-        std::copy(unwritten.values.begin(), unwritten.values.end(), recordAt(record));
-        unwritten.values.clear();
-        recordPutBack(record);
-        if (loaded && unwritten.hasFailed)
-            failed.push_back(record);
-    }
-    for (const int record : failed) {
+void TableOperator::putBack(const std::vector<KeptStore>& stores, bool post) {
+    for (const KeptStore& store : stores) {
+        putFieldsBack(store);
+        if (!post)
+            continue;
+        // What is queued was copied from the table as it was.
+        m_snapshotFloor.raise(store.record, EventIdGenerator::instance()->peekNextEventId());
         int indices[MAX_DIMENSIONS] = {};
-        m_layout.indicesOf(record, indices);
-        postRecord(indices);
+        m_layout.indicesOf(store.record, indices);
+        if (holdsRecord(store.record) || completeUnderStores(store.record)) {
+            postRecord(indices, store.fields);
+            continue;
+        }
+        const int id = EventIdGenerator::instance()->createNextEventId();
+        m_pending->stored(store.record, id, store.fields);
+        m_pending->failed(store.record, id);
     }
 }
 
-void TableOperator::forgetUnwritten() {
-    SectionLock lock(m_criticalSection);
-    m_unwritten.clear();
+bool TableOperator::completeUnderStores(int record) {
+    int indices[MAX_DIMENSIONS] = {};
+    m_layout.indicesOf(record, indices);
+    const std::vector<PendingStores::Store> stores = m_pending->all();
+    const auto store = std::find_if(stores.begin(), stores.end(),
+                                    [record](const PendingStores::Store& one) { return one.record == record; });
+    const KeptStore kept = keptStore(record, store != stores.end() ? store->fields : 0);
+    if (!completeRecord(toVector(m_layout, indices)))
+        return false;
+    putFieldsBack(kept);
+    return true;
+}
+
+void TableOperator::recordRead(const int* indices) {
+    const int read = m_layout.recordIndex(indices);
+    m_pending->drop([read](int record) { return record == read; });
+    m_snapshotFloor.raise(read, EventIdGenerator::instance()->peekNextEventId());
 }
 
 // --- one record from the factory or current copy ---
@@ -253,8 +297,10 @@ bool TableOperator::restoreOne(const std::vector<int>& dims) {
     const bool restored = loadDataFromManufactoryFile(dims);
     switchToNormal();
     closeIfReleased();
-    if (restored)
+    if (restored) {
+        recordRead(dims.data());
         postRecord(dims.data());
+    }
     return restored;
 }
 
@@ -270,12 +316,12 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
         return false;
     }
     // What is still queued for this section was just discarded (invariant 4).
-    m_unwritten.erase(m_layout.recordIndex(dims.data()));
-    m_snapshotFloor.raise(m_layout.recordIndex(dims.data()), EventIdGenerator::instance()->peekNextEventId());
+    recordRead(dims.data());
     return true;
 }
 
 bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
+    const SectionStep step(m_criticalSection);
     dumpId(dims.data());
     if (!m_factoryVerified && !switchToManufactory())
         return false;
@@ -284,6 +330,7 @@ bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
 }
 
 bool TableOperator::loadDataFromCurrentFile(const std::vector<int>& dims) {
+    const SectionStep step(m_criticalSection);
     const bool opened = openCurrent();
     DM_INFO("Load data from file [%s] when restore setting from current.\n", getFileFullPath());
     const bool read = opened && readSectionAt(dims);
@@ -348,6 +395,8 @@ struct TableOperator::FactoryReading {
 
     bool load(const int* indices) TD_NO_THREAD_SAFETY_ANALYSIS {
         op.m_factoryVerified = op.loadDataFromManufactoryFile(toVector(op.m_layout, indices));
+        if (op.m_factoryVerified)
+            op.recordRead(indices);
         return op.m_factoryVerified;
     }
 
@@ -417,9 +466,11 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
     {
         SectionLock lock(m_criticalSection);
         dumpRecord(dims.data());
-        const std::vector<int> records = copyRecord(copy, dims.data());
-        if (!records.empty())
-            writeAtOnce(records);
+        // Again, as for a single store.
+        if (!getStoreFileFlag())
+            return true;
+        if (copyRecord(copy, dims.data()))
+            writeAtOnce();
         if (copy.writesAtOnce)
             setBackupReq(true);
     }
@@ -427,9 +478,9 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
     return true;
 }
 
-std::vector<int> TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
+bool TableOperator::copyRecord(const BulkCopy& copy, const int* indices) {
     const int* given = recordAt(m_layout.recordIndex(indices));
-    std::vector<int> atOnce;
+    bool anyAtOnce = false;
     for (AxisSweep sweep(m_layout, indices, copy.axes); !sweep.done(); sweep.next()) {
         const int record = m_layout.recordIndex(sweep.indices());
         int* other = recordAt(record);
@@ -442,33 +493,31 @@ std::vector<int> TableOperator::copyRecord(const BulkCopy& copy, const int* indi
             continue;
         }
         addAtOnce(sweep.indices());
-        atOnce.push_back(record);
+        anyAtOnce = true;
     }
-    return atOnce;
+    return anyAtOnce;
 }
 
 /// Goes past the queue, so what is queued for the section is out of date afterwards (invariant 4).
 void TableOperator::addAtOnce(const int* indices) {
     const int record = m_layout.recordIndex(indices);
     const std::unique_ptr<Event> event(makeEvent(toVector(m_layout, indices), recordAt(record)));
+    m_pending->stored(record, event->id(), PendingStores::ALL_FIELDS);
     m_writingAtOnce = true;
     syncSectionToFile(event.get());
-    m_unwritten[record] = {event->id(), true, {}};
     m_snapshotFloor.raise(record, EventIdGenerator::instance()->peekNextEventId());
     noteChange(record);
 }
 
-void TableOperator::writeAtOnce(const std::vector<int>& records) {
+void TableOperator::writeAtOnce() {
     // No checksum makes good what is not all written: that is left to the redo record, or to the backup.
     if (!writeSections()) {
         DM_WARNING("write sections for file [%s] failed!\n", getFileFullPath());
         logWhere();
+        writeEnded(false);
         return;
     }
-    if (!updateCrcCode() || mergePending())
-        return;
-    for (const int record : records)
-        m_unwritten.erase(record);
+    updateCrcCode();
 }
 
 // --- between a refresh from the factory copy and the reset of the current one ---
@@ -486,11 +535,12 @@ void TableOperator::noteChange(int record) {
 void TableOperator::postChangesSinceRefresh() {
     m_refreshed = false;
     const std::set<int> changed = std::exchange(m_changedSinceRefresh, {});
+    m_pending->drop([&changed](int record) { return changed.count(record) == 0; });
     for (const int record : changed) {
         int indices[MAX_DIMENSIONS] = {};
         m_layout.indicesOf(record, indices);
         // A load may have taken the record out of the table again.
-        if (completeRecord(toVector(m_layout, indices)))
+        if (holdsRecord(record) || completeUnderStores(record))
             postRecord(indices);
     }
 }
@@ -518,26 +568,60 @@ bool TableOperator::storeDataForSelfDefinedGroup(const std::vector<int>&, const 
 
 // --- writing ---
 
+/// Says what becomes of an event's store, however the step ends.
+struct TableOperator::SectionWriting {
+    SectionWriting(PendingStores& pendingStores, int writtenRecord, int writtenEvent)
+        : pending(pendingStores), record(writtenRecord), event(writtenEvent) {}
+    ~SectionWriting() {
+        if (!goesOn)
+            pending.failed(record, event);
+    }
+    SectionWriting(const SectionWriting&) = delete;
+    SectionWriting& operator=(const SectionWriting&) = delete;
+
+    PendingStores& pending;
+    const int record;
+    const int event;
+    bool goesOn = false;
+};
+
 bool TableOperator::syncSectionToFile(Event* event) {
+    const SectionStep step(m_criticalSection);
     const bool atOnce = std::exchange(m_writingAtOnce, false);
     const int* record = event != nullptr ? recordOf(*event) : nullptr;
     if (record == nullptr || !checkRequest(event->dimensions()))
         return false;
     const int index = m_layout.recordIndex(event->dimensions().data());
-    // The value is in the table that is about to be written as a whole, or was taken back or replaced since.
-    const bool isOutdated = mergePending() || (!atOnce && m_snapshotFloor.isStale(index, event->id()));
-    if (isOutdated)
+    SectionWriting writing(*m_pending, index, event->id());
+    // A write that was begun and never ended with its checksum.
+    if (!atOnce)
+        writeEnded(false);
+    if (mergePending()) {
+        // The value is in the table that is about to be written as a whole.
+        m_pending->leftToMerge(index, event->id());
         noteSectionSkipped();
-    const bool isWritten = isOutdated || writeSnapshot(*event, record, atOnce);
-    const auto unwritten = m_unwritten.find(index);
-    if (unwritten != m_unwritten.end() && unwritten->second.event == event->id()) {
-        // A merge has its file still to write, and may fail to.
-        if (isWritten && !mergePending())
-            m_unwritten.erase(unwritten);
-        else
-            unwritten->second.hasFailed = true;
+        writing.goesOn = true;
+        return true;
     }
-    return isWritten;
+    if (!makeUpForLoad())
+        return false;
+    if (!atOnce && m_snapshotFloor.isStale(index, event->id())) {
+        // It was taken back or replaced since.
+        noteSectionSkipped();
+        writing.goesOn = true;
+        return true;
+    }
+    writing.goesOn = writeSnapshot(*event, record, atOnce);
+    return writing.goesOn;
+}
+
+void TableOperator::writeEnded(bool done) {
+    for (const InWrite& write : std::exchange(m_inWrite, {})) {
+        if (done)
+            m_pending->written(write.record, write.event);
+        else
+            m_pending->failed(write.record, write.event);
+    }
 }
 
 bool TableOperator::writeSnapshot(const Event& event, const int* record, bool atOnce) {
@@ -561,12 +645,55 @@ bool TableOperator::writeSnapshot(const Event& event, const int* record, bool at
         closeIfReleased();
         return false;
     }
-    if (!addRecord(record) || (!atOnce && !writeSections())) {
+    const int index = m_layout.recordIndex(dims.data());
+    bool added = addRecord(record);
+    if (added) {
+        m_inWrite.push_back({index, event.id()});
+        if (!atOnce) {
+            addFailed(index);
+            added = writeSections();
+        }
+    }
+    if (!added) {
         DM_WARNING("write section %s for file [%s] failed!\n", idText(dims.data()).c_str(), getFileFullPath());
         logWhere();
+        if (!atOnce)
+            writeEnded(false);
         return false;
     }
     return true;
+}
+
+void TableOperator::addFailed(int besides) {
+    // So that the redo record stays a small one; what is left follows with the next write, or with the next retry.
+    constexpr std::size_t MOST = 256;
+    for (const PendingStores::Store& store : m_pending->failedOnes(MOST)) {
+        if (store.record == besides || (!holdsRecord(store.record) && !completeUnderStores(store.record)))
+            continue;
+        const int position = contentPosition() + m_layout.headerLength() + m_layout.sectionLength() * store.record;
+        if (m_file.setPos(position) && sectionIsInFile() && addRecord(recordAt(store.record)))
+            m_inWrite.push_back({store.record, store.event});
+    }
+}
+
+bool TableOperator::writeFailed() {
+    if (mergeUnwritten() && !mergedByOther())
+        return createFile();
+    if (!m_pending->hasFailed())
+        return true;
+    if (!openCurrent())
+        return false;
+    writeEnded(false);
+    addFailed(-1);
+    if (m_inWrite.empty()) {
+        errno = ERANGE; // none of them fits its columns
+        return false;
+    }
+    if (!writeSections()) {
+        writeEnded(false);
+        return false;
+    }
+    return updateCrcCode() && !m_pending->hasFailed();
 }
 
 bool TableOperator::sectionIsInFile() {

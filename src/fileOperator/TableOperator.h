@@ -6,7 +6,7 @@
 /// event; the worker writes the event's copy of the record.
 #pragma once
 
-#include <map>
+#include <cstdint>
 #include <set>
 #include <string>
 #include <vector>
@@ -55,8 +55,6 @@ public:
     /// Reads one record from the current copy into the table. The caller holds the critical section.
     bool loadDataFromCurrentFile(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
 
-    void forgetUnwritten() override TD_EXCLUDES(m_criticalSection);
-
     const CategoryLayout& layoutOf() const { return m_layout; }
 
 protected:
@@ -67,16 +65,15 @@ protected:
     virtual Event* makeEvent(const std::vector<int>& dims, const int* record) = 0;
     /// The record that an event of this category carries; null for any other event.
     virtual const int* recordOf(const Event& event) const = 0;
-    /// Called before fields of a record are changed: makes sure that the table holds the whole record. On false the
-    /// store is refused. A table that is always read whole has nothing to do.
+    /// Whether the table holds the whole record; a table that is always read whole does.
+    virtual bool holdsRecord(int /*record*/) const TD_REQUIRES(m_criticalSection) { return true; }
+    /// Reads a record that it does not hold from the current copy. False when that cannot be done.
     virtual bool completeRecord(const std::vector<int>&) TD_REQUIRES(m_criticalSection) { return true; }
 
-    /// A record that is not in the file yet was put back into the table.
-    virtual void recordPutBack(int /*record*/) TD_REQUIRES(m_criticalSection) {}
-
-    void saveUnwritten() override TD_REQUIRES(m_criticalSection);
-    void putBackUnwritten(bool loaded) override TD_REQUIRES(m_criticalSection);
-    void snapshotsOutdated() override TD_REQUIRES(m_criticalSection) { m_unwritten.clear(); }
+    std::vector<KeptStore> keptStores() override TD_REQUIRES(m_criticalSection);
+    void putBack(const std::vector<KeptStore>& stores, bool post) override TD_REQUIRES(m_criticalSection);
+    void writeEnded(bool done) override TD_REQUIRES(m_criticalSection);
+    bool writeFailed() override TD_REQUIRES(m_criticalSection);
     void postChangesSinceRefresh() override TD_REQUIRES(m_criticalSection);
     void tableRefreshed() override TD_REQUIRES(m_criticalSection);
 
@@ -93,7 +90,8 @@ protected:
     bool readRecordByKey(char* line, int* record, bool& endOfFile) TD_REQUIRES(m_criticalSection);
     void listFields(const int* record, std::vector<_Argument_t>& args) const;
     void getFields(const int* record, std::vector<_Argument_t>& args) const;
-    void putFields(const std::vector<_Argument_t>& args, int* record, bool& changed) const;
+    /// The fields that were named, a bit for each (PendingStores::Fields).
+    std::uint64_t putFields(const std::vector<_Argument_t>& args, int* record, bool& changed) const;
     void putField(const char* key, int value, int* record) const;
     /// Logs one record of the table, if the detail log is on.
     void dumpRecord(const int* indices) TD_REQUIRES(m_criticalSection);
@@ -106,8 +104,8 @@ protected:
     }
     /// Checks number and range of a request's indices, with a log line when they are wrong.
     bool checkRequest(const std::vector<int>& dims) const;
-    /// Posts a snapshot of the record.
-    void postRecord(const int* indices) TD_REQUIRES(m_criticalSection);
+    /// Posts a snapshot of the record, of which these fields were stored (PendingStores::Fields).
+    void postRecord(const int* indices, std::uint64_t fields = ~std::uint64_t{0}) TD_REQUIRES(m_criticalSection);
     /// What logs call the section: its id with brackets.
     std::string idText(const int* indices) const;
 
@@ -118,12 +116,22 @@ private:
     void logIndices(DebugOutput::Level level, const char* format, const std::vector<int>& dims) const;
     bool sameValues(const int* one, const int* other) const;
     bool copyToOthers(const BulkCopy& copy, const std::vector<int>& dims) TD_EXCLUDES(m_criticalSection);
-    /// Copies the record to the others that the copy visits. The result: those that are to be written at once.
-    std::vector<int> copyRecord(const BulkCopy& copy, const int* indices) TD_REQUIRES(m_criticalSection);
-    /// Writes what was added for these records.
-    void writeAtOnce(const std::vector<int>& records) TD_REQUIRES(m_criticalSection);
+    /// Copies the record to the others that the copy visits. Whether some are to be written at once.
+    bool copyRecord(const BulkCopy& copy, const int* indices) TD_REQUIRES(m_criticalSection);
+    /// Writes what was added.
+    void writeAtOnce() TD_REQUIRES(m_criticalSection);
     /// Adds the record's section to those that writeSections() is to write.
     bool addRecord(const int* record) TD_REQUIRES(m_criticalSection);
+    /// The same, at their places, for the records whose writes failed, but for that of the write that takes them along.
+    void addFailed(int besides) TD_REQUIRES(m_criticalSection);
+    /// Makes sure that the table holds the whole record, under what was stored in it.
+    bool completeUnderStores(int record) TD_REQUIRES(m_criticalSection);
+    /// The fields of the store that is pending for the record, as the table holds them.
+    KeptStore keptStore(int record, std::uint64_t fields) TD_REQUIRES(m_criticalSection);
+    void putFieldsBack(const KeptStore& store) TD_REQUIRES(m_criticalSection);
+    /// The record was read from a copy: what was stored before is given up.
+    void recordRead(const int* indices) TD_REQUIRES(m_criticalSection);
+    struct SectionWriting;
     void addAtOnce(const int* indices) TD_REQUIRES(m_criticalSection);
     struct FactoryReading;
     bool restoreOne(const std::vector<int>& dims) TD_REQUIRES(m_criticalSection);
@@ -155,14 +163,13 @@ private:
     std::vector<int> m_section TD_GUARDED_BY(m_criticalSection); ///< the record being read, until it is whole
     /// Between a refresh from the factory copy and the reset of the current one: the records stored meanwhile.
     std::set<int> m_changedSinceRefresh TD_GUARDED_BY(m_criticalSection);
-    /// What was stored in a record and is not in the file yet.
-    struct Unwritten {
-        int event = 0;           ///< the newest
-        bool hasFailed = false;  ///< it was handled, and is not written
-        std::vector<int> values; ///< while the table is loaded, or holds another file
+    /// What is being written: it is on the disk when the checksum is.
+    struct InWrite {
+        int record = 0;
+        int event = 0;
     };
-    std::map<int, Unwritten> m_unwritten TD_GUARDED_BY(m_criticalSection); ///< by record
-    bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false;         ///< the snapshot to be written is the newest
+    std::vector<InWrite> m_inWrite TD_GUARDED_BY(m_criticalSection);
+    bool m_writingAtOnce TD_GUARDED_BY(m_criticalSection) = false; ///< the snapshot to be written is the newest
     bool m_refreshed TD_GUARDED_BY(m_criticalSection) = false;
     bool m_factoryVerified TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is the factory copy
 };

@@ -256,7 +256,7 @@ TEST_F(WhiteBalanceTest, AStoreBetweenRefreshAndResetIsWrittenWholeEvenIfTheTabl
     ASSERT_TRUE(m_op.refreshDataFromManufactory());
     ASSERT_TRUE(storeValue(m_op, first(3), "RGain", 103)) << "the calibrated value: nothing is to change";
     ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 7));
-    ASSERT_TRUE(m_op.refreshDataFromCurrent());
+    ASSERT_TRUE(m_op.releaseFile() && m_op.loadFile());
     EXPECT_EQ(valueOf(m_op, first(4), "RGain"), 0) << "bin 0 is in memory again, and what was stored, and only that";
     ASSERT_TRUE(m_op.resetCurrentFileFromManufactoryFile());
     m_parent.deliver();

@@ -560,56 +560,6 @@ TEST_F(LifecycleTest, NothingIsOpenAfterARelease) {
     }
 }
 
-TEST_F(LifecycleTest, ALoadKeepsWhatWasStoredAndIsNotWrittenYet) {
-    ASSERT_NO_FATAL_FAILURE(makeCopies());
-    auto op = makeOperator();
-    ASSERT_TRUE(op->loadFile());
-    const auto currentWith = [&](int value) {
-        return withChecksum(withValue(goodText(Copy::Current), "[Global]\n", FIELD, value));
-    };
-    // Still queued.
-    const std::function<void()> loads[] = {
-        [&] { EXPECT_TRUE(op->releaseFile() && op->loadFile()); },
-        [&] { EXPECT_TRUE(op->refreshDataFromCurrent()); },
-    };
-    for (const auto& load : loads) {
-        const int before = valueOf(*op, {}, FIELD);
-        EXPECT_TRUE(storeValue(*op, {}, FIELD, before + 1));
-        load();
-        EXPECT_EQ(valueOf(*op, {}, FIELD), before + 1);
-        EXPECT_EQ(m_parent.deliver(), 1);
-        EXPECT_EQ(current(), currentWith(before + 1));
-    }
-    // Not written while the file was released: posted again.
-    op->releaseFile();
-    EXPECT_TRUE(storeValue(*op, {}, FIELD, 50));
-    EXPECT_EQ(m_parent.deliver(), 0);
-    ASSERT_TRUE(op->loadFile());
-    EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
-    EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_EQ(current(), currentWith(50));
-    // Nor does a look at another file come between.
-    op->releaseFile();
-    EXPECT_TRUE(storeValue(*op, {}, FIELD, 40));
-    EXPECT_EQ(m_parent.deliver(), 0);
-    EXPECT_TRUE(op->loadFile(m_root.path(Copy::Factory, PICTURE_GLOBAL_FILE).c_str()));
-    EXPECT_NE(valueOf(*op, {}, FIELD), 40);
-    ASSERT_TRUE(op->loadFile());
-    EXPECT_EQ(valueOf(*op, {}, FIELD), 40);
-    EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_TRUE(storeValue(*op, {}, FIELD, 50));
-    EXPECT_EQ(m_parent.deliver(), 1);
-    // Taken back, or dropped because writing is forbidden.
-    EXPECT_TRUE(storeValue(*op, {}, FIELD, 51));
-    EXPECT_TRUE(op->restoreSettingFromCurrent({}));
-    EXPECT_TRUE(op->refreshDataFromCurrent());
-    EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
-    EXPECT_TRUE(storeValue(*op, {}, FIELD, 52));
-    op->forgetUnwritten();
-    EXPECT_TRUE(op->refreshDataFromCurrent());
-    EXPECT_EQ(valueOf(*op, {}, FIELD), 50);
-}
-
 TEST_F(LifecycleTest, NothingIsReadBackFromAFileThatIsBeingMerged) {
     ASSERT_NO_FATAL_FAILURE(makeCopies());
     m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, replaced(goodText(Copy::Current), "v0.4", "v0.3"));
@@ -816,8 +766,7 @@ TEST_F(TornStoreTest, DoesNotTouchAnotherFileInItsPlace) {
     m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, goodText(Copy::Factory));
     EXPECT_TRUE(m_op->backup());
     EXPECT_EQ(current(), goodText(Copy::Factory));
-    EXPECT_TRUE(m_op->refreshDataFromCurrent());
-    EXPECT_EQ(m_parent.deliver(), 1) << "as a store like any other";
+    m_op->tryAgain();
     EXPECT_EQ(current(), stored(goodText(Copy::Factory)));
 }
 
@@ -842,8 +791,7 @@ TEST_F(LifecycleTest, WithoutADescriptorNothingIsWrittenAndNothingGivenUp) {
     }
     EXPECT_EQ(current(), before);
     EXPECT_EQ(valueOf(*op, {}, FIELD), 9);
-    EXPECT_TRUE(op->refreshDataFromCurrent());
-    EXPECT_EQ(m_parent.deliver(), 1);
+    op->tryAgain();
     EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 9)));
 
     EXPECT_FALSE(op->updateChecksumWithoutDescriptors());

@@ -1,0 +1,213 @@
+#include <dataModule/fileOperator/PendingStores.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <dataModule/common/EventIdGenerator.h>
+
+namespace td {
+
+namespace {
+
+/// Ids wrap around.
+bool isBefore(int id, int other) {
+    return static_cast<int>(static_cast<unsigned int>(id) - static_cast<unsigned int>(other)) < 0;
+}
+
+int following(int id) {
+    return static_cast<int>(static_cast<unsigned int>(id) + 1U);
+}
+
+/// Wakes the waits of the process whenever something became of a store. Never destroyed: threads may use it while the
+/// process exits.
+class Changes {
+public:
+    static Changes& instance() {
+        static auto& changes = *new Changes;
+        return changes;
+    }
+
+    void note() {
+        ++m_count;
+        if (m_waiting == 0)
+            return;
+        const MutexLock lock(m_mutex);
+        m_noted.broadcast();
+    }
+    unsigned int count() const { return m_count; }
+    /// Waits until there are more than `seen`; false when the time ran out.
+    bool waitBeyond(unsigned int seen, const timespec& deadline) {
+        const MutexLock lock(m_mutex);
+        ++m_waiting;
+        int result = 0;
+        while (m_count == seen && result != ETIMEDOUT)
+            result = m_noted.waitUntil(m_mutex, deadline);
+        --m_waiting;
+        return m_count != seen;
+    }
+
+private:
+    std::atomic<unsigned int> m_count{0};
+    std::atomic<int> m_waiting{0};
+    Mutex m_mutex; ///< what m_noted needs
+    Condition m_noted;
+};
+
+} // namespace
+
+void PendingStores::stored(int record, int event, Fields fields) {
+    const MutexLock lock(m_mutex);
+    const auto [entry, isNew] = m_records.try_emplace(record);
+    Pending& pending = entry->second;
+    if (isNew)
+        pending.since = event;
+    pending.event = event;
+    pending.fields |= fields;
+    pending.state = State::Queued;
+}
+
+void PendingStores::written(int record, int event) {
+    {
+        const MutexLock lock(m_mutex);
+        const auto entry = m_records.find(record);
+        if (entry == m_records.end())
+            return;
+        if (entry->second.event == event)
+            m_records.erase(entry);
+        else if (isBefore(event, entry->second.event))
+            entry->second.since = following(event);
+    }
+    Changes::instance().note();
+}
+
+void PendingStores::failed(int record, int event) {
+    setState(record, event, State::Failed);
+}
+
+void PendingStores::leftToMerge(int record, int event) {
+    setState(record, event, State::LeftToMerge);
+}
+
+void PendingStores::setState(int record, int event, State state) {
+    {
+        const MutexLock lock(m_mutex);
+        const auto entry = m_records.find(record);
+        if (entry == m_records.end() || entry->second.event != event)
+            return;
+        entry->second.state = state;
+    }
+    Changes::instance().note();
+}
+
+void PendingStores::mergeFailed() {
+    {
+        const MutexLock lock(m_mutex);
+        for (auto& [record, pending] : m_records) {
+            if (pending.state == State::LeftToMerge)
+                pending.state = State::Failed;
+        }
+    }
+    Changes::instance().note();
+}
+
+void PendingStores::allWritten() {
+    {
+        const MutexLock lock(m_mutex);
+        m_records.clear();
+    }
+    Changes::instance().note();
+}
+
+void PendingStores::drop() {
+    drop([](int) { return true; });
+}
+
+void PendingStores::drop(const std::function<bool(int record)>& gives) {
+    {
+        const MutexLock lock(m_mutex);
+        for (auto entry = m_records.begin(); entry != m_records.end();) {
+            if (!gives(entry->first)) {
+                ++entry;
+                continue;
+            }
+            for (StoreWait* const wait : m_waits) {
+                if (isBefore(entry->second.since, wait->m_next))
+                    wait->m_lost = true;
+            }
+            entry = m_records.erase(entry);
+        }
+    }
+    Changes::instance().note();
+}
+
+std::vector<PendingStores::Store> PendingStores::all() const {
+    const MutexLock lock(m_mutex);
+    std::vector<Store> stores;
+    stores.reserve(m_records.size());
+    for (const auto& [record, pending] : m_records)
+        stores.push_back({record, pending.event, pending.fields});
+    return stores;
+}
+
+std::vector<PendingStores::Store> PendingStores::failedOnes(std::size_t most) const {
+    const MutexLock lock(m_mutex);
+    std::vector<Store> stores;
+    for (const auto& [record, pending] : m_records) {
+        if (pending.state == State::Failed && stores.size() < most)
+            stores.push_back({record, pending.event, pending.fields});
+    }
+    return stores;
+}
+
+bool PendingStores::hasFailed() const {
+    const MutexLock lock(m_mutex);
+    return std::any_of(m_records.begin(), m_records.end(),
+                       [](const auto& entry) { return entry.second.state == State::Failed; });
+}
+
+StoreWait::StoreWait(std::vector<std::shared_ptr<PendingStores>> categories)
+    : m_next(EventIdGenerator::instance()->peekNextEventId()), m_categories(std::move(categories)) {
+    for (const auto& category : m_categories) {
+        const MutexLock lock(category->m_mutex);
+        category->m_waits.push_back(this);
+    }
+}
+
+StoreWait::~StoreWait() {
+    for (const auto& category : m_categories) {
+        const MutexLock lock(category->m_mutex);
+        auto& waits = category->m_waits;
+        waits.erase(std::remove(waits.begin(), waits.end(), this), waits.end());
+    }
+}
+
+bool StoreWait::wait(const timespec& deadline) {
+    for (;;) {
+        const unsigned int seen = Changes::instance().count();
+        if (m_lost)
+            return false;
+        const Left still = left();
+        if (still != Left::OnTheWay)
+            return still == Left::Nothing && !m_lost;
+        if (!Changes::instance().waitBeyond(seen, deadline))
+            return left() == Left::Nothing && !m_lost;
+    }
+}
+
+StoreWait::Left StoreWait::left() const {
+    Left worst = Left::Nothing;
+    for (const auto& category : m_categories) {
+        const MutexLock lock(category->m_mutex);
+        for (const auto& [record, pending] : category->m_records) {
+            if (!isBefore(pending.since, m_next))
+                continue;
+            if (pending.state != PendingStores::State::Failed)
+                return Left::OnTheWay;
+            worst = Left::OnlyFailed;
+        }
+    }
+    return worst;
+}
+
+} // namespace td
