@@ -103,7 +103,14 @@ TEST_F(ManagerTest, AccessorsKeepWhatTheyAreGiven) {
     EXPECT_TRUE(m_manager.setTvType("twenty characters xx"));
     EXPECT_STREQ(m_manager.getTvType(), "twenty characte");
     EXPECT_FALSE(m_manager.setTvType(nullptr));
-    EXPECT_STREQ(m_manager.getTvType(), "twenty characte");
+    const char* const before = m_manager.getTvType();
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(m_manager.setTvType("OTHER\n1"));
+        EXPECT_STREQ(m_manager.getTvType(), "OTHER");
+        EXPECT_STREQ(before, "twenty characte") << "whoever has the text may go on reading it";
+        EXPECT_TRUE(m_manager.setTvType(before));
+        EXPECT_EQ(m_manager.getTvType(), before) << "one of each is kept";
+    }
 
     EXPECT_FALSE(m_manager.getReservedFlag());
     m_manager.setReservedFlag(true);
@@ -348,6 +355,7 @@ TEST_F(ManagerTest, OneFailedFileFailsATypedLoadAndTheOthersAreLoaded) {
 }
 
 TEST_F(ManagerTest, AResetMakesTheTypeLoadableAgain) {
+    EXPECT_FALSE(m_manager.loadAllData()) << "before init() nothing is loaded, and nothing counts as loaded";
     ASSERT_TRUE(m_manager.init(DS_SCOPE_ALL));
     EXPECT_FALSE(m_manager.loadAllData());
     EXPECT_TRUE(m_manager.loadAllData(SOUND)) << "everything is loaded";

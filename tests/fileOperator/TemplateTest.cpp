@@ -69,7 +69,7 @@ TEST_F(PictureModeTest, AnswersNamedFieldsAndWholeRecords) {
     EXPECT_EQ(args[2].value, -3);
     EXPECT_EQ(args[3].value, 50);
     EXPECT_EQ(m_log.count("The field [Nothing] is invalid.\n"), 1U);
-    EXPECT_EQ(m_log.count("] is invalid.\n"), 2U);
+    EXPECT_EQ(m_log.count("The field [] is invalid.\n"), 1U);
 
     const std::pair<const char*, int> record[] = {
         {"Contrast", 50},
@@ -401,9 +401,12 @@ TEST_F(PictureModeTest, DumpsARecordWhileTheDetailLogIsOn) {
     EXPECT_EQ(m_log.count(dump), 2U);
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_TRUE(m_log.contains("section content:\nContrast                 = 0050\n"));
+    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 1U) << "of the section that was written";
+    EXPECT_TRUE(m_op->restoreSetting(DIMS));
+    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 2U) << "and of the one that was read";
     for (const LogCapture::Line& line : m_log.lines()) {
         if (line.text.find("contrast = ") != std::string::npos) {
-            EXPECT_EQ(line.level, DebugOutput::Level::Debug);
+            EXPECT_EQ(line.level, DebugOutput::Level::Info);
         }
     }
 }
@@ -433,6 +436,8 @@ TEST_F(PictureModeTest, TypedMembersTranslate) {
     EXPECT_TRUE(changed);
     m_op->putFieldsToData("Brightness", 13, record);
     m_op->putFieldsToData("Nothing", 14, record);
+    m_op->putFieldsToData(nullptr, 15, record);
+    EXPECT_FALSE(m_op->parseSection(nullptr, source, mode, range));
     EXPECT_EQ(record.contrast, 12);
     EXPECT_EQ(record.brightness, 13);
     EXPECT_EQ(record.gradient, -3);
