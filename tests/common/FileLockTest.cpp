@@ -9,8 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileLock.h>
 
+#include "Gate.h"
 #include "TemporaryDirectory.h"
 
 namespace td::test {
@@ -39,15 +41,28 @@ TEST_F(FileLockTest, SharedOnesGoTogetherAnExclusiveOneGoesAlone) {
 }
 
 TEST_F(FileLockTest, WaitsForTheOther) {
+    const timespec past{};
     ASSERT_TRUE(m_one.lock(m_path, Kind::Exclusive));
-    std::atomic<bool> given{false};
-    std::thread waiter([&] {
-        EXPECT_TRUE(m_other.lock(m_path, Kind::Exclusive));
-        EXPECT_TRUE(given);
-    });
-    given = true;
+    EXPECT_EQ(m_other.lock(m_path, Kind::Exclusive, {past, nullptr}), Attempt::Busy) << "no longer than it may";
     m_one.unlock();
-    waiter.join();
+    // Two that want it all the time: a wait that ends too early, or never, shows.
+    Gate start;
+    std::atomic<int> inside{0};
+    const auto contend = [&](FileLock& lock, const FileLock::Patience& patience) {
+        start.pass();
+        for (int i = 0; i < 500; ++i) {
+            ASSERT_EQ(lock.lock(m_path, Kind::Exclusive, patience), Attempt::Locked);
+            ASSERT_EQ(++inside, 1);
+            std::this_thread::yield();
+            --inside;
+            lock.unlock();
+        }
+    };
+    std::thread patient([&] { contend(m_one, {}); });
+    std::thread limited([&] { contend(m_other, {deadlineIn(60000), nullptr}); });
+    start.open();
+    patient.join();
+    limited.join();
 }
 
 TEST_F(FileLockTest, AProcessThatDiesGivesItsLockBack) {

@@ -284,14 +284,6 @@ TEST_F(ThreadTest, StopIsPromptWhenIdle) {
     EXPECT_EQ(owner.backups, 0);
 }
 
-TEST_F(ThreadTest, KeepsThirtyOneCharactersOfItsName) {
-    const LogCapture log;
-    Thread worker("a name of more than thirty-one characters");
-    ASSERT_TRUE(worker.start());
-    EXPECT_TRUE(log.contains("Create pthread [a name of more than thirty-one ] success ,id = "));
-    EXPECT_TRUE(Thread(nullptr).stop());
-}
-
 TEST_F(ThreadTest, AsksForABackupInEveryIdlePeriod) {
     Gate second;
     FakeOwner owner;

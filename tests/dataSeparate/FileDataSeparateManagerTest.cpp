@@ -75,17 +75,6 @@ protected:
 
 // --- texts and accessors ---
 
-TEST_F(ManagerTest, NamesCategoriesAndTypes) {
-    EXPECT_STREQ(m_manager.getCategory_Str(PICTURE_GAMMA_CALIBRATION_DARK_DETAIL),
-                 "PICTURE_GAMMA_CALIBRATION_DARK_DETAIL");
-    EXPECT_STREQ(m_manager.getCategory_Str(SOUND_EQ_WALLMOUNT), "SOUND_EQ_WALLMOUNT");
-    for (const int unknown : {52, -1})
-        EXPECT_STREQ(m_manager.getCategory_Str(static_cast<_DataCategory_t>(unknown)), "UNKNOWN_CATAGORY");
-    EXPECT_STREQ(m_manager.getType_Str(VIDEO), "VIDEO");
-    EXPECT_STREQ(m_manager.getType_Str(SOUND), "SOUND");
-    EXPECT_STREQ(m_manager.getType_Str(static_cast<_DS_Type_t>(0)), "UNKNOWN type");
-}
-
 TEST_F(ManagerTest, TypesFollowTheRangesOfValues) {
     const std::set<int> sound{16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 34};
     const std::set<int> neither{48, 49, 50, 51};
@@ -98,29 +87,22 @@ TEST_F(ManagerTest, TypesFollowTheRangesOfValues) {
     EXPECT_FALSE(m_manager.belongTo(nullptr, VIDEO));
 }
 
-TEST_F(ManagerTest, AccessorsKeepWhatTheyAreGiven) {
-    EXPECT_STREQ(m_manager.getTvType(), "");
-    EXPECT_TRUE(m_manager.setTvType("twenty characters xx"));
-    EXPECT_STREQ(m_manager.getTvType(), "twenty characte");
+TEST_F(ManagerTest, ATelevisionsTypeIsOneLine) {
+    const std::pair<const char*, const char*> types[] = {
+        {"TV55", "TV55"}, {"TV\n55", "TV"}, {"\x1b[31m", ""}, {"sixteen letters!", "sixteen letters"}};
+    for (const auto& [given, kept] : types) {
+        EXPECT_TRUE(m_manager.setTvType(given));
+        EXPECT_STREQ(m_manager.getTvType(), kept);
+    }
     EXPECT_FALSE(m_manager.setTvType(nullptr));
     const char* const before = m_manager.getTvType();
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(m_manager.setTvType("OTHER\n1"));
         EXPECT_STREQ(m_manager.getTvType(), "OTHER");
-        EXPECT_STREQ(before, "twenty characte") << "whoever has the text may go on reading it";
+        EXPECT_STREQ(before, "sixteen letters") << "whoever has the text may go on reading it";
         EXPECT_TRUE(m_manager.setTvType(before));
         EXPECT_EQ(m_manager.getTvType(), before) << "one of each is kept";
     }
-
-    EXPECT_FALSE(m_manager.getReservedFlag());
-    m_manager.setReservedFlag(true);
-    EXPECT_TRUE(m_manager.getReservedFlag());
-    EXPECT_EQ(m_manager.getReservedValue(), 0);
-    m_manager.setReservedValue(-7);
-    EXPECT_EQ(m_manager.getReservedValue(), -7);
-    EXPECT_TRUE(m_manager.getStoreFileFlag());
-    m_manager.setStoreFileFlag(false);
-    EXPECT_FALSE(m_manager.getStoreFileFlag());
 }
 
 // --- registration ---
@@ -228,11 +210,6 @@ TEST_F(ManagerTest, RoutesEveryRequestToItsOperation) {
     for (const auto& [request, operation] : requests)
         EXPECT_FALSE(request()) << operation << ": nothing is thrown at a client";
     EXPECT_TRUE(m_log.contains("restoreSetting(): [dataModule] unexpected exception: broken\n"));
-}
-
-TEST_F(ManagerTest, AMissingOperatorHasNoFileHandler) {
-    EXPECT_EQ(m_manager.getFileHandler(PICTURE_MODE), nullptr);
-    EXPECT_EQ(m_log.count("find file operator failed for [PICTURE_MODE]. \n"), 1U);
 }
 
 TEST_F(ManagerTest, RefreshIgnoresTheFirstResult) {
@@ -545,22 +522,6 @@ TEST_F(FactoryTest, TheIndexFileNamesTheFactoryDirectory) {
                                expected + "].\n"));
 }
 
-TEST_F(FactoryTest, TheDefaultStaysWithoutAUsableValue) {
-    const std::string failure = " load manufactory path from entry index file failed , use the default path:[" +
-                                m_root.string() + m_default + "]. \n";
-    EXPECT_FALSE(m_manager->loadManufactoryPath());
-    EXPECT_EQ(m_log.count(failure), 1U);
-    const std::vector<std::string> refused{"Other = tv",    "Path =",        "Path = ../x",
-                                           "Path = a/../x", "Path = a/b/..", "Path = " + std::string(180, 'a')};
-    for (const std::string& line : refused) {
-        writeIndex(line);
-        EXPECT_FALSE(m_manager->loadManufactoryPath()) << line;
-        EXPECT_EQ(m_manager->getManufactoryPath(), m_root.string() + m_default) << line;
-    }
-    writeIndex("Path = a..b");
-    EXPECT_TRUE(m_manager->loadManufactoryPath()) << "dots within a name lead nowhere";
-}
-
 TEST_F(FactoryTest, AFirstBootFillsBothDirectoriesFromTheFactory) {
     m_root.write(m_default + "one.ini", "factory one");
     m_root.write(m_default + "two.ini", "factory two");
@@ -573,6 +534,25 @@ TEST_F(FactoryTest, AFirstBootFillsBothDirectoriesFromTheFactory) {
     }
     EXPECT_FALSE(m_root.exists("/var/local/dataModule/current/stale.ini"));
     EXPECT_TRUE(m_log.contains(" init 'current' dataModule files from manufactory path ["));
+}
+
+TEST_F(FactoryTest, AResetComesAfterTheStoresBeforeIt) {
+    m_root.write(m_default + "one.ini", "factory one");
+    const std::string current = "/var/local/dataModule/current/one.ini";
+    m_root.write(current, "used one");
+    FakeOperator& op = m_manager->add(PICTURE_FACTORY_ASPECT);
+    ASSERT_TRUE(m_manager->init(DS_SCOPE_DVBMAIN));
+    std::string found;
+    op.on("syncSectionToFile", [&] {
+        for (int i = 0; i < 20000 && m_root.exists(current) && m_root.read(current) == "used one"; ++i)
+            std::this_thread::yield(); // gives a reset that does not wait every chance to be first
+        found = m_root.exists(current) ? m_root.read(current) : "";
+        return true;
+    });
+    ASSERT_EQ(m_manager->postEvent(new Event(&op, {})), 1);
+    EXPECT_TRUE(m_manager->initCurrentFromManufactory());
+    m_manager->stop();
+    EXPECT_EQ(found, "used one");
 }
 
 TEST_F(FactoryTest, NothingIsRemovedWithoutAFactoryDirectory) {

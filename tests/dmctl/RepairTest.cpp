@@ -74,6 +74,12 @@ TEST_F(RepairTest, GoodCopiesAreNeverTouched) {
     EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == old);
     EXPECT_TRUE(m_root.read(BACKUP + MODE_FILE) == other);
     EXPECT_TRUE(m_root.read(FACTORY + MODE_FILE) == m_good);
+    // A backup that is missing is the library's to make, unless a copy is named.
+    std::filesystem::remove(m_root.file(BACKUP + MODE_FILE));
+    EXPECT_THAT(repair({"--copy", "backup"}).output, HasSubstr("left alone"));
+    EXPECT_FALSE(m_root.exists(BACKUP + MODE_FILE));
+    EXPECT_EQ(repair({"--copy", "backup", "--from", "factory"}).code, 0);
+    EXPECT_TRUE(m_root.read(BACKUP + MODE_FILE) == m_good);
     EXPECT_FALSE(m_root.exists(DAMAGED));
 }
 
@@ -243,9 +249,12 @@ TEST_F(RepairTest, SalvageTellsForEverySectionWhatCameFromWhere) {
     EXPECT_EQ(repaired.substr(0, crc), expected.substr(0, crc));
     EXPECT_THAT(m_root.read(KEPT), HasSubstr(std::string(774, '\0')));
 
-    // And with everything gone there are the default values.
+    // And with everything gone there are the default values; what is no text is no type of a television.
     for (const std::string& directory : {CURRENT, BACKUP, FACTORY})
         m_root.write(directory + MODE_FILE, "nothing");
+    std::string head = m_good.substr(0, m_good.find("Version "));
+    head.replace(head.find("TVTYPE01"), 8, "TV\x1b[31m!");
+    m_root.write(BACKUP + MODE_FILE, head);
     const Result defaults = repair({"--salvage"});
     EXPECT_EQ(defaults.code, 0);
     EXPECT_THAT(defaults.output, AllOf(HasSubstr("1536 sections: 1536 from defaults"), HasSubstr("and 1516 more")));
@@ -253,17 +262,39 @@ TEST_F(RepairTest, SalvageTellsForEverySectionWhatCameFromWhere) {
               wholeFile(*layoutOf(PICTURE_MODE), "", defaultTable(*layoutOf(PICTURE_MODE))));
 }
 
-TEST_F(RepairTest, AFileThatCannotBeKeptOrReadIsLeftAlone) {
+TEST_F(RepairTest, AFileThatCannotBeKeptIsLeftAlone) {
     m_root.write(CURRENT + MODE_FILE, "x");
     m_root.write(DAMAGED.substr(0, DAMAGED.size() - 1), "a file, no directory");
     const Result result = repair({});
     EXPECT_EQ(result.code, 1);
     EXPECT_THAT(result.output, HasSubstr("nothing was done"));
     EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == "x");
+}
 
-    std::filesystem::remove(m_root.file(CURRENT + MODE_FILE));
-    std::filesystem::create_directory(m_root.file(CURRENT + MODE_FILE));
-    EXPECT_THAT(repair({"--salvage"}).output, HasSubstr("cannot be read: it is a directory"));
+TEST_F(RepairTest, WhatIsNoFileIsNamedAndMovedAside) {
+    const auto plantFifo = [this](const std::string& directory) {
+        std::filesystem::remove(m_root.file(directory + MODE_FILE));
+        ASSERT_EQ(mkfifo(m_root.file(directory + MODE_FILE).c_str(), 0600), 0);
+    };
+    plantFifo(CURRENT);
+    EXPECT_THAT(repair({}).output, AllOf(HasSubstr("the current copy is no file: it is a FIFO"),
+                                         HasSubstr("the damaged file is kept as " + m_root.file(CURRENT + MODE_FILE))));
+    EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == m_good);
+    EXPECT_TRUE(std::filesystem::is_fifo(m_root.file(CURRENT + MODE_FILE + ".stray1")));
+
+    // Nobody waits for the other end, where there is nothing else either.
+    for (const std::string& directory : {CURRENT, BACKUP, FACTORY})
+        plantFifo(directory);
+    EXPECT_THAT(verify().output, HasSubstr("it is a FIFO"));
+    EXPECT_THAT(run({"info"}).output, HasSubstr("damaged"));
+    for (const std::vector<std::string>& words :
+         std::vector<std::vector<std::string>>{{"get", "PICTURE_MODE", "ATV", "VIVID", "SDR_FHD"},
+                                               {"export", "PICTURE_MODE"},
+                                               {"diff", "PICTURE_MODE"}}) {
+        const Result result = run(words);
+        EXPECT_GT(result.code, 0) << words[0];
+        EXPECT_THAT(result.output + result.errors, HasSubstr("no file")) << words[0];
+    }
 }
 
 TEST_F(RepairTest, ARootInUseIsNotRepairedUnlessForced) {

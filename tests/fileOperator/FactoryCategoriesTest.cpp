@@ -61,7 +61,6 @@ protected:
     static void setBin(int bin) {
         writeSystemFile(paths::FACTORY_SERVICE_FILE, "[FactoryWB]\nBIN = " + std::to_string(bin) + "\n");
     }
-    static std::string commentOf(const CategoryLayout& layout) { return text::commentBlock(layout); }
     std::vector<Dims> takeDimensions() {
         std::vector<Dims> all;
         for (const auto& event : m_parent.takePosted())
@@ -238,8 +237,10 @@ TEST_F(WhiteBalanceTest, ANewFileOfTheTableKeepsTheBinsThatAreNotInMemory) {
     setBin(1);
     load();
     ASSERT_TRUE(storeValue(m_op, first(1), "RGain", 5));
+    ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 6)) << "of another bin, and not written yet";
     ASSERT_TRUE(m_op.initFile(false));
-    EXPECT_TRUE(currentIs(withChecksum(withValue(m_calibrated, firstHeader(1), "RGain", 5))));
+    EXPECT_TRUE(currentIs(
+        withChecksum(withValue(withValue(m_calibrated, firstHeader(1), "RGain", 5), firstHeader(3), "GGain", 6))));
     EXPECT_EQ(valueOf(m_op, first(2), "RGain"), 0);
 }
 
@@ -261,16 +262,28 @@ TEST_F(WhiteBalanceTest, AStoreBetweenRefreshAndResetIsWrittenWholeEvenIfTheTabl
     ASSERT_TRUE(m_op.resetCurrentFileFromManufactoryFile());
     m_parent.deliver();
     EXPECT_EQ(valueOf(m_op, first(3), "RGain"), 103);
-    EXPECT_TRUE(currentIs(withChecksum(withValue(m_calibrated, "[30000]\n", "GGain", 7))));
+    const std::string stored = withChecksum(withValue(m_calibrated, "[30000]\n", "GGain", 7));
+    EXPECT_TRUE(currentIs(stored));
+
+    // Written already, and out of memory again, it is completed from the file.
+    ASSERT_TRUE(m_op.refreshDataFromManufactory());
+    ASSERT_TRUE(storeValue(m_op, first(3), "GGain", 8));
+    EXPECT_EQ(m_parent.deliver(), 1);
+    ASSERT_TRUE(m_op.releaseFile() && m_op.loadFile());
+    ASSERT_TRUE(m_op.resetCurrentFileFromManufactoryFile());
+    m_parent.deliver();
+    EXPECT_TRUE(currentIs(m_calibrated)) << "and all its fields are the factory's";
 }
 
 TEST_F(WhiteBalanceTest, ANewFileOfTheTableIsRefusedWhenTheOtherBinsCannotBeTrusted) {
     setBin(1);
     load();
-    const std::string damaged = replaced(m_calibrated, "= 0104", "= 0999");
-    m_root.write(Copy::Current, WB_FILE, damaged);
-    EXPECT_FALSE(m_op.initFile(false));
-    EXPECT_TRUE(currentIs(damaged));
+    for (const std::string& text :
+         {replaced(m_calibrated, "= 0104", "= 0999"), replaced(m_calibrated, "v0.3", "v0.2")}) {
+        m_root.write(Copy::Current, WB_FILE, text);
+        EXPECT_FALSE(m_op.initFile(false));
+        EXPECT_TRUE(currentIs(text));
+    }
 }
 
 TEST_F(WhiteBalanceTest, WithoutAnyCopyANewFileHoldsWhatIsInMemory) {
@@ -432,30 +445,6 @@ TEST_F(WhiteBalanceTest, GroupStoresAreDroppedWhileStoringIsForbidden) {
     EXPECT_EQ(valueOf(m_op, first(0), "RGain"), 100);
 }
 
-TEST_F(FactoryCategoriesTest, TheShiftHasWordsOfItsOwn) {
-    GroupArray group = {};
-    SelfDefinedGroupArray range = {};
-    const Dims zero(5, 0);
-    setFactoryMode("On");
-    const auto op = loaded<FileFactoryPictureWBShift>();
-    EXPECT_TRUE(m_log.contains("load factory-wb shift data in normal mode in factory state\n"));
-    EXPECT_TRUE(op->loadDataForGroup(zero, {0}, group));
-    EXPECT_TRUE(op->storeDataForGroup(zero, {0}, {0}, group));
-    EXPECT_TRUE(m_log.contains("[dataModule] load factory wb shift data begin in DATA MODULE start!!!\n"));
-    EXPECT_TRUE(m_log.contains("[dataModule] store factory wb shift data begin in DATA MODULE end!!!\n"));
-    EXPECT_TRUE(m_log.contains("[dataModule] start to update factory wb shift data  ... \n"));
-    EXPECT_TRUE(m_log.contains("[dataModule] update factory wb data completely, elpased time = "));
-
-    m_log.clear();
-    EXPECT_TRUE(op->loadDataForSelfDefinedGroup(zero, zero, range));
-    EXPECT_TRUE(op->storeDataForSelfDefinedGroup(zero, zero, range));
-    EXPECT_TRUE(m_log.contains("[dataModule] load factory wb shift data begin in DATA MODULE start!!!\n"));
-    EXPECT_TRUE(m_log.contains("[dataModule] load factory wb shift data begin in DATA MODULE end!!!\n"));
-    EXPECT_TRUE(m_log.contains("[dataModule] load data completely, elpased time = "));
-    EXPECT_TRUE(m_log.contains("[dataModule] start to update factory wb shift data ... \n"));
-    EXPECT_TRUE(m_log.contains("[dataModule] update factory wb shift data completely, elpased time = "));
-}
-
 TEST_F(FactoryCategoriesTest, AustraliaIsCountryOneWithOrWithoutItsVariantBit) {
     const FileFactoryPictureWBShift op;
     EXPECT_FALSE(op.isAUCountry());
@@ -473,95 +462,9 @@ TEST_F(FactoryCategoriesTest, AustraliaIsCountryOneWithOrWithoutItsVariantBit) {
 
 // --- 20-point tables ---
 
-TEST_F(FactoryCategoriesTest, TheLevelOfATwentyPointSectionIsOneLenientCharacter) {
-    const FileFactoryPictureWB20Point op;
-    int source = 0;
-    int mode = 0;
-    int level = 7;
-    EXPECT_TRUE(op.parseSection("[45j]\n", source, mode, level));
-    EXPECT_EQ(Dims({source, mode, level}), (Dims{4, 5, 19}));
-    EXPECT_TRUE(op.checkDimension(source, mode, level));
-    EXPECT_TRUE(op.parseSection("[45k]\n", source, mode, level));
-    EXPECT_EQ(level, 20);
-    EXPECT_FALSE(op.checkDimension(source, mode, level));
-    level = 7;
-    EXPECT_TRUE(op.parseSection("[45G]\n", source, mode, level));
-    EXPECT_EQ(level, 7);
-}
-
-TEST_F(FactoryCategoriesTest, AFailedReadOfTheCurrentFileIsToldWithAnIndent) {
-    const auto op = loaded<FileFactoryPictureColorTuner>();
-    m_root.remove(Copy::Current, op->layoutOf().file);
-    EXPECT_FALSE(op->restoreSettingFromCurrent({0, 0, 0, 0}));
-    EXPECT_TRUE(m_log.contains("[dataModule]  Load data from file ["));
-}
-
 // --- geometry ---
 
-TEST_F(FactoryCategoriesTest, TheLastOverscanSlotHasACharacterButNoName) {
-    const auto op = loaded<FileFactoryPictureOverScan>();
-    ASSERT_TRUE(storeValue(*op, {27}, "OutputVActive", 1080));
-    EXPECT_EQ(m_parent.deliver(), 1);
-    const std::string text = m_root.read(Copy::Current, op->layoutOf().file);
-    EXPECT_EQ(text.compare(lineAt(text, "[r]"), std::string::npos,
-                           "[r]\n" + keyLine("InputHStart", "0000") + keyLine("InputVStart", "0000") +
-                               keyLine("InputHActive", "0000") + keyLine("InputVActive", "0000") +
-                               keyLine("OutputHStart", "0000") + keyLine("OutputVStart", "0000") +
-                               keyLine("OutputHActive", "0000") + keyLine("OutputVActive", "1080")),
-              0);
-    EXPECT_NE(text.find("q--SCART_CVBS_OVERSCAN"), std::string::npos);
-    EXPECT_EQ(text.find("r--"), std::string::npos);
-    EXPECT_FALSE(storeValue(*op, {28}, "OutputVActive", 1));
-}
-
-TEST_F(FactoryCategoriesTest, GeometryCommentsDisagreeWithTheRangesAsTheyAlwaysDid) {
-    const FileFactoryPictureAspect aspect;
-    int index = 15;
-    EXPECT_FALSE(aspect.checkDimension(index));
-    index = -1;
-    EXPECT_FALSE(aspect.checkDimension(index));
-    EXPECT_NE(commentOf(aspect.layout()).find(" scope:0~15 "), std::string::npos);
-    EXPECT_NE(commentOf(aspect.layout()).find("#       0--AR_4x3_4x3 = 0 "), std::string::npos);
-    EXPECT_NE(commentOf(FileFactoryPictureScaling::layout()).find(" scope:0~16 "), std::string::npos);
-    EXPECT_NE(commentOf(FileFactoryPictureScalingPIP::layout()).find("#   overscan conversion index      scope:0~3 "),
-              std::string::npos);
-    const std::string position = commentOf(FileFactoryPictureScalingPIPPos::layout());
-    const std::size_t heading = position.find("#   overscan conversion index      scope:0~5 ");
-    ASSERT_NE(heading, std::string::npos);
-    const std::size_t extra = position.find("#       0--NO_OVERSCAN ", heading);
-    ASSERT_EQ(extra, heading + text::COMMENT_LINE_LENGTH);
-    EXPECT_EQ(position.find("#       0--SCALING_PIP_POSITION_UPPER_LEFT "), extra + text::COMMENT_LINE_LENGTH);
-}
-
 // --- curves and colour tuner ---
-
-TEST_F(FactoryCategoriesTest, CurvesAcceptTenDynamicRangesAndTheBacklightOneMode) {
-    const FileFactoryPictureCurve curve;
-    const FileFactoryPictureBacklightCurve backlight;
-    int source = 15;
-    int range = 9;
-    int signal = 1;
-    int mode = 5;
-    EXPECT_TRUE(curve.checkDimension(source, range, signal, mode));
-    EXPECT_FALSE(backlight.checkDimension(source, range, signal, mode));
-    mode = 0;
-    EXPECT_TRUE(backlight.checkDimension(source, range, signal, mode));
-    mode = 1;
-    EXPECT_FALSE(backlight.checkDimension(source, range, signal, mode));
-    for (const CategoryLayout* layout : {&curve.layout(), &backlight.layout()}) {
-        const std::string comment = commentOf(*layout);
-        const std::size_t heading = comment.find("#   dr           scope:0~7 ");
-        ASSERT_NE(heading, std::string::npos);
-        EXPECT_NE(comment.find("#       9--HDR_10PLUS_UHD ", heading), std::string::npos);
-    }
-    EXPECT_NE(commentOf(backlight.layout()).find("#   curve_mode   scope:0 "), std::string::npos);
-}
-
-TEST_F(FactoryCategoriesTest, TheColourTunerSpeaksOfThreeDimensionsAndHasFour) {
-    EXPECT_NE(commentOf(FileFactoryPictureColorTuner::layout())
-                  .find("#   [(source)(picturemode)(colortune_mode)]: 3 dimension "),
-              std::string::npos);
-}
 
 } // namespace
 } // namespace td::test

@@ -52,11 +52,6 @@ TEST_F(KnownChecksumTest, IsRightAfterEachOfManyStores) {
     }
 }
 
-TEST_F(KnownChecksumTest, IsRightAfterACopyToAllSources) {
-    ASSERT_TRUE(m_op.applySettingForAllSources({0, 0, 0}));
-    EXPECT_TRUE(checksumIsRight(current()));
-}
-
 /// A file that could not be synced may hold something else by the next store, and bear the same time.
 TEST_F(KnownChecksumTest, IsNotKnownOnceItIsForgotten) {
     const std::string text = current();

@@ -123,39 +123,10 @@ protected:
     std::string m_redo; ///< the record's text
 };
 
-TEST_F(RedoRecordTest, AStoreLeavesNothingPending) {
-    EXPECT_TRUE(nothingIsPending());
-    EXPECT_TRUE(checksumIsRight(m_after));
-}
-
-TEST_F(RedoRecordTest, EndsAStoreThatWasCutWithinOrBeforeItsChecksum) {
-    RedoRecord record;
-    ASSERT_TRUE(parseRedo(m_redo, record));
-    for (const std::size_t count : {std::size_t{1}, record.writes.front().bytes.size()}) {
-        m_log.clear();
-        EXPECT_EQ(fileAfterStart(partly(count), m_redo), m_after);
-        EXPECT_TRUE(nothingIsPending()) << "done";
-        EXPECT_TRUE(m_log.contains("was cut short and has been ended.\n"));
-        EXPECT_FALSE(m_log.contains("RECOVER")) << "before the file is judged";
-    }
-    std::string torn = m_after;
-    torn.replace(lineAt(torn, "CRC ") + 20, 8, "########");
-    EXPECT_EQ(fileAfterStart(torn, m_redo), m_after) << "the checksum line itself";
-}
-
 TEST_F(RedoRecordTest, LeavesAFileAloneThatVerifies) {
     EXPECT_EQ(fileAfterStart(m_before, m_redo), m_before) << "a store of which nothing reached the disk";
     EXPECT_TRUE(nothingIsPending());
     EXPECT_EQ(fileAfterStart(m_after, m_redo), m_after);
-}
-
-TEST_F(RedoRecordTest, ATornOrForeignRecordChangesNothing) {
-    m_root.write(Copy::Backup, SETTINGS_FILE, m_before);
-    EXPECT_EQ(fileAfterStart(partly(3), m_redo.substr(0, m_redo.size() - 5)), m_before) << "the backup is taken";
-    // Damage elsewhere is none that the record could mend.
-    std::string damaged = partly(3);
-    damaged[damaged.size() - 10] ^= 1;
-    EXPECT_EQ(fileAfterStart(damaged, m_redo), m_before);
 }
 
 TEST_F(RedoRecordTest, AFileThatItWouldNotMakeWholeStaysAsItIs) {
@@ -167,33 +138,6 @@ TEST_F(RedoRecordTest, AFileThatItWouldNotMakeWholeStaysAsItIs) {
     EXPECT_FALSE(replayRedo(SettingsRoot::path(Copy::Current, SETTINGS_FILE), crc));
     EXPECT_EQ(current(), damaged);
     EXPECT_EQ(crc, 1U);
-}
-
-TEST_F(RedoRecordTest, AnotherStoreEndsThePendingOneFirst) {
-    auto op = makeOperator();
-    ASSERT_TRUE(op->loadFile());
-    // Another process was killed within a store.
-    m_root.write(Copy::Current, SETTINGS_FILE, partly(3));
-    m_root.write(Copy::Current, REDO_NAME, m_redo);
-    ASSERT_TRUE(op->storeData({0, 0, 0}, {{"Contrast", 33}}));
-    EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_TRUE(checksumIsRight(current()));
-    auto other = makeOperator();
-    ASSERT_TRUE(other->loadFile());
-    EXPECT_EQ(valueOf(*other, STORED_DIMS, "Contrast"), 77);
-    EXPECT_EQ(valueOf(*other, STORED_DIMS, "Hue"), -5);
-    EXPECT_EQ(valueOf(*other, {0, 0, 0}, "Contrast"), 33);
-}
-
-TEST_F(RedoRecordTest, WithoutARecordTheStoreGoesOn) {
-    m_root.remove(Copy::Current, REDO_NAME);
-    std::filesystem::create_symlink("/dev/full", SettingsRoot::path(Copy::Current, REDO_NAME));
-    auto op = makeOperator();
-    ASSERT_TRUE(op->loadFile());
-    ASSERT_TRUE(op->storeData({0, 0, 0}, {{"Contrast", 33}}));
-    EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_TRUE(checksumIsRight(current()));
-    m_root.remove(Copy::Current, REDO_NAME);
 }
 
 TEST_F(RedoRecordTest, WithoutALockFileAStoreIsNotMistakenForOneThatWasCut) {

@@ -27,8 +27,6 @@
 namespace td::test {
 namespace {
 
-using Dims = std::vector<int>;
-
 class SoundCategoriesTest : public testing::Test {
 protected:
     template <class Operator>
@@ -91,46 +89,6 @@ TEST_F(SoundCategoriesTest, TheGlobalFileHasAnotherOrderThanTheRecord) {
 }
 
 // --- tables per source ---
-
-TEST_F(SoundCategoriesTest, TheTenthTimingIsReadButRefused) {
-    const FileUserSoundDelay op;
-    int source = 0;
-    int timing = 0;
-    EXPECT_TRUE(op.parseSection("[3a]\n", source, timing));
-    EXPECT_EQ(Dims({source, timing}), (Dims{3, 10}));
-    EXPECT_FALSE(op.checkDimension(source, timing));
-    timing = 8;
-    EXPECT_TRUE(op.checkDimension(source, timing));
-    EXPECT_TRUE(op.parseSection("[3-]\n", source, timing));
-    EXPECT_EQ(timing, 8);
-    source = -1;
-    EXPECT_FALSE(op.checkDimension(source, timing));
-}
-
-TEST_F(SoundCategoriesTest, OnlySourcesThatDifferGetACopy) {
-    const auto op = loaded<FileUserSoundEQ>();
-    const char* lastField = op->layoutOf().fields.back().key;
-    ASSERT_TRUE(storeValue(*op, {7, 3}, lastField, 4));
-    ASSERT_TRUE(storeValue(*op, {2, 3}, lastField, 4));
-    m_parent.takePosted();
-    EXPECT_TRUE(op->applySettingForAllSources({7, 3}));
-    EXPECT_EQ(m_parent.posted(), 14U);
-    EXPECT_EQ(valueOf(*op, {15, 3}, lastField), 4);
-    EXPECT_EQ(valueOf(*op, {15, 2}, lastField), 0);
-    EXPECT_TRUE(m_log.contains("apply data to all other source completely, elpased time = "));
-    EXPECT_TRUE(op->applySettingForAllSources({7, 3}));
-    EXPECT_EQ(m_parent.posted(), 14U);
-    EXPECT_FALSE(op->applySettingForAllSources({16, 3}));
-    EXPECT_TRUE(m_log.contains("[dataModule] The dimension value is invalid.\n"));
-}
-
-TEST_F(SoundCategoriesTest, ARestoreForAllSourcesChecksItsIndices) {
-    const auto amplifier = loaded<FileFactorySoundAMP>();
-    EXPECT_FALSE(amplifier->restoreSettingForAllSource({5, 0}));
-    EXPECT_FALSE(amplifier->restoreSettingForAllSource({-1, 0}));
-    EXPECT_FALSE(amplifier->restoreSettingForAllSource({0}));
-    EXPECT_EQ(m_parent.posted(), 0U);
-}
 
 // --- the flag of the user's global settings ---
 
@@ -198,21 +156,6 @@ TEST_F(SoundCategoriesTest, TheFactoryGlobalReadsBothWidths) {
 }
 
 // --- comment blocks ---
-
-TEST_F(SoundCategoriesTest, CommentsSayWhatTheyAlwaysSaid) {
-    const std::string avc = text::commentBlock(FileFactorySoundAVC::layout());
-    EXPECT_NE(avc.find("#   --  The file is used to define the sound AVC data for user sound "), std::string::npos);
-    const std::string amplifier = text::commentBlock(FileFactorySoundAMP::layout());
-    const std::size_t heading = amplifier.find("#   double amp scope:0~1 ");
-    ASSERT_NE(heading, std::string::npos);
-    EXPECT_NE(amplifier.find("#       4--SUB4 AMP ", heading), std::string::npos);
-    EXPECT_NE(amplifier.find("#   amp  scope:0~5 ", heading), std::string::npos);
-    const std::string equaliser = text::commentBlock(FileFactorySoundPEQ::layout());
-    EXPECT_NE(equaliser.find("f--BAND15 "), std::string::npos);
-    EXPECT_NE(equaliser.find("close sound effect using BAND0~BAND7,others using BAND8~BAND15. "), std::string::npos);
-    const std::string mode = text::commentBlock(FileUserSoundMode::layout());
-    EXPECT_NE(mode.find("#   source       scope:0~16 "), std::string::npos);
-}
 
 } // namespace
 } // namespace td::test

@@ -1,8 +1,8 @@
 // What every category's operator does with its table and its section, on a category with dimensions and on one without.
 // The numbers of the invariants are those of AbstractFileOperator.h.
 
-#include <algorithm>
-#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,6 +13,7 @@
 
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
+#include <dataModule/fileOperator/FileUserPictureWB20Point.h>
 #include <dataModule/fileOperator/TextLayout.h>
 
 #include "FakeParent.h"
@@ -126,37 +127,6 @@ TEST_F(PictureGlobalTest, AWholeRecordLeavesTwoFieldsOutAndOneNameless) {
     std::string text = withValue(m_text, "[Global]\n", "ApplyWB10Point", 13);
     text = withValue(text, "[Global]\n", "LaserScreenSize", 27);
     expectCurrent(withValue(text, "[Global]\n", "FpsSwitch", 28));
-}
-
-TEST_F(PictureModeTest, RefusesDimensionsThatDoNotExist) {
-    const std::vector<std::vector<int>> wrong{{},         {3, 10},    {3, 10, 7, 0}, {16, 0, 0}, {-1, 0, 0},
-                                              {0, 12, 0}, {0, -1, 0}, {0, 0, 8},     {0, 0, -1}};
-    for (const std::vector<int>& dims : wrong) {
-        m_log.clear();
-        std::vector<_Argument_t> args;
-        EXPECT_FALSE(m_op->loadData(dims, args));
-        EXPECT_TRUE(args.empty());
-        EXPECT_FALSE(m_op->storeData(dims, {{"Hue", 9}}));
-        EXPECT_FALSE(m_op->restoreSetting(dims));
-        EXPECT_FALSE(m_op->restoreSettingFromCurrent(dims));
-        EXPECT_FALSE(m_op->applySettingForAllSources(dims));
-        const std::string message = dims.size() == 3 ? "The dimension value is invalid.\n"
-                                                     : "The dimensions size [" + std::to_string(dims.size()) +
-                                                           "] is invalid ,expected size is: 3.\n";
-        EXPECT_EQ(m_log.count(message), 5U);
-    }
-    EXPECT_EQ(m_parent.posted(), 0U);
-    EXPECT_EQ(current(), m_text);
-    EXPECT_TRUE(storeValue(*m_op, {15, 11, 7}, "Hue", 9));
-}
-
-TEST_F(PictureGlobalTest, TakesNoDimensions) {
-    std::vector<_Argument_t> args;
-    EXPECT_FALSE(m_op->loadData({0}, args));
-    EXPECT_TRUE(m_log.contains("The dimensions size [1] is invalid ,expected size is: 0.\n"));
-    EXPECT_FALSE(m_op->storeData({0}, {{"RGBOnly", 1}}));
-    EXPECT_FALSE(m_op->restoreSetting({0}));
-    EXPECT_TRUE(m_op->checkDimension());
 }
 
 // --- storing ---
@@ -354,125 +324,120 @@ TEST_F(PictureGlobalTest, RestoresOnlyFromASectionOfItsKeys) {
     EXPECT_EQ(valueOf(*m_op, {}, "RGBOnly"), 3);
 }
 
-// --- what a category does not offer ---
+// --- headers that leave an index open ---
 
-TEST_F(PictureGlobalTest, AnswersForWhatItDoesNotOffer) {
-    const std::vector<std::function<bool()>> unsupported{
-        [&] { return m_op->restoreSettingForAllSource({}); },
-        [&] { return m_op->applySettingForAllSources({}); },
-        [&] { return m_op->applySettingForAllMode({}); },
-    };
-    for (std::size_t i = 0; i < unsupported.size(); ++i) {
-        EXPECT_TRUE(unsupported[i]());
-        EXPECT_EQ(m_log.count("[PICTURE_GLOBAL]: module hasn't completed yet.\n"), i + 1);
+using TwentyPointTest = CategoryFixture<FileUserPictureWB20Point>;
+
+TEST_F(TwentyPointTest, ALevelThatIsNoLevelIsTheOneBeforeWhicheverWayThatWasRead) {
+    for (const char* before : {"[459]\n", "[45 9]\n"}) { // as it is written, and otherwise
+        std::string text = replaced(m_text, "[45a]\n", "[45A]\n");
+        text = withValue(text, "[45A]\n", "Red", 77);
+        m_root.write(Copy::Current, fileName(), withChecksum(replaced(text, "[459]\n", before)));
+        FileUserPictureWB20Point op;
+        op.setParent(&m_parent);
+        ASSERT_TRUE(op.loadFile());
+        EXPECT_EQ(valueOf(op, {4, 5, 9}, "Red"), 77) << before;
+        EXPECT_EQ(valueOf(op, {4, 5, 0}, "Red"), valueOf(*m_op, {4, 5, 0}, "Red")) << before;
     }
 }
 
-TEST_F(PictureModeTest, GroupOperationsDoNothing) {
-    GroupArray group = {};
-    SelfDefinedGroupArray selfDefined = {};
-    EXPECT_TRUE(m_op->restoreSettingForAllSource(DIMS));
-    EXPECT_TRUE(m_op->loadDataForGroup(DIMS, {}, group));
-    EXPECT_TRUE(m_op->storeDataForGroup(DIMS, {}, {}, group));
-    EXPECT_TRUE(m_op->loadDataForSelfDefinedGroup(DIMS, DIMS, selfDefined));
-    EXPECT_TRUE(m_op->storeDataForSelfDefinedGroup(DIMS, DIMS, selfDefined));
-    EXPECT_TRUE(m_log.lines().empty()) << "silently";
-    EXPECT_TRUE(m_op->applySettingForAllMode(DIMS));
-    EXPECT_TRUE(m_log.contains("[PICTURE_MODE]: module hasn't completed yet.\n"));
-    EXPECT_EQ(m_parent.posted(), 0U);
-}
+// --- what is none ---
 
-// --- detail log ---
-
-TEST_F(PictureModeTest, DumpsARecordWhileTheDetailLogIsOn) {
-    const std::string dump =
-        "[3a7]: contrast = 50, brighness = 50, color = 50, hue = -1, sharpness = 10, ab = 1, bl = 100, dc = 2, "
-        "ColorTemp = 0, MEMC = 5, Judder = 10, Blur = 10, NoiseReduction = 2, MPEG_NR = 3, ColorSpace = 1, "
-        "ColorTuner = 0, SensorEnable = 0, MinBacklight = 20, Gamma = 3, sensorCCTEnable = 0, HDRDTM = 0, DolbyDD = 0, "
-        "DolbyPD = 0, Gradient = 0. \n";
-    std::vector<_Argument_t> args;
-    EXPECT_TRUE(storeValue(*m_op, DIMS, "Hue", -1));
-    EXPECT_TRUE(m_op->loadData(DIMS, args));
-    EXPECT_FALSE(m_log.contains("contrast"));
-    const DetailLog on;
-    EXPECT_TRUE(m_op->loadData(DIMS, args));
-    EXPECT_EQ(m_log.count(dump), 1U);
-    EXPECT_TRUE(storeValue(*m_op, DIMS, "Hue", -1));
-    EXPECT_EQ(m_log.count(dump), 2U);
-    EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_TRUE(m_log.contains("section content:\nContrast                 = 0050\n"));
-    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 1U) << "of the section that was written";
-    EXPECT_TRUE(m_op->restoreSetting(DIMS));
-    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 2U) << "and of the one that was read";
-    for (const LogCapture::Line& line : m_log.lines()) {
-        if (line.text.find("contrast = ") != std::string::npos) {
-            EXPECT_EQ(line.level, DebugOutput::Level::Info);
-        }
-    }
-}
-
-// --- the typed members ---
-
-TEST_F(PictureModeTest, TypedMembersTranslate) {
+TEST_F(PictureModeTest, NullIsNoNameAndNoLine) {
+    _UsrPicMode_t record = {};
+    m_op->putFieldsToData(nullptr, 15, record);
     int source = 3;
     int mode = 10;
     int range = 7;
-    EXPECT_TRUE(m_op->checkDimension(source, mode, range));
-    char text[text::SECTION_BUFFER];
-    EXPECT_EQ(m_op->buildSectionId(source, mode, range, text, sizeof text), 6);
-    EXPECT_STREQ(text, SECTION);
-    EXPECT_TRUE(m_op->parseSection("[fb6]\n", source, mode, range));
-    EXPECT_EQ((std::vector<int>{source, mode, range}), (std::vector<int>{15, 11, 6}));
-    for (const std::vector<int>& wrong : {std::vector<int>{16, 0, 0}, {0, 12, 0}, {0, 0, 8}, {-1, 0, 0}}) {
-        std::vector<int> dims = wrong;
-        EXPECT_FALSE(m_op->checkDimension(dims[0], dims[1], dims[2]));
-    }
-
-    _UsrPicMode_t record = {};
-    bool changed = false;
-    m_op->putFieldsToData({{"Contrast", 0}, {"Nothing", 1}}, record, changed);
-    EXPECT_FALSE(changed);
-    m_op->putFieldsToData({{"Contrast", 12}, {"Gradient", -3}}, record, changed);
-    EXPECT_TRUE(changed);
-    m_op->putFieldsToData("Brightness", 13, record);
-    m_op->putFieldsToData("Nothing", 14, record);
-    m_op->putFieldsToData(nullptr, 15, record);
     EXPECT_FALSE(m_op->parseSection(nullptr, source, mode, range));
-    EXPECT_EQ(record.contrast, 12);
-    EXPECT_EQ(record.brightness, 13);
-    EXPECT_EQ(record.gradient, -3);
-    std::vector<_Argument_t> args{{"Gradient", 0}};
-    m_op->getPartFieldsFromData(record, args);
-    EXPECT_EQ(args[0].value, -3);
-    m_op->getSectionFieldsFromData(record, args);
-    EXPECT_EQ(args.size(), 25U);
-    EXPECT_EQ(m_op->buildSectionContent(record, text, sizeof text), 768);
-    EXPECT_EQ(std::string(text).substr(0, 64), keyLine("Contrast", "0012") + keyLine("Brightness", "0013"));
-    EXPECT_EQ(std::string(text).substr(736), keyLine("Gradient", "-003"));
+    std::vector<_Argument_t> args{{nullptr, -3}};
+    EXPECT_TRUE(m_op->loadData(DIMS, args));
+    EXPECT_TRUE(m_log.contains("The field [] is invalid.\n"));
+}
 
-    // A section written and read back at its place in the file.
-    m_op->enterCriticalSection();
-    EXPECT_TRUE(m_op->searchSectionId(DIMS));
-    EXPECT_TRUE(m_op->writeSection(3, 10, 7, record, false));
-    EXPECT_TRUE(m_op->searchSectionId(DIMS));
-    _UsrPicMode_t read = {};
-    EXPECT_TRUE(m_op->readSection(read));
-    EXPECT_EQ(std::memcmp(&read, &record, sizeof record), 0);
-    char line[text::LINE_BUFFER] = {};
-    bool endOfFile = false;
-    _UsrPicMode_t byKey = {};
-    EXPECT_TRUE(m_op->searchSectionId(DIMS));
-    EXPECT_TRUE(m_op->readSection_OTA(line, byKey, endOfFile));
-    EXPECT_EQ(std::memcmp(&byKey, &record, sizeof record), 0);
-    EXPECT_STREQ(line, "[3b0]\n");
-    EXPECT_FALSE(endOfFile);
-    EXPECT_TRUE(m_op->searchSectionId({15, 11, 7}));
-    EXPECT_TRUE(m_op->readSection_OTA(line, byKey, endOfFile));
-    EXPECT_TRUE(endOfFile);
-    record.hue = 10000;
-    EXPECT_TRUE(m_op->searchSectionId(DIMS));
-    EXPECT_FALSE(m_op->writeSection(3, 10, 7, record, true));
-    m_op->leaveCriticalSection();
+// --- what the log says ---
+
+TEST_F(PictureModeTest, TheDetailLogShowsWithThePortsLevelWhatIsReadAndStored) {
+    DebugOutput::setLevel(DebugOutput::Level::Warning);
+    const auto readAndStore = [this](int hue) {
+        EXPECT_EQ(valueOf(*m_op, DIMS, "Contrast"), 50);
+        EXPECT_TRUE(storeValue(*m_op, DIMS, "Hue", hue));
+        EXPECT_EQ(m_parent.deliver(), 1);
+    };
+    readAndStore(1);
+    EXPECT_TRUE(m_log.lines().empty());
+    const DetailLog on;
+    readAndStore(2);
+    EXPECT_EQ(m_log.count("[3a7]: contrast = 50, brighness = 50, color = 50, hue = 1, sharpness = 10, "), 1U);
+    EXPECT_EQ(m_log.count("[3a7]: contrast = 50, brighness = 50, color = 50, hue = 2, sharpness = 10, "), 1U);
+    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 1U) << "of the section that was written";
+    EXPECT_TRUE(m_log.contains("section content:\nContrast                 = 0050\n"));
+    EXPECT_TRUE(m_op->restoreSetting(DIMS));
+    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 2U) << "and of the one that was read";
+}
+
+TEST_F(PictureModeTest, EveryFailureIsLoggedWithCategoryAndPath) {
+    const auto makeFileOf = [](Copy copy) {
+        std::filesystem::remove_all(SettingsRoot::directory(copy));
+        std::ofstream(SettingsRoot::directory(copy).erase(SettingsRoot::directory(copy).size() - 1)) << "no directory";
+    };
+    const auto load = [this] {
+        FileUserPictureMode op;
+        op.setParent(&m_parent);
+        return op.loadFile();
+    };
+    const auto store = [this](int value) { return storeValue(*m_op, DIMS, "Hue", value) && m_parent.deliver() == 1; };
+    const auto backUp = [this] {
+        m_op->enterCriticalSection();
+        m_op->backupFile(false);
+        m_op->leaveCriticalSection();
+        return false;
+    };
+    const struct {
+        const char* what;
+        Copy where;
+        std::function<bool()> fails;
+    } cases[] = {
+        {"a section that cannot be written", Copy::Current, [&] { return store(10000); }},
+        {"a section that is not there", Copy::Current,
+         [&] {
+             m_root.write(Copy::Current, MODE_FILE, withChecksum(m_text.substr(0, m_text.find(SECTION))));
+             return store(2);
+         }},
+        {"a current copy that cannot be opened", Copy::Current,
+         [&] {
+             m_root.remove(Copy::Current, MODE_FILE);
+             return store(3);
+         }},
+        {"a record that cannot be read", Copy::Current, [&] { return m_op->restoreSettingFromCurrent(DIMS); }},
+        {"a merge without factory values", Copy::Factory,
+         [&] {
+             m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(m_text, "v0.4", "v0.3")));
+             m_root.remove(Copy::Factory, MODE_FILE);
+             return load();
+         }},
+        {"a record of the factory's", Copy::Factory, [&] { return m_op->restoreSetting(DIMS); }},
+        {"a backup", Copy::Current,
+         [&] {
+             m_root.write(Copy::Current, MODE_FILE, m_text);
+             store(4);
+             makeFileOf(Copy::Backup);
+             return backUp();
+         }},
+        {"a removal", Copy::Backup, [&] { return m_op->removeFile() && m_op->removeFile(); }},
+        {"a recovery", Copy::Factory,
+         [&] {
+             m_root.write(Copy::Factory, MODE_FILE, m_text);
+             makeFileOf(Copy::Current);
+             return load();
+         }},
+    };
+    for (const auto& failure : cases) {
+        m_log.clear();
+        EXPECT_FALSE(failure.fails()) << failure.what;
+        const std::string path = m_root.path(failure.where, MODE_FILE);
+        EXPECT_TRUE(m_log.contains("[PICTURE_MODE]: in file [" + path + "].\n")) << failure.what;
+    }
 }
 
 } // namespace

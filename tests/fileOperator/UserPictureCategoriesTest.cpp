@@ -1,7 +1,5 @@
 // What tells the user's picture categories from each other, on real files.
 
-#include <algorithm>
-#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -158,29 +156,7 @@ TEST(UserPictureSectionId, LeavesALevelThatIsNeitherDigitNorSmallLetter) {
     EXPECT_FALSE(ten.checkDimension(source, mode, level));
 }
 
-TEST_F(UserPictureTest, AcceptsFewerLevelsThanItsCommentLists) {
-    FileUserPictureCCTWB op;
-    createAndLoad(op);
-    std::vector<_Argument_t> all;
-    EXPECT_TRUE(op.loadData({4}, all));
-    EXPECT_EQ(all.size(), 6U);
-    EXPECT_FALSE(op.loadData({5}, all));
-    EXPECT_FALSE(op.storeData({-1}, {{"CCT_WBRedGain", 1}}));
-}
-
 // --- PICTURE_MODE_EX: the lopsided test for equality ---
-
-TEST_F(UserPictureTest, ModeExCopiesOnlyToTheSourceThatDiffers) {
-    FileUserPictureModeEx op;
-    createAndLoad(op);
-    ASSERT_TRUE(storeValue(op, {9, 3, 2}, "Reserve8", 4));
-    ASSERT_EQ(m_parent.deliver(), 1);
-    const std::string before = m_root.read(Copy::Current, "pic_mode_ex_usr.ini");
-    ASSERT_TRUE(op.applySettingForAllSources({4, 3, 2}));
-    EXPECT_EQ(m_parent.deliver(), 1);
-    EXPECT_EQ(m_root.read(Copy::Current, "pic_mode_ex_usr.ini"),
-              withChecksum(withValue(before, "[932]", "Reserve8", 0)));
-}
 
 TEST_F(UserPictureTest, ModeExComparesTheOthersReserve9WithTwoOfTheGivenRecord) {
     FileUserPictureModeEx op;
@@ -350,13 +326,6 @@ TEST_F(UserPictureTest, SomeStoresTellTheirIndices) {
     EXPECT_EQ(m_log.count("source = "), 0U);
 }
 
-TEST_F(UserPictureTest, SourceOnlySearchesBeforeTheLoadNameTheSectionWithAComma) {
-    FileUserPictureSourceOnly op;
-    create(op);
-    EXPECT_FALSE(op.restoreSetting({10, 1}));
-    EXPECT_EQ(m_log.count("failed when searchSection[a,1] because of loading file not finished.\n"), 1U);
-}
-
 // --- PICTURE_XVYCC: hexadecimal values ---
 
 TEST_F(UserPictureTest, XvyccValuesAreHexadecimal) {
@@ -387,14 +356,6 @@ TEST_F(UserPictureTest, XvyccValuesAreHexadecimal) {
     }
 }
 
-TEST_F(UserPictureTest, XvyccRestoreFromAMissingCurrentCopyEndsItsMessageWithoutAFullStop) {
-    FileUserPictureXVYCC op;
-    createAndLoad(op);
-    m_root.remove(Copy::Current, "pic_xvycc_factory.ini");
-    EXPECT_FALSE(op.restoreSettingFromCurrent({5}));
-    EXPECT_EQ(m_log.count("] failed when restore setting from current\n"), 1U);
-}
-
 // --- PICTURE_LOW_BLUE_LIGHT: two sets of names ---
 
 TEST_F(UserPictureTest, LowBlueLightIsAskedByOtherNamesThanItsKeys) {
@@ -412,24 +373,6 @@ TEST_F(UserPictureTest, LowBlueLightIsAskedByOtherNamesThanItsKeys) {
     EXPECT_STREQ(all[0].name, "Lowbluelightrgain");
     EXPECT_EQ(all[0].value, 12);
     EXPECT_STREQ(all[2].name, "Lowbluelightbgain");
-}
-
-TEST_F(UserPictureTest, LowBlueLightMergesOnlyTheNamesOfRequests) {
-    const char* file = "pic_low_blue_light_usr.ini";
-    FileUserPictureLowBlueLight op;
-    create(op);
-    const std::string text = m_root.read(Copy::Current, file);
-    m_root.write(Copy::Factory, file, withChecksum(withValue(text, "[00]", "RGain", 11)));
-    std::string old = withValue(text, "[00]", "RGain", 77);
-    old = replaced(old, "[01]\n" + keyLine("RGain", "0000"), "[01]\n" + keyLine("Lowbluelightrgain", "0088"));
-    m_root.write(Copy::Current, file, withChecksum(replaced(old, "v0.1", "v0.0")));
-
-    ASSERT_TRUE(op.loadFile());
-    EXPECT_EQ(valueOf(op, {0, 0}, "Lowbluelightrgain"), 11);
-    EXPECT_EQ(valueOf(op, {0, 1}, "Lowbluelightrgain"), 88);
-    EXPECT_EQ(m_log.count("The field [RGain] is invalid for this version.\n"), 19U);
-    op.waitForMerge();
-    EXPECT_NE(m_root.read(Copy::Current, file).find("[01]\n" + keyLine("RGain", "0088")), std::string::npos);
 }
 
 } // namespace

@@ -73,20 +73,6 @@ Section randomSection(const CategoryLayout& layout, std::mt19937& random) {
     return section;
 }
 
-TEST(WrittenSectionTest, ReadsWhatEveryCategoryWrites) {
-    std::mt19937 random(1);
-    for (const CategoryLayout* layout : allLayouts()) {
-        for (int i = 0; i < 20; ++i) {
-            const Section section = randomSection(*layout, random);
-            const std::string text = written(*layout, section);
-            ASSERT_EQ(text.size(), static_cast<std::size_t>(text::WrittenSection(*layout).length())) << layout->file;
-            Section read = emptySection(*layout);
-            ASSERT_TRUE(readQuickly(*layout, text, read)) << layout->file << ":\n" << text;
-            ASSERT_TRUE(read == section) << layout->file << ":\n" << text;
-        }
-    }
-}
-
 TEST(WrittenSectionTest, NeverReadsAChangedByteOtherwiseThanTheCarefulWay) {
     constexpr char BYTES[] = "0123456789abfgzA[]#=-+ x\t\n\0\x80";
     std::mt19937 random(2);
@@ -154,15 +140,6 @@ protected:
     std::unique_ptr<FileUserPictureMode> m_op;
     std::string m_text;
 };
-
-TEST_F(LoadingTest, EverySectionOfALongFileIsRead) {
-    load(numbered());
-    for (int record = 0; record <= LAST; ++record) {
-        int indices[MAX_DIMENSIONS] = {};
-        FileUserPictureMode::layout().indicesOf(record, indices);
-        ASSERT_EQ(contrast({indices[0], indices[1], indices[2]}), record);
-    }
-}
 
 TEST_F(LoadingTest, GoesOnByLineFromTheFirstOddSection) {
     // An upper-case index, a short value and a section out of turn, each beyond the first piece that is read.

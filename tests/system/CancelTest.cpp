@@ -98,7 +98,7 @@ protected:
 };
 
 TEST_P(CancelTest, TheCallEndsBeforeTheThread) {
-    constexpr int ROUNDS = 60;
+    constexpr int ROUNDS = 20;
     for (int round = 0; round < ROUNDS; ++round) {
         Caller caller{&CALLS[GetParam()], m_manager};
         pthread_t thread;
@@ -106,7 +106,7 @@ TEST_P(CancelTest, TheCallEndsBeforeTheThread) {
         // At another place of the call in every round.
         while (caller.calls <= round % 5)
             std::this_thread::yield();
-        for (int i = 0; i < round * 40; ++i)
+        for (int i = 0; i < round * 50; ++i)
             std::this_thread::yield();
         ASSERT_EQ(pthread_cancel(thread), 0);
         void* result = nullptr;

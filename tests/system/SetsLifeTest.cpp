@@ -10,6 +10,7 @@
 #include <dataModule/common/Thread.h>
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dataModule/fileOperator/RedoRecord.h>
 
 #include "LogCapture.h"
 #include "SettingsRoot.h"
@@ -119,54 +120,6 @@ TEST_F(SetsLifeTest, TheWholeSetBootsStoresAndRemembers) {
         EXPECT_TRUE(checksumIsRight(current(layout->file))) << layout->file;
 }
 
-TEST_F(SetsLifeTest, ADamagedFileComesBackFromItsBackup) {
-    auto set = firstBoot();
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
-    EXPECT_TRUE(set->waitWritten());
-    EXPECT_TRUE(set->backupData());
-    const std::string good = current(MODE_FILE);
-    EXPECT_TRUE(backup(MODE_FILE) == good);
-    set.reset();
-
-    m_root.write(Copy::Current, MODE_FILE, withValue(good, SECTION, "Hue", 6));
-    m_root.remove(Copy::Current, GLOBAL_FILE);
-    set = SmallSet::boot();
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
-    EXPECT_TRUE(current(MODE_FILE) == good);
-    EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 0);
-    EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 2}}));
-    EXPECT_TRUE(set->waitWritten());
-    EXPECT_EQ(current(GLOBAL_FILE), withChecksum(withValue(backup(GLOBAL_FILE), "[Global]\n", "FpsSwitch", 2)));
-}
-
-TEST_F(SetsLifeTest, AnUpdateKeepsTheUsersValues) {
-    auto set = firstBoot();
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
-    EXPECT_TRUE(set->waitWritten());
-    set.reset();
-    const std::string before = current(MODE_FILE);
-    const std::string factory = m_root.read(Copy::Factory, MODE_FILE);
-    // The update brought factory files of the new version; the user's are of the old one, in another order.
-    m_root.write(Copy::Factory, MODE_FILE, withChecksum(withValue(factory, "[000]\n", "Blur", 3)));
-    std::string old = replaced(before, "v0.4", "v0.3");
-    const std::size_t first = old.find("[000]\n");
-    old = old.substr(0, first) + old.substr(first + 774) + keyLine("Renamed", "0001");
-    m_root.write(Copy::Current, MODE_FILE, withChecksum(old));
-
-    set = SmallSet::boot();
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, {1, 1, 1}, {{"Hue", 9}})); // the new file may still be being written
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
-    EXPECT_TRUE(set->waitWritten());
-    EXPECT_TRUE(set->loadData(PICTURE_MODE)) << "read again from the new file";
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, {1, 1, 1}, "Hue"), 9);
-    set.reset();
-    const std::string merged = withChecksum(withValue(withValue(before, "[000]\n", "Blur", 3), "[111]\n", "Hue", 9));
-    EXPECT_TRUE(current(MODE_FILE) == merged);
-    set = SmallSet::boot();
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, {0, 0, 0}, "Blur"), 3);
-}
-
 TEST_F(SetsLifeTest, AStopRightAfterAnUpdateLosesNothing) {
     auto set = firstBoot();
     EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
@@ -197,28 +150,37 @@ TEST_F(SetsLifeTest, AFactoryResetIsCompleteAndLasting) {
     EXPECT_TRUE(SmallSet().initCurrentFromManufactory());
     set = SmallSet::boot();
     EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 0);
+
+    // A store that failed before does not come after it.
+    m_root.remove(Copy::Current, MODE_FILE);
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 9}}));
+    EXPECT_FALSE(set->waitWritten());
+    EXPECT_TRUE(set->initCurrentFromManufactory());
+    set->retryFailedStores();
+    EXPECT_TRUE(set->storeData(PICTURE_MODE, {0, 0, 0}, {{"Hue", 1}}));
+    EXPECT_TRUE(set->waitWritten());
+    EXPECT_TRUE(current(MODE_FILE) == withChecksum(withValue(factory, "[000]\n", "Hue", 1)));
 }
 
-TEST_F(SetsLifeTest, ASuspendImageFindsEveryStoreOnDisk) {
-    auto set = firstBoot();
-    EXPECT_TRUE(set->storeData(PICTURE_GLOBAL, {}, {{"FpsSwitch", 3}}));
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 5}}));
-    EXPECT_TRUE(set->releaseFileSources());
-    EXPECT_EQ(set->getFileHandler(PICTURE_MODE), nullptr);
-    EXPECT_TRUE(current(MODE_FILE) ==
-                withChecksum(withValue(m_root.read(Copy::Factory, MODE_FILE), SECTION, "Hue", 5)));
-    std::vector<_Argument_t> args;
-    EXPECT_FALSE(set->loadData(PICTURE_MODE, STORED_DIMS, args));
-    EXPECT_TRUE(set->resumeFileSources());
-    for (const _DataCategory_t category : {PICTURE_GLOBAL, PICTURE_MODE})
-        EXPECT_TRUE(set->loadData(category));
-    EXPECT_EQ(valueIn(*set, PICTURE_GLOBAL, {}, "FpsSwitch"), 3);
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 5);
-    EXPECT_TRUE(set->storeData(PICTURE_MODE, STORED_DIMS, {{"Hue", 6}}));
-    EXPECT_TRUE(set->waitWritten());
-    EXPECT_TRUE(checksumIsRight(current(MODE_FILE)));
-    EXPECT_TRUE(set->loadData(PICTURE_MODE));
-    EXPECT_EQ(valueIn(*set, PICTURE_MODE, STORED_DIMS, "Hue"), 6);
+/// Without a good factory copy to put in its place nothing of a category's goes, nor what a cut store has still to
+/// write.
+TEST_F(SetsLifeTest, AResetLeavesACategoryWithoutAFactoryCopyItsCutStore) {
+    firstBoot().reset();
+    const std::string before = current(MODE_FILE);
+    const std::string after = withChecksum(withValue(before, SECTION, "Hue", 5));
+    const std::size_t line = before.find("Hue", before.find(SECTION));
+    RedoRecord record;
+    record.contentPosition = static_cast<int>(contentAt(before));
+    record.crcPosition = static_cast<int>(lineAt(before, "CRC "));
+    record.crc = checksum(after.substr(contentAt(after)));
+    record.writes = {{static_cast<int>(line), after.substr(line, 32)}};
+    m_root.write(Copy::Current, std::string(MODE_FILE) + ".redo", redoText(record));
+    m_root.write(Copy::Current, MODE_FILE, withValue(before, SECTION, "Hue", 5)); // the checksum is to follow
+    m_root.write(Copy::Factory, MODE_FILE, "damaged");
+    m_root.remove(Copy::Backup, MODE_FILE);
+    EXPECT_TRUE(SmallSet().initCurrentFromManufactory());
+    EXPECT_EQ(valueIn(*SmallSet::boot(), PICTURE_MODE, STORED_DIMS, "Hue"), 5);
+    EXPECT_TRUE(current(MODE_FILE) == after);
 }
 
 } // namespace
