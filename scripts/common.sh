@@ -4,7 +4,7 @@
 # shellcheck disable=SC2034 # used by the scripts that include this file
 {
 build_packages=(g++ cmake ninja-build ccache pkg-config libboost-dev libinih-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libgmock-dev)
+test_packages=(libgtest-dev libgmock-dev groff-base)
 bench_packages=(libbenchmark-dev libsqlite3-dev liblmdb-dev libleveldb-dev libglib2.0-dev libinih-dev python3)
 check_packages=(clang clang-format clang-tidy shellcheck python3 abigail-tools xz-utils)
 coverage_packages=(gcovr python3)

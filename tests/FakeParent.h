@@ -14,6 +14,7 @@
 #include <dataModule/common/Event.h>
 #include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
+#include <dataModule/fileOperator/CategoryLayout.h>
 #include <dataModule/IDataSeparateManagerInner.h>
 
 namespace td::test {
@@ -49,27 +50,15 @@ public:
         return m_posted.size();
     }
 
-    const char* getCategory_Str(const _DataCategory_t& category) override {
-        static constexpr const char* NAMES[] = {
-#define DATAMODULE_NAME(value, name, operatorClass) #name,
-            DATAMODULE_CATEGORY_LIST(DATAMODULE_NAME)
-#undef DATAMODULE_NAME
-        };
-        const int value = category;
-        return value >= 0 && value < CATEGORY_COUNT ? NAMES[value] : "UNKNOWN_CATAGORY";
-    }
+    const char* getCategory_Str(const _DataCategory_t& category) override { return categoryName(category); }
     bool getApplySettingFlag(const _DataCategory_t& category, const char* field) override {
         return applyFlags.count(flagName(category, field)) != 0;
     }
     bool restoreApplySettingFlag(const _DataCategory_t& category, const char* field) override {
         return applyFlags.erase(flagName(category, field)) != 0;
     }
-    char* getManufactoryPath() override {
-        return factoryPath.data();
-    }
-    bool setReservedFlag(bool) override {
-        return true;
-    }
+    char* getManufactoryPath() override { return factoryPath.data(); }
+    bool setReservedFlag(bool) override { return true; }
     bool setTvType(const char* type) override {
         tvType = type;
         return true;
@@ -78,21 +67,11 @@ public:
         reservedValue = value;
         return true;
     }
-    FILE* getFileHandler(const _DataCategory_t&) override {
-        return nullptr;
-    }
-    bool getReservedFlag() override {
-        return false;
-    }
-    const char* getTvType() override {
-        return tvType.c_str();
-    }
-    int getReservedValue() override {
-        return reservedValue;
-    }
-    bool backupData() override {
-        return true;
-    }
+    FILE* getFileHandler(const _DataCategory_t&) override { return nullptr; }
+    bool getReservedFlag() override { return false; }
+    const char* getTvType() override { return tvType.c_str(); }
+    int getReservedValue() override { return reservedValue; }
+    bool backupData() override { return true; }
     int postEvent(Event* event) override {
         if (refusePosts)
             return 0;
@@ -100,9 +79,7 @@ public:
         m_posted.emplace_back(event);
         return 1;
     }
-    bool getStoreFileFlag() override {
-        return storeAllowed;
-    }
+    bool getStoreFileFlag() override { return storeAllowed; }
 
 private:
     std::string flagName(const _DataCategory_t& category, const char* field) {

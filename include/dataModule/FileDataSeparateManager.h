@@ -28,7 +28,8 @@ class DATAMODULE_API FileDataSeparateManager : public IDataSeparateManager, publ
 public:
     /// The manager, made on the first call.
     static FileDataSeparateManager* instance();
-    /// Destroys the manager, if any. Queued stores are lost; see waitStored().
+    /// Destroys the manager, if any. Queued stores are lost; see waitStored(). In a child made by fork() it forgets the
+    /// parent's manager, all other calls of which fail there, and instance() makes the child's own.
     static void release();
 
     // IAbstractDataSeparateManager
@@ -136,6 +137,13 @@ protected:
     virtual IFileOperator* makeOperator(_DataCategory_t category);
 
 private:
+    class TvType;
+
+    /// Whether a parent process made it, from which this one was forked: with a line under the caller's name.
+    bool isInherited(const char* function = __builtin_FUNCTION(), int line = __builtin_LINE()) const;
+    template <typename Request>
+    bool route(const _DataCategory_t& category, Request request, const char* function = __builtin_FUNCTION(),
+               int line = __builtin_LINE());
     void initForAll();
     void initForBiz();
     void initForDvbmain();
@@ -160,12 +168,12 @@ private:
     template <typename Action>
     void forEachInSet(Action action);
 
-    static constexpr int TV_TYPE_SIZE = 16;
     static constexpr int PATH_SIZE = 256;
 
+    const unsigned int m_generation;                           ///< of forks, when it was made
     std::map<_DataCategory_t, IFileOperator*> m_fileOperators; ///< owns the operators
     std::set<const IFileOperator*> m_operatorSet;              ///< the same ones; not walked after stop()
-    char m_tvType[TV_TYPE_SIZE] = {};
+    std::unique_ptr<TvType> m_tvType;
     std::atomic<bool> m_reservedFlag{false};
     std::unique_ptr<Thread> m_worker;
     std::vector<std::shared_ptr<PendingStores>> m_pendingStores; ///< the operators'; not changed between init and end

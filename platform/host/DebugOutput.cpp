@@ -2,9 +2,12 @@
 
 #include <atomic>
 #include <cstring>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <utility>
 
+#include <pthread.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -17,12 +20,23 @@ std::atomic<DebugOutput::Level> g_level{DebugOutput::Level::Warning};
 
 struct SinkHolder {
     std::mutex mutex; ///< guards the sink; held while it runs, so a sink that was replaced is not running any more
-    Sink sink;
+    std::unique_ptr<Sink> sink; ///< changes in one step: a child made by fork() meanwhile finds the old one or the new
 };
+
+SinkHolder* g_holder = nullptr;
+
+/// A child has none of the threads that may have been logging.
+void freeMutexInChild() {
+    new (&g_holder->mutex) std::mutex;
+}
 
 /// Never destroyed: threads may log while the process exits.
 SinkHolder& holder() {
-    static auto* const instance = new SinkHolder;
+    static auto* const instance = [] {
+        g_holder = new SinkHolder;
+        pthread_atfork(nullptr, nullptr, freeMutexInChild);
+        return g_holder;
+    }();
     return *instance;
 }
 
@@ -42,9 +56,10 @@ void DebugOutput::setLevel(Level level) {
 }
 
 void DebugOutput::setSink(Sink sink) {
+    auto changed = sink ? std::make_unique<Sink>(std::move(sink)) : nullptr;
     {
         const std::lock_guard<std::mutex> lock(holder().mutex);
-        holder().sink.swap(sink);
+        holder().sink.swap(changed);
     }
     // The sink from before dies here, outside the lock: its destructor is the program's code and may log.
 }
@@ -62,7 +77,7 @@ void DebugOutput::write(Level level, const char* line) {
         return;
     }
     try {
-        holder().sink(level, line);
+        (*holder().sink)(level, line);
     } catch (...) {
         // A line that the program's sink could not take must not end the thread that logged it.
     }

@@ -171,6 +171,7 @@ bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {
         DM_ERROR("CRC tool hasn't init yet !!!\n");
         return false;
     }
+    const NoCancel noCancel;
     const MutexLock lock(m_fileMutex);
     crc = INITIAL;
     const InputFile file(path);

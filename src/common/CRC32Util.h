@@ -33,6 +33,7 @@ public:
     static constexpr unsigned int INITIAL = 0xFFFFFFFFU;
 
 private:
+    friend class Fork;
     CRC32Util() = default;
 
     std::atomic<bool> m_initialised{false};

@@ -21,6 +21,7 @@ public:
     int peekNextEventId() TD_EXCLUDES(m_mutex);
 
 private:
+    friend class Fork;
     EventIdGenerator() = default;
 
     Mutex m_mutex;

@@ -10,6 +10,7 @@
 
 #include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileUtil.h>
+#include <dataModule/common/Fork.h>
 #include <dataModule/common/LockOrder.h>
 
 namespace td {
@@ -21,15 +22,15 @@ constexpr mode_t FILE_MODE = 0666;
 /// The lock file, open for reading only: that is enough to lock, for processes of other users too. -1 on failure.
 int openLockFile(const std::string& path) {
     constexpr int FLAGS = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    const int existing = open(path.c_str(), FLAGS);
+    const int existing = Fork::openLockFile(path.c_str(), FLAGS);
     if (existing >= 0 || errno != ENOENT)
         return existing;
     const std::string directory = path.substr(0, path.find_last_of('/'));
     if (!FileUtil::checkPath(directory.c_str(), true))
         return -1;
-    const int made = open(path.c_str(), FLAGS | O_CREAT | O_EXCL, FILE_MODE);
+    const int made = Fork::openLockFile(path.c_str(), FLAGS | O_CREAT | O_EXCL, FILE_MODE);
     if (made < 0)
-        return errno == EEXIST ? open(path.c_str(), FLAGS) : -1;
+        return errno == EEXIST ? Fork::openLockFile(path.c_str(), FLAGS) : -1;
     // Whatever the umask of its maker, which a suspend cycle changes.
     fchmod(made, FILE_MODE);
     return made;
@@ -79,6 +80,10 @@ FileLock::~FileLock() {
     unlock();
 }
 
+bool FileLock::isHeld() const {
+    return m_descriptor >= 0 && m_generation == Fork::generation();
+}
+
 bool FileLock::lock(const std::string& path, Kind kind) {
     return take(path, kind, true, nullptr) == Attempt::Locked;
 }
@@ -112,9 +117,10 @@ FileLock::Attempt FileLock::take(const std::string& path, Kind kind, bool wait, 
         if (result == 0 && isAt(path, descriptor)) {
             m_descriptor = descriptor;
             m_kind = kind;
+            m_generation = Fork::generation();
             return Attempt::Locked;
         }
-        close(descriptor);
+        Fork::closeLockFile(descriptor);
         if (result != 0)
             return busy ? Attempt::Busy : Attempt::NotAvailable;
     }
@@ -122,12 +128,14 @@ FileLock::Attempt FileLock::take(const std::string& path, Kind kind, bool wait, 
 }
 
 void FileLock::unlock() {
-    if (m_descriptor < 0)
-        return;
-    // Closing alone would leave the lock to a child that was forked meanwhile.
-    flock(m_descriptor, LOCK_UN);
-    close(m_descriptor);
+    // What was locked before a fork was closed in the child; the number may be another file's by now.
+    const int descriptor = isHeld() ? m_descriptor : -1;
     m_descriptor = -1;
+    if (descriptor < 0)
+        return;
+    // Closing alone would leave the lock to a child that got the descriptor past the handler of fork().
+    flock(descriptor, LOCK_UN);
+    Fork::closeLockFile(descriptor);
 }
 
 } // namespace td

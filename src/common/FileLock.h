@@ -1,5 +1,6 @@
 /// Keeps processes apart that work on the same settings files: an advisory lock (flock) on a lock file of its own,
-/// which no settings file is. A process that dies gives its locks back.
+/// which no settings file is. A process that dies gives its locks back; a child made by fork() has none of its
+/// parent's.
 ///
 /// An object belongs to one thread at a time. Locks of two objects exclude each other, in one process too.
 #pragma once
@@ -38,7 +39,7 @@ public:
     Attempt tryLock(const std::string& path, Kind kind);
     /// Gives the lock back, if one is held.
     void unlock();
-    bool isHeld() const { return m_descriptor >= 0; }
+    bool isHeld() const;
     /// Whether the last attempt failed for want of something that may be there again soon, as descriptors or memory:
     /// others may well hold the lock.
     bool failedForNow() const { return m_failedForNow; }
@@ -50,6 +51,7 @@ private:
     Attempt take(const std::string& path, Kind kind, bool wait, const Patience* patience);
 
     int m_descriptor = -1;
+    unsigned int m_generation = 0; ///< of forks, when it was locked
     Kind m_kind = Kind::Shared;
     bool m_failedForNow = false;
 };

@@ -8,6 +8,8 @@
 #include <memory>
 #include <new>
 
+#include <dataModule/common/NoCancel.h>
+
 namespace td::log {
 namespace {
 
@@ -40,6 +42,7 @@ __attribute__((format(printf, 4, 0))) int formatLine(char* out, std::size_t size
 } // namespace
 
 void print(DebugOutput::Level level, const char* file, int line, const char* function, const char* format, ...) {
+    const NoCancel noCancel;
     const Origin origin{file, line, function};
     char usual[USUAL_SIZE] = {};
     va_list values;

@@ -1,6 +1,8 @@
-/// How the library writes log lines: DM_ERROR, DM_WARNING, DM_INFO and DM_DEBUG take a printf format and its values.
+/// How the library writes log lines: DM_ERROR, DM_WARNING, DM_INFO and DM_DETAIL take a printf format and its values.
 /// A line is "file:line:function(): [dataModule] " and the text, made only when the platform's level check passes.
-/// Failures are Warning or Error, progress is Info, dumps of values are Debug.
+/// Failures are Warning or Error, progress is Info. Dumps of values have a switch of their own, the detail log, which
+/// whoever makes a dump asks first: they are Info, and where the platform's level keeps that back they go out as
+/// Warning.
 #pragma once
 
 #include <dataModule/Export.h>
@@ -11,6 +13,11 @@ namespace td::log {
 /// Formats and outputs one line. `file` is shortened to its base name.
 DATAMODULE_API void print(DebugOutput::Level level, const char* file, int line, const char* function,
                           const char* format, ...) __attribute__((format(printf, 5, 6)));
+
+/// The level of a dump.
+inline DebugOutput::Level detailLevel() {
+    return DebugOutput::isEnabled(DebugOutput::Level::Info) ? DebugOutput::Level::Info : DebugOutput::Level::Warning;
+}
 
 } // namespace td::log
 
@@ -23,4 +30,4 @@ DATAMODULE_API void print(DebugOutput::Level level, const char* file, int line, 
 #define DM_ERROR(...) TD_LOG(::td::DebugOutput::Level::Error, __VA_ARGS__)
 #define DM_WARNING(...) TD_LOG(::td::DebugOutput::Level::Warning, __VA_ARGS__)
 #define DM_INFO(...) TD_LOG(::td::DebugOutput::Level::Info, __VA_ARGS__)
-#define DM_DEBUG(...) TD_LOG(::td::DebugOutput::Level::Debug, __VA_ARGS__)
+#define DM_DETAIL(...) TD_LOG(::td::log::detailLevel(), __VA_ARGS__)

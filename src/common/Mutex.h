@@ -9,7 +9,8 @@
 ///   5. the lock between processes on the category's lock file
 ///   6. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
 ///   7. CRC32Util's file mutex
-///   8. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, the log's
+///   8. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, a manager's TV
+///      types, the list of open lock files, the log's
 ///
 /// A build with DATAMODULE_CHECK_LOCKS ends the program where this does not hold (LockOrder.cpp).
 #pragma once
@@ -19,6 +20,7 @@
 #include <pthread.h>
 
 #include <dataModule/common/LockOrder.h>
+#include <dataModule/common/NoCancel.h>
 #include <dataModule/common/ThreadAnnotations.h>
 
 namespace td {
@@ -46,6 +48,9 @@ public:
         lockOrder::wasTaken(this, m_rank);
         return true;
     }
+
+    /// In a child made by fork(): free again, whoever held it.
+    void renew() { pthread_mutex_init(&m_mutex, nullptr); }
 
 private:
     friend class Condition;
@@ -83,6 +88,7 @@ public:
     void broadcast() { pthread_cond_broadcast(&m_condition); }
     /// Waits until signalled or until `deadline` (CLOCK_MONOTONIC). 0 or ETIMEDOUT; may wake without a reason.
     int waitUntil(Mutex& mutex, const timespec& deadline) TD_REQUIRES(mutex) {
+        const NoCancel noCancel;
         lockOrder::willBeReleased(&mutex);
         lockOrder::willWait(mutex.m_rank);
         const int result = pthread_cond_timedwait(&m_condition, &mutex.m_mutex, &deadline);

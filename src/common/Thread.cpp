@@ -55,6 +55,7 @@ bool Thread::start() {
 }
 
 bool Thread::stop() {
+    const NoCancel noCancel;
     // Held to the end, so that a second stop() too returns only when the worker has ended.
     const MutexLock life(m_lifeMutex);
     {

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include <dirent.h>
+#include <pthread.h>
 
 #ifdef __SANITIZE_THREAD__
 #define BOOST_ASIO_DISABLE_FENCED_BLOCK // g++'s thread sanitizer refuses fences; the pool's mutex orders the same
@@ -27,8 +28,10 @@
 #include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
+#include <dataModule/common/Fork.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/Mutex.h>
+#include <dataModule/common/NoCancel.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/common/Thread.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
@@ -41,6 +44,7 @@
 #include <dataModule/platform/OsalThreads.h>
 #include <dataModule/platform/RootPrefix.h>
 
+#include "DetailLogSwitch.h"
 #include "LiveManagers.h"
 
 namespace td {
@@ -48,6 +52,7 @@ namespace td {
 namespace {
 
 FileDataSeparateManager* s_instance = nullptr;
+FileDataSeparateManager* s_inherited = nullptr; ///< a parent's that was forgotten, for checkers of leaks
 std::atomic<bool> s_listening{true};
 std::atomic<bool> s_detailLogListened{false};
 
@@ -57,6 +62,8 @@ constexpr const char* LOADER_NAME = "DataModuleLoad";
 constexpr std::size_t LOADING_THREADS = 8;
 /// How long a reload waits for the stores queued before it.
 constexpr int SETTLE_MILLISECONDS = 5000;
+/// Characters that are kept of a TV type.
+constexpr std::size_t TV_TYPE_LENGTH = 15;
 /// Room that the factory directory leaves for a file name within the longest path.
 constexpr std::size_t FILE_NAME_ROOM = 64;
 
@@ -162,18 +169,6 @@ constexpr _DataCategory_t DVBMAIN_CATEGORIES[] = {PICTURE_FACTORY_OVERSCAN, PICT
                                                   PICTURE_FACTORY_SCALING_PIP_POS};
 static_assert(std::size(ALL_CATEGORIES) == CATEGORY_COUNT, "every category is in the full scope");
 
-constexpr const char* CATEGORY_NAMES[] = {
-#define DATAMODULE_NAME(value, name, operatorClass) #name,
-    DATAMODULE_CATEGORY_LIST(DATAMODULE_NAME)
-#undef DATAMODULE_NAME
-};
-static_assert(std::size(CATEGORY_NAMES) == CATEGORY_COUNT, "the list of categories has no gap");
-
-const char* categoryName(_DataCategory_t category) {
-    const int value = category;
-    return value >= 0 && value < CATEGORY_COUNT ? CATEGORY_NAMES[value] : "UNKNOWN_CATAGORY";
-}
-
 // Typed operations go by these ranges and pass over the categories from 48 on.
 bool isVideo(int value) {
     return (value >= 0 && value <= 15) || (value >= 27 && value <= 33) || (value >= 35 && value <= 47);
@@ -195,20 +190,6 @@ bool attempt(Action action, const char* function = __builtin_FUNCTION(), int lin
         log::print(DebugOutput::Level::Error, __FILE__, line, function, "unexpected exception\n");
     }
     return false;
-}
-
-/// Hands a request to the operator of its category. Without one the failure is logged under the name of the calling
-/// request, in addition to the line of getFileOperator.
-template <typename Request>
-bool route(FileDataSeparateManager& manager, const _DataCategory_t& category, Request request,
-           const char* function = __builtin_FUNCTION(), int line = __builtin_LINE()) {
-    IFileOperator* const op = manager.getFileOperator(category);
-    if (op == nullptr) {
-        log::print(DebugOutput::Level::Warning, __FILE__, line, function, "find file operator failed for [%s]. \n",
-                   categoryName(category));
-        return false;
-    }
-    return attempt([&] { return request(*op); }, function, line);
 }
 
 /// Gives a critical section back at the end of a block.
@@ -241,6 +222,19 @@ struct FileName {
     }
     char text[paths::PATH_SIZE] = {};
 };
+
+/// A child has none of the listeners, and nobody uses a manager that it has.
+void forgetListeners() {
+    s_detailLogListened = false;
+    leaveDetailLogSwitch();
+    LiveManagers::instance().renew();
+}
+
+void watchForks() {
+    Fork::watch();
+    static const bool watching = (LiveManagers::instance(), pthread_atfork(nullptr, nullptr, forgetListeners) == 0);
+    static_cast<void>(watching);
+}
 
 /// The detail-log listener's thread. It ends only where there is no shared memory or no semaphore to be had.
 void* listenUntilRefused(void* manager) {
@@ -420,8 +414,24 @@ int loadTimed(IFileOperator& op) {
 
 } // namespace
 
+/// Texts of which each stays where it is, once it was the one that counts.
+class FileDataSeparateManager::TvType {
+public:
+    const char* text() const { return m_text; }
+    void set(const std::string& text) TD_EXCLUDES(m_mutex) {
+        const MutexLock lock(m_mutex);
+        m_text = m_texts.insert(text).first->c_str();
+    }
+
+private:
+    std::atomic<const char*> m_text{""};
+    Mutex m_mutex; ///< one change at a time
+    std::set<std::string> m_texts TD_GUARDED_BY(m_mutex);
+};
+
 FileDataSeparateManager* FileDataSeparateManager::instance() {
     if (s_instance == nullptr) {
+        const NoCancel noCancel;
         holdRootPrefix(true);
         s_instance = new FileDataSeparateManager();
     }
@@ -431,25 +441,44 @@ FileDataSeparateManager* FileDataSeparateManager::instance() {
 void FileDataSeparateManager::release() {
     if (s_instance == nullptr)
         return;
-    // While it is still whole: a listener on a thread of the client's may be at work on it.
-    LiveManagers::instance().remove(s_instance);
-    delete s_instance;
+    const NoCancel noCancel;
+    if (s_instance->m_generation != Fork::generation()) {
+        // Nothing of it can be ended here: its threads are the parent's, and its locks may be taken for good.
+        s_inherited = s_instance;
+    } else {
+        // While it is still whole: a listener on a thread of the client's may be at work on it.
+        LiveManagers::instance().remove(s_instance);
+        delete s_instance;
+    }
     s_instance = nullptr;
     holdRootPrefix(false);
 }
 
 FileDataSeparateManager::FileDataSeparateManager()
-    : m_worker(std::make_unique<Thread>(WORKER_NAME)), m_processesLock(std::make_unique<FileLock>()),
+    : m_generation((watchForks(), Fork::generation())), m_tvType(std::make_unique<TvType>()),
+      m_worker(std::make_unique<Thread>(WORKER_NAME)), m_processesLock(std::make_unique<FileLock>()),
       m_loadingMutex(std::make_unique<Mutex>(LockRank::Loading)) {
-    static_assert(PATH_SIZE == paths::PATH_SIZE && TV_TYPE_SIZE == 16, "buffers of the interface");
+    static_assert(PATH_SIZE == paths::PATH_SIZE, "a buffer of the interface");
     std::snprintf(m_manufactoryPath, sizeof m_manufactoryPath, "%s", paths::defaultFactoryDirectory().c_str());
     LiveManagers::instance().add(this);
 }
 
 FileDataSeparateManager::~FileDataSeparateManager() {
+    if (m_generation != Fork::generation()) {
+        static_cast<void>(m_worker.release()); // its end would wait for a thread of the parent's
+        return;
+    }
     LiveManagers::instance().remove(this);
     FileDataSeparateManager::stop();
     m_operatorSet.clear();
+}
+
+bool FileDataSeparateManager::isInherited(const char* function, int line) const {
+    if (m_generation == Fork::generation())
+        return false;
+    log::print(DebugOutput::Level::Warning, __FILE__, line, function,
+               "the manager belongs to the parent of this process; release() and instance() make one for the child.\n");
+    return true;
 }
 
 // --- accessors ---
@@ -481,44 +510,58 @@ bool FileDataSeparateManager::isInScope(_DataCategory_t category, _DS_Scope_t sc
 }
 
 char* FileDataSeparateManager::getManufactoryPath() {
+    static char none[] = "";
+    if (isInherited())
+        return none;
     return m_manufactoryPath;
 }
 
 bool FileDataSeparateManager::setReservedFlag(bool flag) {
+    if (isInherited())
+        return false;
     m_reservedFlag = flag;
     return true;
 }
 
 bool FileDataSeparateManager::getReservedFlag() {
+    if (isInherited())
+        return false;
     return m_reservedFlag;
 }
 
 bool FileDataSeparateManager::setReservedValue(int value) {
+    if (isInherited())
+        return false;
     m_reservedValue = value;
     return true;
 }
 
 int FileDataSeparateManager::getReservedValue() {
+    if (isInherited())
+        return 0;
     return m_reservedValue;
 }
 
 bool FileDataSeparateManager::setTvType(const char* type) {
-    if (type == nullptr)
+    if (type == nullptr || isInherited())
         return false;
-    std::snprintf(m_tvType, sizeof m_tvType, "%s", type);
     // The text becomes part of a line of every new file.
-    for (char& c : m_tvType) {
-        if (static_cast<unsigned char>(c) < ' ')
-            c = '\0';
-    }
-    return true;
+    std::size_t length = 0;
+    while (length < TV_TYPE_LENGTH && static_cast<unsigned char>(type[length]) >= ' ')
+        ++length;
+    return attempt([&] {
+        m_tvType->set(std::string(type, length));
+        return true;
+    });
 }
 
 const char* FileDataSeparateManager::getTvType() {
-    return m_tvType;
+    return isInherited() ? "" : m_tvType->text();
 }
 
 bool FileDataSeparateManager::setStoreFileFlag(bool allowed) {
+    if (isInherited())
+        return false;
     m_storeFileFlag = allowed;
     if (!allowed)
         dropStores();
@@ -534,14 +577,20 @@ void FileDataSeparateManager::retryFailedStores() {
 }
 
 bool FileDataSeparateManager::getStoreFileFlag() {
+    if (isInherited())
+        return false;
     return m_storeFileFlag;
 }
 
 int FileDataSeparateManager::postEvent(Event* event) {
+    if (isInherited())
+        return 0;
     return attempt([&] { return m_worker->post(event); }) ? 1 : 0;
 }
 
 bool FileDataSeparateManager::waitStored(int milliseconds) {
+    if (isInherited())
+        return false;
     if (m_worker->isCurrent())
         return true;
     return attempt([&] {
@@ -552,12 +601,32 @@ bool FileDataSeparateManager::waitStored(int milliseconds) {
 }
 
 void FileDataSeparateManager::getWorkerStatistics(_ThreadStaticInfo_t& info) {
+    info = {};
+    if (isInherited())
+        return;
     m_worker->getStaticsInfo(info);
 }
 
 // --- routing ---
 
+/// Hands a request to the operator of its category. Without one the failure is logged under the name of the calling
+/// request, in addition to the line of getFileOperator.
+template <typename Request>
+bool FileDataSeparateManager::route(const _DataCategory_t& category, Request request, const char* function, int line) {
+    if (isInherited(function, line))
+        return false;
+    IFileOperator* const op = getFileOperator(category);
+    if (op == nullptr) {
+        log::print(DebugOutput::Level::Warning, __FILE__, line, function, "find file operator failed for [%s]. \n",
+                   categoryName(category));
+        return false;
+    }
+    return attempt([&] { return request(*op); }, function, line);
+}
+
 IFileOperator* FileDataSeparateManager::getFileOperator(const _DataCategory_t& category) {
+    if (isInherited())
+        return nullptr;
     const auto entry = m_fileOperators.find(category);
     if (entry != m_fileOperators.end() && entry->second != nullptr)
         return entry->second;
@@ -572,21 +641,21 @@ FILE* FileDataSeparateManager::getFileHandler(const _DataCategory_t& category) {
 
 bool FileDataSeparateManager::loadData(const _DataCategory_t& category, const std::vector<int>& dims,
                                        std::vector<_Argument_t>& args) {
-    return route(*this, category, [&](IFileOperator& op) { return op.loadData(dims, args); });
+    return route(category, [&](IFileOperator& op) { return op.loadData(dims, args); });
 }
 
 bool FileDataSeparateManager::storeData(const _DataCategory_t& category, const std::vector<int>& dims,
                                         const std::vector<_Argument_t>& args) {
-    return route(*this, category, [&](IFileOperator& op) { return op.storeData(dims, args); });
+    return route(category, [&](IFileOperator& op) { return op.storeData(dims, args); });
 }
 
 bool FileDataSeparateManager::initData(const _DataCategory_t& category) {
-    return route(*this, category, [](IFileOperator& op) { return op.initFile(true); });
+    return route(category, [](IFileOperator& op) { return op.initFile(true); });
 }
 
 bool FileDataSeparateManager::loadData(const _DataCategory_t& category) {
     std::optional<FileName> name;
-    const bool loaded = route(*this, category, [&](IFileOperator& op) {
+    const bool loaded = route(category, [&](IFileOperator& op) {
         settleStores();
         name.emplace(op);
         static_cast<void>(op.releaseFile());
@@ -599,7 +668,7 @@ bool FileDataSeparateManager::loadData(const _DataCategory_t& category) {
 
 bool FileDataSeparateManager::loadData(const _DataCategory_t& category, const char* path) {
     std::optional<FileName> name;
-    const bool loaded = route(*this, category, [&](IFileOperator& op) {
+    const bool loaded = route(category, [&](IFileOperator& op) {
         name.emplace(op);
         return op.loadFile(path);
     });
@@ -613,68 +682,70 @@ bool FileDataSeparateManager::loadData(const _DataCategory_t& category, const ch
 }
 
 bool FileDataSeparateManager::removeDataFile(const _DataCategory_t& category) {
-    return route(*this, category, [](IFileOperator& op) { return op.removeFile(); });
+    return route(category, [](IFileOperator& op) { return op.removeFile(); });
 }
 
 bool FileDataSeparateManager::restoreSetting(const _DataCategory_t& category, const std::vector<int>& dims) {
-    return route(*this, category, [&](IFileOperator& op) { return op.restoreSetting(dims); });
+    return route(category, [&](IFileOperator& op) { return op.restoreSetting(dims); });
 }
 
 bool FileDataSeparateManager::restoreSettingForAllSource(const _DataCategory_t& category,
                                                          const std::vector<int>& dims) {
-    return route(*this, category, [&](IFileOperator& op) { return op.restoreSettingForAllSource(dims); });
+    return route(category, [&](IFileOperator& op) { return op.restoreSettingForAllSource(dims); });
 }
 
 bool FileDataSeparateManager::restoreSettingFromCurrent(const _DataCategory_t& category, const std::vector<int>& dims) {
-    return route(*this, category, [&](IFileOperator& op) { return op.restoreSettingFromCurrent(dims); });
+    return route(category, [&](IFileOperator& op) { return op.restoreSettingFromCurrent(dims); });
 }
 
 bool FileDataSeparateManager::refreshDataFromManufactory(const _DataCategory_t& category) {
-    return route(*this, category, [](IFileOperator& op) {
+    return route(category, [](IFileOperator& op) {
         static_cast<void>(op.refreshDataFromManufactory());
         return op.resetCurrentFileFromManufactoryFile();
     });
 }
 
 bool FileDataSeparateManager::refreshDataFromCurrent(const _DataCategory_t& category) {
-    return route(*this, category, [this](IFileOperator& op) {
+    return route(category, [this](IFileOperator& op) {
         settleStores();
         return op.refreshDataFromCurrent();
     });
 }
 
 bool FileDataSeparateManager::applySettingForAllSources(const _DataCategory_t& category, const std::vector<int>& dims) {
-    return route(*this, category, [&](IFileOperator& op) { return op.applySettingForAllSources(dims); });
+    return route(category, [&](IFileOperator& op) { return op.applySettingForAllSources(dims); });
 }
 
 bool FileDataSeparateManager::applySettingForAllMode(const _DataCategory_t& category, const std::vector<int>& dims) {
-    return route(*this, category, [&](IFileOperator& op) { return op.applySettingForAllMode(dims); });
+    return route(category, [&](IFileOperator& op) { return op.applySettingForAllMode(dims); });
 }
 
 bool FileDataSeparateManager::loadDataForGroup(const _DataCategory_t& category, const std::vector<int>& dims,
                                                const std::vector<int>& list, GroupArray& data) {
-    return route(*this, category, [&](IFileOperator& op) { return op.loadDataForGroup(dims, list, data); });
+    return route(category, [&](IFileOperator& op) { return op.loadDataForGroup(dims, list, data); });
 }
 
 bool FileDataSeparateManager::storeDataForGroup(const _DataCategory_t& category, const std::vector<int>& dims,
                                                 const std::vector<int>& list, const std::vector<int>& list2,
                                                 GroupArray& data) {
-    return route(*this, category, [&](IFileOperator& op) { return op.storeDataForGroup(dims, list, list2, data); });
+    return route(category, [&](IFileOperator& op) { return op.storeDataForGroup(dims, list, list2, data); });
 }
 
 bool FileDataSeparateManager::loadDataForSelfDefinedGroup(const _DataCategory_t& category,
                                                           const std::vector<int>& start, const std::vector<int>& end,
                                                           SelfDefinedGroupArray& data) {
-    return route(*this, category, [&](IFileOperator& op) { return op.loadDataForSelfDefinedGroup(start, end, data); });
+    return route(category, [&](IFileOperator& op) { return op.loadDataForSelfDefinedGroup(start, end, data); });
 }
 
 bool FileDataSeparateManager::storeDataForSelfDefinedGroup(const _DataCategory_t& category,
                                                            const std::vector<int>& start, const std::vector<int>& end,
                                                            SelfDefinedGroupArray& data) {
-    return route(*this, category, [&](IFileOperator& op) { return op.storeDataForSelfDefinedGroup(start, end, data); });
+    return route(category, [&](IFileOperator& op) { return op.storeDataForSelfDefinedGroup(start, end, data); });
 }
 
 bool FileDataSeparateManager::getApplySettingFlag(const _DataCategory_t& category, const char* field) {
+    if (isInherited())
+        return false;
     std::vector<_Argument_t> args;
     const bool loaded = attempt([&] {
         args.push_back({field, 0});
@@ -702,6 +773,9 @@ bool FileDataSeparateManager::restoreApplySettingFlag(const _DataCategory_t& cat
 // --- start and end ---
 
 bool FileDataSeparateManager::init(_DS_Scope_t scope) {
+    if (isInherited())
+        return false;
+    const NoCancel noCancel;
     DM_INFO(" @@@@@ Init File Data Separate Manager ... @@@@@ \n");
     if (m_inited) {
         DM_INFO(" FileDataSeparateManager has already inited !\n");
@@ -806,6 +880,9 @@ void FileDataSeparateManager::setParents() {
 }
 
 bool FileDataSeparateManager::stop() {
+    if (isInherited())
+        return false;
+    const NoCancel noCancel;
     if (m_stopped.exchange(true))
         return true;
     // Before anything of it goes: a listener on a thread of the client's may be at work on it.
@@ -840,6 +917,9 @@ void FileDataSeparateManager::discardOperators() {
 // --- the factory files ---
 
 bool FileDataSeparateManager::loadManufactoryPath() {
+    if (isInherited())
+        return false;
+    const NoCancel noCancel;
     char model[paths::PATH_SIZE] = {};
     std::string directory;
     if (!attempt([&] { return readFactoryDirectory(model, directory); })) {
@@ -855,6 +935,9 @@ bool FileDataSeparateManager::loadManufactoryPath() {
 }
 
 bool FileDataSeparateManager::initCurrentFromManufactory() {
+    if (isInherited())
+        return false;
+    const NoCancel noCancel;
     DM_INFO(" init 'current' data files from 'manufactory' -- [%s] ...\n", m_manufactoryPath);
     // What was stored before the reset does not come after it.
     settleStores();
@@ -870,6 +953,8 @@ bool FileDataSeparateManager::initCurrentFromManufactory() {
 // --- all files ---
 
 bool FileDataSeparateManager::initAllData() {
+    if (isInherited())
+        return false;
     bool result = false;
     for (const auto& [category, op] : m_fileOperators) {
         result = attempt([file = op] { return file->initFile(true); });
@@ -880,6 +965,9 @@ bool FileDataSeparateManager::initAllData() {
 }
 
 bool FileDataSeparateManager::loadAllData() {
+    if (isInherited())
+        return false;
+    const NoCancel noCancel;
     DM_INFO(" @@@@@ File Data Separate Manager start to load data file ... @@@@@ \n");
     const MutexLock lock(*m_loadingMutex);
     const bool loadedBefore = m_allLoaded;
@@ -895,7 +983,8 @@ bool FileDataSeparateManager::loadAllData() {
 
     DM_INFO(" @@@@@ File Data Separate send backup request to work thread ... @@@@@ \n");
     forEachInSet([](IFileOperator& op) { op.setBackupReq(true); });
-    m_allLoaded = true;
+    // Before init() there is nothing to load; a later call is to load it.
+    m_allLoaded = !m_fileOperators.empty();
     return loadedBefore;
 }
 
@@ -932,6 +1021,8 @@ bool FileDataSeparateManager::loadInParallel(int& dataSize) {
 }
 
 bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
+    if (isInherited())
+        return false;
     DM_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s]... @@@@@ \n", getType_Str(type));
     if (m_allLoaded) {
         DM_INFO(" FileDataSeparateManager has already load all data. !\n");
@@ -958,6 +1049,8 @@ bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
 }
 
 bool FileDataSeparateManager::resetForLoadAllData(_DS_Type_t type) {
+    if (isInherited())
+        return false;
     DM_INFO(" Reset the flag for FileDataSeparateManager reload all data. \n");
     const MutexLock lock(*m_loadingMutex);
     m_allLoaded = false;
@@ -970,6 +1063,8 @@ bool FileDataSeparateManager::resetForLoadAllData(_DS_Type_t type) {
 }
 
 bool FileDataSeparateManager::releaseFileSources() {
+    if (isInherited())
+        return false;
     settleStores();
     bool result = false;
     for (const auto& [category, op] : m_fileOperators) {
@@ -982,6 +1077,8 @@ bool FileDataSeparateManager::releaseFileSources() {
 }
 
 bool FileDataSeparateManager::resumeFileSources() {
+    if (isInherited())
+        return false;
     bool result = false;
     for (const auto& [category, op] : m_fileOperators) {
         result = attempt([file = op] { return file->reloadFile(); });
@@ -1009,6 +1106,8 @@ void FileDataSeparateManager::settleStores() {
 // --- backups, on the worker ---
 
 bool FileDataSeparateManager::backupData() {
+    if (isInherited())
+        return false;
     if (m_stopped)
         return false;
     forEachInSet([this](IFileOperator& op) { static_cast<void>(attempt([&] { return backupIfRequested(op); })); });

@@ -16,6 +16,7 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 
+#include "DetailLogSwitch.h"
 #include "LiveManagers.h"
 
 namespace td {
@@ -203,6 +204,12 @@ bool followSwitch() {
 }
 
 } // namespace
+
+void leaveDetailLogSwitch() {
+    const int* const word = g_detailLogSwitch.exchange(nullptr);
+    if (word != nullptr)
+        shmdt(word);
+}
 
 void* FileDataSeparateManager::listenSTDSignal(void* manager) {
     if (manager == nullptr)

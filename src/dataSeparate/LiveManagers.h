@@ -1,6 +1,7 @@
 /// Which managers exist, for threads that were given a pointer to one and may outlive it. All from any thread.
 #pragma once
 
+#include <new>
 #include <set>
 
 #include <dataModule/common/Mutex.h>
@@ -21,6 +22,9 @@ public:
     /// Keeps a manager alive until stopUsing(). False when it is gone.
     bool startUsing(IDataSeparateManager* manager) TD_EXCLUDES(m_mutex);
     void stopUsing(IDataSeparateManager* manager) TD_EXCLUDES(m_mutex);
+
+    /// In a child made by fork(): empty, and used by nobody. What it knew of is left where it is, perhaps half changed.
+    void renew() { new (this) LiveManagers(); }
 
 private:
     LiveManagers() = default;

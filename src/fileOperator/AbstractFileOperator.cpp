@@ -12,6 +12,7 @@
 #include <dataModule/common/EventIdGenerator.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
+#include <dataModule/fileOperator/CategoryLayout.h>
 #include <dataModule/fileOperator/LoadBudget.h>
 #include <dataModule/fileOperator/PendingStores.h>
 
@@ -64,10 +65,12 @@ void AbstractFileOperator::setParent(IDataSeparateManagerInner* parent) {
 
 void AbstractFileOperator::setFileName(const char* name) {
     // The name is put behind the directories and must not lead out of them.
-    if (name != nullptr && std::strchr(name, '/') != nullptr) {
-        DM_WARNING("file name [%s] is refused, for it is a path.\n", name);
+    if (name == nullptr || std::strchr(name, '/') != nullptr) {
+        DM_WARNING("file name [%s] is refused, for it is %s.\n", textOrEmpty(name),
+                   name == nullptr ? "none" : "a path");
         return;
     }
+    SectionLock lock(m_criticalSection);
     copyBounded(name, m_fileName, sizeof m_fileName);
 }
 
@@ -168,7 +171,7 @@ void AbstractFileOperator::setDebugLog(int on) {
 }
 
 const char* AbstractFileOperator::categoryName() const {
-    return m_parent != nullptr ? m_parent->getCategory_Str(m_category) : "";
+    return m_parent != nullptr ? m_parent->getCategory_Str(m_category) : td::categoryName(m_category);
 }
 
 void AbstractFileOperator::logWhere() const {
@@ -211,6 +214,7 @@ bool AbstractFileOperator::loadData(const std::vector<int>&, std::vector<_Argume
     if (m_loaded)
         return true;
     DM_WARNING("couldn't load data , for loading data from file [%s] not completed or failed.\n", m_path.load());
+    logWhere();
     return false;
 }
 
@@ -384,7 +388,10 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
     closeFile();
     setPath(path);
     DM_INFO("current load mode is: [%s] and ready to load data file is: [%s] ...\n", getLoadMode(mode), path.c_str());
-    return openForSummary(mode) && verifySummary(&mode, fatal);
+    if (openForSummary(mode))
+        return verifySummary(&mode, fatal);
+    logWhere();
+    return false;
 }
 
 bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
@@ -460,11 +467,13 @@ bool AbstractFileOperator::loadSummary(const char* path) {
     m_readError = 0;
     if (isNoFile(path) || !isThere(path)) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", path);
+        logWhere();
         return false;
     }
     if (!openFile(path, "r")) {
         noteUnreadable(errno);
         DM_WARNING("open file [%s] failed.\n", path);
+        logWhere();
         return false;
     }
     bool fatal = false;
@@ -669,6 +678,7 @@ bool AbstractFileOperator::loadFile() {
             return loadFromFiles();
     }
     DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
+    logWhere();
     return false;
 }
 
@@ -774,6 +784,7 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         mode = stateChanged(mode);
         if (mode == INVALID_LOAD) {
             DM_ERROR("load file [%s] failed.\n", m_path.load());
+            logWhere();
             return false;
         }
     }
@@ -785,6 +796,7 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
     if (switchToNormal())
         return true;
     DM_WARNING("switch to normal load failed.\n");
+    logWhere();
     return false;
 }
 
@@ -792,6 +804,7 @@ bool AbstractFileOperator::staysUnread() const {
     if (m_readError == 0 || m_readError == EIO)
         return false;
     DM_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(), std::strerror(m_readError));
+    logWhere();
     return true;
 }
 
@@ -902,8 +915,10 @@ AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mod
         setPath(current);
         return Reading::Done;
     }
-    if (mode == MANUFACTORY_LOAD)
+    if (mode == MANUFACTORY_LOAD) {
         DM_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_path.load());
+        logWhere();
+    }
     return Reading::Failed;
 }
 
@@ -914,6 +929,7 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
     DM_INFO("1. load contents from file [%s] ...\n", m_path.load());
     if (!loadContents()) {
         DM_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        logWhere();
         return Reading::Failed;
     }
     closeFile();
@@ -927,6 +943,7 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
         if (staysUnread())
             return Reading::Failed;
         DM_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
+        logWhere();
         if (!mergeBackup() && !(m_readError != 0 && mergeBackup())) {
             if (staysUnread() || !readFactoryTable())
                 return Reading::Failed;
@@ -945,12 +962,14 @@ bool AbstractFileOperator::loadCurrentFile() {
     m_versionCheck = false;
     if (!switchToNormal()) {
         DM_WARNING("switch to normal failed when load OTA data.\n");
+        logWhere();
         return false;
     }
     // A copy that ends before its checksum has not been verified and has nothing to merge.
     if (m_crcLineLength == 0 || !loadContents_OTA()) {
         noteIfUnreadable();
         DM_WARNING("load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        logWhere();
         closeFile();
         return false;
     }
@@ -991,6 +1010,7 @@ void AbstractFileOperator::startMergeThread() {
     } else {
         m_criticalSection.keepFiles(false);
         DM_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
+        logWhere();
         writeMerged();
     }
     DM_INFO("#################### load OTA data flow end. ###################.\n");
@@ -1009,6 +1029,7 @@ void AbstractFileOperator::writeMerged() {
         createFileProc(this);
     } catch (...) {
         DM_ERROR("create file (%s) failed when load OTA data.\n", m_path.load());
+        logWhere();
         m_mergeUnwritten = true;
         m_versionCheck = true;
         m_otaLoading = false;
@@ -1039,6 +1060,7 @@ bool AbstractFileOperator::createFile() {
         m_versionCheck = true;
         m_pending->mergeFailed();
         DM_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
+        logWhere();
         return false;
     }
     DM_INFO("#################### load OTA data flow end. ###################.\n");
@@ -1054,6 +1076,7 @@ bool AbstractFileOperator::mergedByOther() {
 }
 
 void AbstractFileOperator::waitForMerge() {
+    const NoCancel noCancel;
     OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
     {
         SectionLock lock(m_criticalSection);
@@ -1074,8 +1097,10 @@ bool AbstractFileOperator::switchToNormal() {
     const bool loaded = loadSummary(NORMAL_LOAD, fatal);
     // Only a load may begin a merge: nobody would write the file here and end it.
     m_otaLoading = merging;
-    if (!loaded)
+    if (!loaded) {
         DM_WARNING("Load summary from current file [%s] failed.\n", m_path.load());
+        logWhere();
+    }
     return loaded;
 }
 
@@ -1085,8 +1110,10 @@ bool AbstractFileOperator::switchToManufactory() {
     m_loadMode = MANUFACTORY_LOAD;
     bool fatal = false;
     const bool loaded = loadSummary(MANUFACTORY_LOAD, fatal);
-    if (!loaded)
+    if (!loaded) {
         DM_WARNING("Load summary from manufactory file [%s] failed.\n", m_path.load());
+        logWhere();
+    }
     return loaded;
 }
 
@@ -1096,10 +1123,13 @@ bool AbstractFileOperator::loadFile(const char* path) {
     bool loaded = loadSummary(path);
     if (!loaded) {
         DM_WARNING("load summary failed from file [%s].\n", textOrEmpty(path));
+        logWhere();
     } else {
         loaded = loadTable(Stores::Dropped, [this]() TD_REQUIRES(m_criticalSection) { return loadContents(); });
-        if (!loaded)
+        if (!loaded) {
             DM_WARNING("load contents failed from file [%s].\n", path);
+            logWhere();
+        }
     }
     closeFile();
     setPath(before);
@@ -1117,6 +1147,7 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
         tableRefreshed();
     } else {
         DM_WARNING("Load file from manufactory failed.\n");
+        logWhere();
     }
     switchToNormal();
     closeIfReleased();
@@ -1131,8 +1162,10 @@ bool AbstractFileOperator::refreshDataFromCurrent() {
     });
     if (loaded)
         DM_INFO("Load file from manufactory successfully.\n");
-    else
+    else {
         DM_WARNING("Load file from manufactory failed.\n");
+        logWhere();
+    }
     closeIfReleased();
     return loaded;
 }
@@ -1187,18 +1220,21 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     DM_INFO("init file [%s] ...\n", path.c_str());
     if (!FileUtil::checkPath(directory.c_str(), true)) {
         DM_WARNING("init failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        logWhere();
         return false;
     }
     if (!makeRoom(path))
         return false;
     if (defaults && FileUtil::checkFile(path.c_str())) {
         DM_WARNING("init failed -- file [%s] exist.\n", path.c_str());
+        logWhere();
         return false;
     }
     const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
     FileUtil::makeWay(temporary.c_str());
     if (!openFile(temporary, "w+x")) {
         DM_WARNING("create file [%s] failed.\n", path.c_str());
+        logWhere();
         return false;
     }
     TimeUtil::instance()->start();
@@ -1207,6 +1243,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     written = written && FileUtil::commitTemporary(temporary.c_str(), path.c_str());
     DM_INFO("init file [%s] completely, elpased time = %d (ms).\n", path.c_str(), elapsedMilliseconds());
     if (!written) {
+        logWhere();
         FileUtil::removeSingleFile(temporary.c_str());
         return false;
     }
@@ -1246,14 +1283,17 @@ bool AbstractFileOperator::writeWholeText(bool defaults) {
     forgetLengths();
     if (!buildComments()) {
         DM_WARNING("write file comments to file [%s] failed.\n", m_path.load());
+        logWhere();
         return false;
     }
     if (!buildSummary(true)) {
         DM_WARNING("write file summary to file [%s] failed.\n", m_path.load());
+        logWhere();
         return false;
     }
     if (!buildContents(defaults)) {
         DM_WARNING("write file contents to file [%s] failed.\n", m_path.load());
+        logWhere();
         return false;
     }
     return updateSummary() && m_file.syncFile();
@@ -1267,6 +1307,7 @@ bool AbstractFileOperator::recoverFile() {
     }
     if (m_loadMode != BACKUP_LOAD && m_loadMode != MANUFACTORY_LOAD) {
         DM_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(m_loadMode));
+        logWhere();
         return false;
     }
     takeFiles();
@@ -1274,6 +1315,7 @@ bool AbstractFileOperator::recoverFile() {
     const std::string directory = getWorkPath(NORMAL_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
         DM_WARNING("recover failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        logWhere();
         return false;
     }
     const std::string target = directory + m_fileName;
@@ -1283,6 +1325,7 @@ bool AbstractFileOperator::recoverFile() {
         return true;
     }
     DM_WARNING("recover file [%s] from file [%s] failed.\n", target.c_str(), m_path.load());
+    logWhere();
     return false;
 }
 
@@ -1290,12 +1333,14 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
     const SectionStep step(m_criticalSection);
     if (m_loadMode != NORMAL_LOAD) {
         DM_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(m_loadMode));
+        logWhere();
         return false;
     }
     takeFiles();
     const std::string directory = getWorkPath(BACKUP_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
         DM_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        logWhere();
         return false;
     }
     const std::string backup = directory + m_fileName;
@@ -1313,19 +1358,22 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
     if (!fileVerifies(current.c_str(), nullptr) || !makeRoom(backup) ||
         !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
         DM_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
+        logWhere();
         return true;
     }
     m_backupOutdated = false;
     if (enableDebugLog() != 0)
-        DM_INFO("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
+        DM_DETAIL("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
     if (!alsoFactory)
         return true;
     const std::string factory = getWorkPath(MANUFACTORY_LOAD) + m_fileName;
     if (!isNoFile(factory) && FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
         FileUtil::replaceFile(current.c_str(), factory.c_str()))
         DM_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
-    else
+    else {
         DM_WARNING("create file [%s] from file [%s] failed.\n", factory.c_str(), current.c_str());
+        logWhere();
+    }
     return true;
 }
 
@@ -1344,6 +1392,8 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
         m_backupOutdated = true;
         setBackupReq(true);
         postChangesSinceRefresh();
+    } else {
+        logWhere();
     }
     DM_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
     return true;
@@ -1378,6 +1428,7 @@ bool AbstractFileOperator::removeCopy(const std::string& path) {
     if (FileUtil::removeSingleFile(path.c_str()) == 0)
         return true;
     DM_WARNING("remove file [%s] failed.\n", path.c_str());
+    logWhere();
     return false;
 }
 
@@ -1399,6 +1450,7 @@ AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
     if (id == nullptr || !m_file.isOpend() || !m_file.resetStartPos()) {
         DM_WARNING("reset file [%s] pointer to start pos failed when searchSection(%s).\n", m_path.load(),
                    textOrEmpty(id));
+        logWhere();
         return Found::Failed;
     }
     m_commentText.clear();
@@ -1413,7 +1465,7 @@ AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
         if (std::strcmp(line, id) == 0)
             return Found::Yes;
         if (enableDebugLog() != 0)
-            DM_DEBUG("[READ LINE]: %s", line);
+            DM_DETAIL("[READ LINE]: %s", line);
     }
     return m_file.reachEnd() ? Found::EndOfFile : Found::Failed;
 }
@@ -1432,18 +1484,22 @@ bool AbstractFileOperator::updateSummary() {
         m_summaryLength != text::SUMMARY_LENGTH) {
         DM_WARNING("Update summay info for file [%s] failed because of finding section ID [%s] failed.\n",
                    m_path.load(), text::SUMMARY_HEADER);
+        logWhere();
         return false;
     }
     unsigned int crc = 0;
     if (!contentChecksum(crc)) {
         DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        logWhere();
         return false;
     }
     m_crc = crc;
     const int linesPosition = static_cast<int>(m_commentText.size() + std::strlen(text::SUMMARY_HEADER));
     const bool written = m_file.setPos(linesPosition) && buildSummary(false);
-    if (!written)
+    if (!written) {
         DM_WARNING("Update summay info for file [%s] failed because writting.\n", m_path.load());
+        logWhere();
+    }
     if (!m_creating) {
         m_backupOutdated = true;
         closeFile();
@@ -1458,8 +1514,10 @@ bool AbstractFileOperator::updateCrcCode() {
     WriteScope write(*this);
     takeFiles();
     const bool opened = openCurrent();
-    if (!opened)
+    if (!opened) {
         DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+        logWhere();
+    }
     const bool updated = opened && rewriteChecksumLine();
     // A record whose end failed stays, for the next time that the files are taken.
     if (std::exchange(m_redoStored, false) && updated)
@@ -1518,10 +1576,12 @@ bool AbstractFileOperator::rewriteChecksumLine() {
     unsigned int crc = m_redo.crc;
     if (!m_redoStored && !contentChecksum(crc)) {
         DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        logWhere();
         return false;
     }
     if (m_crcLineLength != text::CRC_LINE_LENGTH || !m_file.setPos(m_crcPosition)) {
         DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+        logWhere();
         return false;
     }
     const DeferredSync deferred(m_file, true);
@@ -1602,6 +1662,7 @@ bool rewriteCrcOf(FileUtil& file, const char* path) {
 } // namespace
 
 bool AbstractFileOperator::generateCRC32(const char* path) {
+    const NoCancel noCancel;
     if (path == nullptr || !FileUtil::checkFile(path)) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
         return false;

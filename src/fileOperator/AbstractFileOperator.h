@@ -69,7 +69,7 @@ public:
     bool backupFile(bool alsoFactory) override TD_REQUIRES(m_criticalSection);
     bool updateSummary() override TD_REQUIRES(m_criticalSection);
     bool updateCrcCode() override TD_REQUIRES(m_criticalSection);
-    void setFileName(const char* name) override;
+    void setFileName(const char* name) override TD_EXCLUDES(m_criticalSection);
     const char* getFileFullPath() override;
     _DataCategory_t getDataCategory() override;
     void setBackupReq(bool requested) override TD_EXCLUDES(m_backupRequestMutex);

@@ -1,6 +1,7 @@
 #include <dataModule/fileOperator/CategoryLayout.h>
 
 #include <cstring>
+#include <iterator>
 
 #include <dataModule/fileOperator/TextLayout.h>
 
@@ -13,7 +14,19 @@ bool sameName(const char* one, const char* other) {
     return *one == *other && std::strcmp(one, other) == 0;
 }
 
+constexpr const char* CATEGORY_NAMES[] = {
+#define DATAMODULE_NAME(value, name, operatorClass) #name,
+    DATAMODULE_CATEGORY_LIST(DATAMODULE_NAME)
+#undef DATAMODULE_NAME
+};
+static_assert(std::size(CATEGORY_NAMES) == CATEGORY_COUNT, "the list of categories has no gap");
+
 } // namespace
+
+const char* categoryName(_DataCategory_t category) {
+    const int value = category;
+    return value >= 0 && value < CATEGORY_COUNT ? CATEGORY_NAMES[value] : "UNKNOWN_CATAGORY";
+}
 
 int CategoryLayout::recordCount() const {
     int count = 1;
@@ -57,6 +70,8 @@ const Field* CategoryLayout::fieldByArgument(const char* name) const {
 }
 
 const Field* CategoryLayout::fieldByKey(const char* key) const {
+    if (key == nullptr)
+        return nullptr;
     for (const Field& field : fields) {
         if (sameName(field.key, key))
             return &field;

@@ -170,6 +170,9 @@ struct DATAMODULE_API CategoryLayout {
     int contentLength() const { return recordCount() * sectionLength(); }
 };
 
+/// The name of a category, or "UNKNOWN_CATAGORY" for what is none.
+DATAMODULE_API const char* categoryName(_DataCategory_t category);
+
 /// Name of the one section of a category without dimensions.
 constexpr const char* GLOBAL_SECTION = "Global";
 

@@ -28,18 +28,20 @@ class DATAMODULE_API TD_CAPABILITY("mutex") CriticalSection {
 public:
     void lock() TD_ACQUIRE() {
         enter();
-        m_owner = pthread_self();
+        entered();
     }
     void unlock() TD_RELEASE() {
+        const int cancelState = m_cancelState;
         m_owner = NOBODY;
         leaveFiles();
         m_patience.deadline.reset();
         m_mutex.unlock();
+        pthread_setcancelstate(cancelState, nullptr);
     }
     bool tryLock() TD_TRY_ACQUIRE(true) {
         if (!m_mutex.tryLock())
             return false;
-        m_owner = pthread_self();
+        entered();
         return true;
     }
     /// For a look at the table: as lock() and unlock(), without a step of the files in between.
@@ -112,6 +114,10 @@ private:
         m_mutex.lock();
         --m_waiting;
     }
+    void entered() TD_REQUIRES(this) {
+        m_owner = pthread_self();
+        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
+    }
     void claim(Claim kind, const std::string& lockFile) TD_REQUIRES(this);
     void note(const std::string& lockFile) TD_REQUIRES(this);
     void leaveFiles() TD_REQUIRES(this);
@@ -121,6 +127,7 @@ private:
     std::atomic<bool> m_abandoned{false};
     Mutex m_mutex{LockRank::Section};
     // These belong to whoever holds the mutex.
+    int m_cancelState = PTHREAD_CANCEL_ENABLE; ///< of the thread, before it entered; inside it is not cancelled
     FileLock m_files;
     FileLock::Patience m_patience{std::nullopt, &m_abandoned};
     std::string m_lockFile;             ///< that was last asked for

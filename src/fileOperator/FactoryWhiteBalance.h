@@ -191,11 +191,13 @@ bool FactoryWhiteBalance<Self, Record, EventType>::readSlot(const int* indices) 
                    static_cast<unsigned int>(indices[1]), static_cast<unsigned int>(indices[2]));
         DM_WARNING(" dimension info %s is not matched , maybe the file [%s] content is not completed !!!\n", id.c_str(),
                    this->getFileFullPath());
+        this->logWhere();
         return false;
     }
     if (!this->readRecord(this->recordAt(record))) {
         DM_WARNING(" read section %s from file [%s] failed, Maybe the file format is wrong!!!\n", id.c_str(),
                    this->getFileFullPath());
+        this->logWhere();
         return false;
     }
     m_inMemory[at(record)] = true;
@@ -232,6 +234,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::completeRecord(const std::vec
     if (!loadDataFromCurrentFile(dims)) {
         DM_WARNING("store to section %s is refused, for its other fields couldn't be read from file [%s].\n",
                    this->idText(dims.data()).c_str(), this->getFileFullPath());
+        this->logWhere();
         return false;
     }
     m_inMemory[record] = true;

@@ -23,8 +23,8 @@ constexpr std::size_t WRITE_PIECE = 65536;
 /// Contents are read in pieces of this many bytes, which hold the longest section many times.
 constexpr std::size_t READ_PIECE = 16384;
 
-const char* textOrNull(const char* text) {
-    return text != nullptr ? text : "(null)";
+const char* textOrEmpty(const char* text) {
+    return text != nullptr ? text : "";
 }
 
 int elapsedMilliseconds() {
@@ -162,7 +162,7 @@ void TableOperator::getFields(const int* record, std::vector<_Argument_t>& args)
         if (field != nullptr)
             argument.value = record[field->position];
         else
-            DM_WARNING("The field [%s] is invalid.\n", textOrNull(argument.name));
+            DM_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
     }
 }
 
@@ -171,7 +171,7 @@ std::uint64_t TableOperator::putFields(const std::vector<_Argument_t>& args, int
     for (const _Argument_t& argument : args) {
         const Field* field = m_names.find(argument.name);
         if (field == nullptr) {
-            DM_WARNING("The field [%s] is invalid.\n", textOrNull(argument.name));
+            DM_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
             continue;
         }
         named |= PendingStores::fieldAt(field->position);
@@ -189,7 +189,7 @@ void TableOperator::putField(const char* key, int value, int* record) const {
     if (field != nullptr)
         record[field->position] = value;
     else if (!byKey)
-        DM_WARNING("The field [%s] is invalid for this version.\n", key);
+        DM_WARNING("The field [%s] is invalid for this version.\n", textOrEmpty(key));
 }
 
 void TableOperator::dumpRecord(const int* indices) {
@@ -204,7 +204,13 @@ void TableOperator::dumpRecord(const int* indices) {
         line += " = " + std::to_string(record[field.position]);
         separator = ", ";
     }
-    DM_DEBUG("%s%s", line.c_str(), m_layout.dumpEnd);
+    DM_DETAIL("%s%s", line.c_str(), m_layout.dumpEnd);
+}
+
+void TableOperator::dumpId(const int* indices) {
+    char id[text::LINE_BUFFER];
+    if (enableDebugLog() != 0)
+        formatId(indices, id, sizeof id);
 }
 
 void TableOperator::postRecord(const int* indices, std::uint64_t fields) {
@@ -306,6 +312,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
     SectionLock lock(m_criticalSection);
     if (!loadDataFromCurrentFile(dims)) {
         DM_WARNING(m_layout.restoreFromCurrentFailed, getFileFullPath());
+        logWhere();
         return false;
     }
     // What is still queued for this section was just discarded (invariant 4).
@@ -315,6 +322,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
 
 bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
     const SectionStep step(m_criticalSection);
+    dumpId(dims.data());
     if (!m_factoryVerified && !switchToManufactory())
         return false;
     DM_INFO("Load data from file [%s] when restore setting\n", getFileFullPath());
@@ -336,6 +344,7 @@ bool TableOperator::readSectionAt(const std::vector<int>& dims) {
     if (!sectionIsInFile() || !keysMatch() || !readRecord(recordAt(m_layout.recordIndex(dims.data())))) {
         DM_WARNING("dimension info %s is not matched , maybe the file content is not completed !!!\n",
                    idText(dims.data()).c_str());
+        logWhere();
         return false;
     }
     return true;
@@ -414,6 +423,7 @@ bool TableOperator::restoreChanged(const std::vector<int>& dims) {
     for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
         if (!factory.load(sweep.indices())) {
             DM_WARNING("Load data from file [%s] failed when restore setting\n", m_layout.file);
+            logWhere();
             closeIfReleased();
             return false;
         }
@@ -504,6 +514,7 @@ void TableOperator::writeAtOnce() {
     // No checksum makes good what is not all written: that is left to the redo record, or to the backup.
     if (!writeSections()) {
         DM_WARNING("write sections for file [%s] failed!\n", getFileFullPath());
+        logWhere();
         return;
     }
     updateCrcCode();
@@ -621,13 +632,16 @@ bool TableOperator::writeSnapshot(const Event& event, const int* record, bool at
         noteSectionSkipped();
         return true;
     }
+    dumpId(dims.data());
     takeFiles();
     if (!openCurrent()) {
         DM_WARNING("open file [%s] failed for storing data.\n", getFileFullPath());
+        logWhere();
         return false;
     }
     if (!searchSectionId(dims) || !sectionIsInFile()) {
         DM_WARNING("search dimension failed , maybe the file content is not completed !!!\n");
+        logWhere();
         closeIfReleased();
         return false;
     }
@@ -642,6 +656,7 @@ bool TableOperator::writeSnapshot(const Event& event, const int* record, bool at
     }
     if (!added) {
         DM_WARNING("write section %s for file [%s] failed!\n", idText(dims.data()).c_str(), getFileFullPath());
+        logWhere();
         if (!atOnce)
             writeEnded(false);
         return false;
@@ -689,14 +704,14 @@ bool TableOperator::sectionIsInFile() {
 int TableOperator::formatId(const int* indices, char* out, int size) {
     const int length = text::formatSectionId(m_layout, indices, out, size);
     if (enableDebugLog() != 0)
-        DM_DEBUG("Section ID is: %s", out);
+        DM_DETAIL("Section ID is: %s", out);
     return length;
 }
 
 int TableOperator::formatContent(const int* record, char* out, int size) {
     const int length = text::formatSection(m_layout, record, out, size);
     if (enableDebugLog() != 0)
-        DM_DEBUG("section content:\n%s", out);
+        DM_DETAIL("section content:\n%s", out);
     return length;
 }
 
@@ -759,8 +774,10 @@ void TableOperator::appendSection(std::string& text, int record) {
         text::formatKeyLine(m_layout.keyLine, field.key, value, line, sizeof line);
         text += line;
     }
-    if (!fits)
+    if (!fits) {
         DM_WARNING("write section %s for file [%s] failed!\n", idText(indices).c_str(), getFileFullPath());
+        logWhere();
+    }
 }
 
 // --- reading ---
@@ -771,6 +788,7 @@ bool TableOperator::searchSectionId(const std::vector<int>& dims) {
     if (!isLoaded()) {
         DM_WARNING("search file [%s] failed when searchSection%s because of loading file not finished.\n",
                    getFileFullPath(), searchText(dims.data()).c_str());
+        logWhere();
         return false;
     }
     const int position =
@@ -779,6 +797,7 @@ bool TableOperator::searchSectionId(const std::vector<int>& dims) {
         return true;
     DM_WARNING("set file [%s] to position [%d] bytes failed when searchSection%s.\n", getFileFullPath(), position,
                searchText(dims.data()).c_str());
+    logWhere();
     return false;
 }
 
@@ -794,10 +813,11 @@ bool TableOperator::readRecord(int* record) {
 }
 
 bool TableOperator::loadContents() {
-    return m_file.isOpend() && (loadWrittenSections() || loadSectionsByLine());
+    int indices[MAX_DIMENSIONS] = {};
+    return m_file.isOpend() && (loadWrittenSections(indices) || loadSectionsByLine(indices));
 }
 
-bool TableOperator::loadWrittenSections() {
+bool TableOperator::loadWrittenSections(int* indices) {
     long position = 0;
     if (!m_file.getCurrentPos(position))
         return false;
@@ -809,7 +829,7 @@ bool TableOperator::loadWrittenSections() {
         const std::size_t added = m_file.readBytes(piece + kept, sizeof piece - kept);
         const std::size_t count = kept + added;
         std::size_t read = 0;
-        while (count - read >= length && loadWrittenSection(section, piece + read))
+        while (count - read >= length && loadWrittenSection(section, piece + read, indices))
             read += length;
         position += static_cast<long>(read);
         kept = count - read;
@@ -824,17 +844,17 @@ bool TableOperator::loadWrittenSections() {
     return false;
 }
 
-bool TableOperator::loadWrittenSection(const text::WrittenSection& section, const char* text) {
+bool TableOperator::loadWrittenSection(const text::WrittenSection& section, const char* text, int* last) {
     int indices[MAX_DIMENSIONS] = {};
     if (!section.read(text, indices, m_section.data()))
         return false;
+    std::copy_n(indices, MAX_DIMENSIONS, last);
     std::copy(m_section.begin(), m_section.end(), recordAt(m_layout.recordIndex(indices)));
     dumpRecord(indices);
     return true;
 }
 
-bool TableOperator::loadSectionsByLine() {
-    int indices[MAX_DIMENSIONS] = {};
+bool TableOperator::loadSectionsByLine(int* indices) {
     char line[text::LINE_BUFFER];
     while (m_file.isOpend() && m_file.readLine(line, sizeof line)) {
         if (std::strchr(line, '[') == nullptr) {

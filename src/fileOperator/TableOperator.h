@@ -95,6 +95,8 @@ protected:
     void putField(const char* key, int value, int* record) const;
     /// Logs one record of the table, if the detail log is on.
     void dumpRecord(const int* indices) TD_REQUIRES(m_criticalSection);
+    /// Logs the id of the section that is about to be read or written, if the detail log is on.
+    void dumpId(const int* indices);
 
     /// The record in the table; its indices have been checked.
     int* recordAt(int record) TD_REQUIRES(m_criticalSection) {
@@ -146,11 +148,13 @@ private:
     void appendSection(std::string& text, int record) TD_REQUIRES(m_criticalSection);
     void noteChange(int record) TD_REQUIRES(m_criticalSection);
     /// Loads sections from the current position on as long as they stand as they are written. Whether that was all; if
-    /// not, the file stands at the first that is otherwise.
-    bool loadWrittenSections() TD_REQUIRES(m_criticalSection);
-    bool loadWrittenSection(const text::WrittenSection& section, const char* text) TD_REQUIRES(m_criticalSection);
-    /// Loads the sections from the current position on, in whatever form.
-    bool loadSectionsByLine() TD_REQUIRES(m_criticalSection);
+    /// not, the file stands at the first that is otherwise, and `indices` are those of the section before it.
+    bool loadWrittenSections(int* indices) TD_REQUIRES(m_criticalSection);
+    bool loadWrittenSection(const text::WrittenSection& section, const char* text, int* last)
+        TD_REQUIRES(m_criticalSection);
+    /// Loads the sections from the current position on, in whatever form. A header that leaves an index open takes that
+    /// of the section before, at first from `indices`.
+    bool loadSectionsByLine(int* indices) TD_REQUIRES(m_criticalSection);
 
     const CategoryLayout& m_layout;
     const FieldNames m_names;

@@ -52,8 +52,9 @@ int digitValue(char c, int base) {
     return digit < base ? digit : -1;
 }
 
-/// Reads a number as scanf does from at most `width` characters of `text`, the sign counted. False without a digit.
-bool scanNumber(const char* text, int width, int base, unsigned int& value) {
+/// Reads a number as scanf does from at most `width` characters of `text`, the sign counted. What follows it; null
+/// without a digit.
+const char* scanNumber(const char* text, int width, int base, unsigned int& value) {
     bool negative = false;
     if (width > 0 && (*text == '-' || *text == '+')) {
         negative = *text == '-';
@@ -66,7 +67,7 @@ bool scanNumber(const char* text, int width, int base, unsigned int& value) {
     }
     int digit = width > 0 ? digitValue(*text, base) : -1;
     if (digit < 0)
-        return false;
+        return nullptr;
     unsigned int number = 0;
     while (digit >= 0) {
         number = number * static_cast<unsigned int>(base) + static_cast<unsigned int>(digit);
@@ -74,7 +75,7 @@ bool scanNumber(const char* text, int width, int base, unsigned int& value) {
         digit = --width > 0 ? digitValue(*text, base) : -1;
     }
     value = negative ? 0U - number : number;
-    return true;
+    return text;
 }
 
 /// A comment line: '#', the text, blanks up to the closing '#'.
@@ -174,7 +175,7 @@ bool parseCrc(const char* line, unsigned int& crc) {
     value = skipBlanks(value + 1);
     if (value[0] != '0' || value[1] != 'x')
         return false;
-    return scanNumber(skipBlanks(value + 2), 8, 16, crc);
+    return scanNumber(skipBlanks(value + 2), 8, 16, crc) != nullptr;
 }
 
 char indexDigit(int index) {
@@ -206,6 +207,8 @@ int formatSectionId(const CategoryLayout& layout, const int* indices, char* out,
 }
 
 bool parseSectionId(const CategoryLayout& layout, const char* line, int* indices) {
+    if (line == nullptr)
+        return false;
     if (layout.dimensions.empty())
         return true;
     if (*line++ != '[')
@@ -308,7 +311,9 @@ bool parseKeyLine(KeyLineForm form, const char* line, char* key, int& value) {
         base = 16;
     }
     unsigned int number = 0;
-    if (!scanNumber(rest, width, base, number))
+    rest = scanNumber(rest, width, base, number);
+    // The first digits of a longer number are another number.
+    if (rest == nullptr || digitValue(*rest, base) >= 0)
         return false;
     std::memcpy(key, start, static_cast<std::size_t>(length));
     key[length] = '\0';

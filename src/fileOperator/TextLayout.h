@@ -57,7 +57,7 @@ DATAMODULE_API std::string sectionId(const CategoryLayout& layout, const int* in
 DATAMODULE_API int formatSectionId(const CategoryLayout& layout, const int* indices, char* out, int size);
 /// Reads a header line. Every dimension must be matched; a "%1c" index that is neither digit nor letter leaves that
 /// index as it was. Ranges are not checked. On failure some indices may have been set. A category without dimensions
-/// takes any header line.
+/// takes any header line. Null is none.
 DATAMODULE_API bool parseSectionId(const CategoryLayout& layout, const char* line, int* indices);
 
 // --- key lines ---
@@ -71,7 +71,8 @@ DATAMODULE_API bool fitsColumns(KeyLineForm form, int value);
 DATAMODULE_API int formatSection(const CategoryLayout& layout, const int* record, char* out, int size);
 /// The value of a key line by its fixed columns; the key is not looked at. Columns beyond the line's end are absent.
 DATAMODULE_API int valueByColumns(KeyLineForm form, const char* line);
-/// Splits a key line of any width into key (KEY_WIDTH + 1 bytes) and value. False when it is no key line.
+/// Splits a key line of any width into key (KEY_WIDTH + 1 bytes) and value. False when it is no key line, and when the
+/// number has more digits than its columns hold.
 DATAMODULE_API bool parseKeyLine(KeyLineForm form, const char* line, char* key, int& value);
 
 } // namespace td::text

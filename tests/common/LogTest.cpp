@@ -39,7 +39,7 @@ TEST(Log, MakesNoLineThatNobodyWants) {
     int evaluated = 0;
     DebugOutput::setLevel(DebugOutput::Level::Warning);
     DM_INFO("%d", ++evaluated);
-    DM_DEBUG("%d", ++evaluated);
+    TD_LOG(DebugOutput::Level::Debug, "%d", ++evaluated);
     EXPECT_EQ(evaluated, 0);
     DM_ERROR("%d", ++evaluated);
     EXPECT_EQ(evaluated, 1);

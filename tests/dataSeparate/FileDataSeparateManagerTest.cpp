@@ -95,6 +95,14 @@ TEST_F(ManagerTest, ATelevisionsTypeIsOneLine) {
         EXPECT_STREQ(m_manager.getTvType(), kept);
     }
     EXPECT_FALSE(m_manager.setTvType(nullptr));
+    const char* const before = m_manager.getTvType();
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(m_manager.setTvType("OTHER\n1"));
+        EXPECT_STREQ(m_manager.getTvType(), "OTHER");
+        EXPECT_STREQ(before, "sixteen letters") << "whoever has the text may go on reading it";
+        EXPECT_TRUE(m_manager.setTvType(before));
+        EXPECT_EQ(m_manager.getTvType(), before) << "one of each is kept";
+    }
 }
 
 // --- registration ---
@@ -324,6 +332,7 @@ TEST_F(ManagerTest, OneFailedFileFailsATypedLoadAndTheOthersAreLoaded) {
 }
 
 TEST_F(ManagerTest, AResetMakesTheTypeLoadableAgain) {
+    EXPECT_FALSE(m_manager.loadAllData()) << "before init() nothing is loaded, and nothing counts as loaded";
     ASSERT_TRUE(m_manager.init(DS_SCOPE_ALL));
     EXPECT_FALSE(m_manager.loadAllData());
     EXPECT_TRUE(m_manager.loadAllData(SOUND)) << "everything is loaded";

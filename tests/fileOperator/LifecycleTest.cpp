@@ -248,6 +248,8 @@ TEST_F(LifecycleTest, AGoodCurrentCopyIsLoadedOnce) {
     }
     EXPECT_TRUE(m_log.contains("@@@@@@@@@@ close file ["));
     EXPECT_FALSE(Global().loadFile()) << "without a parent";
+    EXPECT_TRUE(Global().AbstractFileOperator::restoreSetting({}));
+    EXPECT_TRUE(m_log.contains("[PICTURE_GLOBAL]: module hasn't completed yet.\n"));
 }
 
 TEST_F(LifecycleTest, ACopyOfTheLargestSizeIsRead) {
@@ -363,9 +365,11 @@ TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
     old = replaced(old, keyLine("Contrast", "0050") + keyLine("Brightness", "0050"),
                    keyLine("Brightness", "0061") + keyLine("Contrast", "0062"), section);
     old = replaced(old, keyLine("Hue", "0000"), keyLine("Forgotten", "0063"), section);
+    old = replaced(old, keyLine("Gamma", "0003"), keyLine("Gamma", "12345"), section);
     old = replaced(old, "[3b0]\n", "[3c0]\n" + keyLine("Contrast", "0064") + "[3b0]\n");
     m_root.write(Copy::Current, PICTURE_MODE_FILE, withChecksum(old));
-    m_root.write(Copy::Factory, PICTURE_MODE_FILE, withChecksum(withValue(good, "[3a7]\n", "Hue", 17)));
+    const std::string factory = withValue(withValue(good, "[3a7]\n", "Hue", 17), "[3a7]\n", "Gamma", 2);
+    m_root.write(Copy::Factory, PICTURE_MODE_FILE, withChecksum(factory));
 
     const std::string path = m_root.path(Copy::Current, PICTURE_MODE_FILE);
     ASSERT_EQ(chmod(path.c_str(), 0640), 0);
@@ -378,9 +382,10 @@ TEST_F(LifecycleTest, AnOldCurrentCopyIsMergedByKey) {
     EXPECT_EQ(valueOf(*op, dims, "Brightness"), 61);
     EXPECT_EQ(valueOf(*op, dims, "Contrast"), 62);
     EXPECT_EQ(valueOf(*op, dims, "Hue"), 17) << "the factory's: the old copy had none";
+    EXPECT_EQ(valueOf(*op, dims, "Gamma"), 2) << "the factory's: the old copy's had too many digits";
     op->waitForMerge();
-    std::string expected = withValue(withValue(good, "[3a7]\n", "Brightness", 61), "[3a7]\n", "Contrast", 62);
-    expected = withChecksum(withValue(expected, "[3a7]\n", "Hue", 17));
+    const std::string expected =
+        withChecksum(withValue(withValue(factory, "[3a7]\n", "Brightness", 61), "[3a7]\n", "Contrast", 62));
     struct stat status = {};
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0640U) << "the new file has the old one's mode";

@@ -1,6 +1,9 @@
 // What every category's operator does with its table and its section, on a category with dimensions and on one without.
 // The numbers of the invariants are those of AbstractFileOperator.h.
 
+#include <filesystem>
+#include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -10,6 +13,7 @@
 
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
+#include <dataModule/fileOperator/FileUserPictureWB20Point.h>
 #include <dataModule/fileOperator/TextLayout.h>
 
 #include "FakeParent.h"
@@ -66,7 +70,7 @@ TEST_F(PictureModeTest, AnswersNamedFieldsAndWholeRecords) {
     EXPECT_EQ(args[2].value, -3);
     EXPECT_EQ(args[3].value, 50);
     EXPECT_EQ(m_log.count("The field [Nothing] is invalid.\n"), 1U);
-    EXPECT_EQ(m_log.count("] is invalid.\n"), 2U);
+    EXPECT_EQ(m_log.count("The field [] is invalid.\n"), 1U);
 
     const std::pair<const char*, int> record[] = {
         {"Contrast", 50},
@@ -320,11 +324,121 @@ TEST_F(PictureGlobalTest, RestoresOnlyFromASectionOfItsKeys) {
     EXPECT_EQ(valueOf(*m_op, {}, "RGBOnly"), 3);
 }
 
-// --- what a category does not offer ---
+// --- headers that leave an index open ---
 
-// --- detail log ---
+using TwentyPointTest = CategoryFixture<FileUserPictureWB20Point>;
 
-// --- the typed members ---
+TEST_F(TwentyPointTest, ALevelThatIsNoLevelIsTheOneBeforeWhicheverWayThatWasRead) {
+    for (const char* before : {"[459]\n", "[45 9]\n"}) { // as it is written, and otherwise
+        std::string text = replaced(m_text, "[45a]\n", "[45A]\n");
+        text = withValue(text, "[45A]\n", "Red", 77);
+        m_root.write(Copy::Current, fileName(), withChecksum(replaced(text, "[459]\n", before)));
+        FileUserPictureWB20Point op;
+        op.setParent(&m_parent);
+        ASSERT_TRUE(op.loadFile());
+        EXPECT_EQ(valueOf(op, {4, 5, 9}, "Red"), 77) << before;
+        EXPECT_EQ(valueOf(op, {4, 5, 0}, "Red"), valueOf(*m_op, {4, 5, 0}, "Red")) << before;
+    }
+}
+
+// --- what is none ---
+
+TEST_F(PictureModeTest, NullIsNoNameAndNoLine) {
+    _UsrPicMode_t record = {};
+    m_op->putFieldsToData(nullptr, 15, record);
+    int source = 3;
+    int mode = 10;
+    int range = 7;
+    EXPECT_FALSE(m_op->parseSection(nullptr, source, mode, range));
+    std::vector<_Argument_t> args{{nullptr, -3}};
+    EXPECT_TRUE(m_op->loadData(DIMS, args));
+    EXPECT_TRUE(m_log.contains("The field [] is invalid.\n"));
+}
+
+// --- what the log says ---
+
+TEST_F(PictureModeTest, TheDetailLogShowsWithThePortsLevelWhatIsReadAndStored) {
+    DebugOutput::setLevel(DebugOutput::Level::Warning);
+    const auto readAndStore = [this](int hue) {
+        EXPECT_EQ(valueOf(*m_op, DIMS, "Contrast"), 50);
+        EXPECT_TRUE(storeValue(*m_op, DIMS, "Hue", hue));
+        EXPECT_EQ(m_parent.deliver(), 1);
+    };
+    readAndStore(1);
+    EXPECT_TRUE(m_log.lines().empty());
+    const DetailLog on;
+    readAndStore(2);
+    EXPECT_EQ(m_log.count("[3a7]: contrast = 50, brighness = 50, color = 50, hue = 1, sharpness = 10, "), 1U);
+    EXPECT_EQ(m_log.count("[3a7]: contrast = 50, brighness = 50, color = 50, hue = 2, sharpness = 10, "), 1U);
+    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 1U) << "of the section that was written";
+    EXPECT_TRUE(m_log.contains("section content:\nContrast                 = 0050\n"));
+    EXPECT_TRUE(m_op->restoreSetting(DIMS));
+    EXPECT_EQ(m_log.count("Section ID is: [3a7]\n"), 2U) << "and of the one that was read";
+}
+
+TEST_F(PictureModeTest, EveryFailureIsLoggedWithCategoryAndPath) {
+    const auto makeFileOf = [](Copy copy) {
+        std::filesystem::remove_all(SettingsRoot::directory(copy));
+        std::ofstream(SettingsRoot::directory(copy).erase(SettingsRoot::directory(copy).size() - 1)) << "no directory";
+    };
+    const auto load = [this] {
+        FileUserPictureMode op;
+        op.setParent(&m_parent);
+        return op.loadFile();
+    };
+    const auto store = [this](int value) { return storeValue(*m_op, DIMS, "Hue", value) && m_parent.deliver() == 1; };
+    const auto backUp = [this] {
+        m_op->enterCriticalSection();
+        m_op->backupFile(false);
+        m_op->leaveCriticalSection();
+        return false;
+    };
+    const struct {
+        const char* what;
+        Copy where;
+        std::function<bool()> fails;
+    } cases[] = {
+        {"a section that cannot be written", Copy::Current, [&] { return store(10000); }},
+        {"a section that is not there", Copy::Current,
+         [&] {
+             m_root.write(Copy::Current, MODE_FILE, withChecksum(m_text.substr(0, m_text.find(SECTION))));
+             return store(2);
+         }},
+        {"a current copy that cannot be opened", Copy::Current,
+         [&] {
+             m_root.remove(Copy::Current, MODE_FILE);
+             return store(3);
+         }},
+        {"a record that cannot be read", Copy::Current, [&] { return m_op->restoreSettingFromCurrent(DIMS); }},
+        {"a merge without factory values", Copy::Factory,
+         [&] {
+             m_root.write(Copy::Current, MODE_FILE, withChecksum(replaced(m_text, "v0.4", "v0.3")));
+             m_root.remove(Copy::Factory, MODE_FILE);
+             return load();
+         }},
+        {"a record of the factory's", Copy::Factory, [&] { return m_op->restoreSetting(DIMS); }},
+        {"a backup", Copy::Current,
+         [&] {
+             m_root.write(Copy::Current, MODE_FILE, m_text);
+             store(4);
+             makeFileOf(Copy::Backup);
+             return backUp();
+         }},
+        {"a removal", Copy::Backup, [&] { return m_op->removeFile() && m_op->removeFile(); }},
+        {"a recovery", Copy::Factory,
+         [&] {
+             m_root.write(Copy::Factory, MODE_FILE, m_text);
+             makeFileOf(Copy::Current);
+             return load();
+         }},
+    };
+    for (const auto& failure : cases) {
+        m_log.clear();
+        EXPECT_FALSE(failure.fails()) << failure.what;
+        const std::string path = m_root.path(failure.where, MODE_FILE);
+        EXPECT_TRUE(m_log.contains("[PICTURE_MODE]: in file [" + path + "].\n")) << failure.what;
+    }
+}
 
 } // namespace
 } // namespace td::test

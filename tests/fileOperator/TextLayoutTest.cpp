@@ -229,7 +229,9 @@ TEST(TextLayout, SplitsKeyLinesOfAnyWidth) {
     };
     const Case cases[] = {
         {KeyLineForm::Decimal4, "  Contrast  =7", "Contrast", 7},
-        {KeyLineForm::Decimal4, "Contrast                 = 12345\n", "Contrast", 1234},
+        {KeyLineForm::Decimal4, "Contrast                 = 12345\n", nullptr, 0}, // more than its columns hold
+        {KeyLineForm::Decimal4, "Contrast                 = -1234\n", nullptr, 0},
+        {KeyLineForm::Decimal4, "Contrast                 = 1234x\n", "Contrast", 1234},
         {KeyLineForm::Decimal4, "Contrast                 = -12\n", "Contrast", -12},
         {KeyLineForm::Decimal4, "abcdefghijklmnopqrstuvwx = 0001\n", "abcdefghijklmnopqrstuvwx", 1},
         {KeyLineForm::Decimal4, "abcdefghijklmnopqrstuvwxy = 0001\n", nullptr, 0},
@@ -237,11 +239,11 @@ TEST(TextLayout, SplitsKeyLinesOfAnyWidth) {
         {KeyLineForm::Decimal4, "Contrast = high\n", nullptr, 0},
         {KeyLineForm::Decimal4, "Contrast =\n", nullptr, 0},
         {KeyLineForm::Decimal4, "\n", nullptr, 0},
-        {KeyLineForm::Decimal5, "Contrast = 123456\n", "Contrast", 12345},
+        {KeyLineForm::Decimal5, "Contrast = 123456\n", nullptr, 0},
         {KeyLineForm::Decimal5, "abcdefghijklmnopqrstuvwx = 00001\n", nullptr, 0}, // 24 characters
         {KeyLineForm::Hexadecimal5, "Contrast = 0x ff\n", "Contrast", 255},
         {KeyLineForm::Hexadecimal5, "Contrast = 0x0xfed\n", "Contrast", 0xfed}, // the prefix counts
-        {KeyLineForm::Hexadecimal5, "Contrast = 0x0Xfedc\n", "Contrast", 0xfed},
+        {KeyLineForm::Hexadecimal5, "Contrast = 0x0Xfedc\n", nullptr, 0},
         {KeyLineForm::Hexadecimal5, "Contrast = 0x-0x1f\n", "Contrast", -0x1f},
         {KeyLineForm::Hexadecimal5, "Contrast = 0x0x\n", nullptr, 0},
         {KeyLineForm::Hexadecimal5, "Contrast = 0x  0xg\n", nullptr, 0},

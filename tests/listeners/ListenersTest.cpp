@@ -22,6 +22,7 @@
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 
+#include "Child.h"
 #include "Gate.h"
 #include "LogCapture.h"
 #include "Process.h"
@@ -283,14 +284,36 @@ TEST_F(ListenersTest, TheDetailLogFollowsTheSharedWordOnceThereIsOne) {
     ASSERT_EQ(Process::run({"switch", "5"}), 0);
     ASSERT_TRUE(m_log.waitFor("make the detail log switch 'OPEN'.\n"));
     EXPECT_TRUE(m_log.contains("received from shm values [5].\n"));
+    DebugOutput::setLevel(DebugOutput::Level::Warning); // the port's own
     EXPECT_EQ(contrast(*set), 50);
     EXPECT_TRUE(m_log.contains("contrast = "));
+    DebugOutput::setLevel(DebugOutput::Level::Debug);
 
     ASSERT_EQ(Process::run({"switch", "0"}), 0);
     ASSERT_TRUE(m_log.waitFor("make the detail log switch 'OFF'.\n"));
     m_log.clear();
     EXPECT_EQ(contrast(*set), 50);
     EXPECT_FALSE(m_log.contains("contrast = "));
+
+    // A child made by fork() listens once it has a manager of its own.
+    const auto listening = [] {
+        shmid_ds status = {};
+        return shmctl(shmget(names::DETAIL_LOG_KEY, 0, 0), IPC_STAT, &status) == 0 ? status.shm_nattch : 0;
+    };
+    const auto before = listening();
+    const auto life = [&] {
+        DebugOutput::setSink({});
+        DebugOutput::setLevel(DebugOutput::Level::Error);
+        if (listening() != before)
+            return 1;
+        auto* const own = new SmallSet;
+        if (!own->init(DS_SCOPE_ALL))
+            return 2;
+        while (listening() == before)
+            std::this_thread::yield();
+        return 0;
+    };
+    EXPECT_EQ(endOf(startChild(life)), 0);
 }
 
 TEST_F(ListenersTest, TheSharedWordIsMadeAndItsRemovalFails) {

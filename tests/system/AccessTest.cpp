@@ -189,6 +189,8 @@ TEST_F(Access, AFileNameIsNoPath) {
         EXPECT_FALSE(op->removeCurrentFile()) << name;
     }
     op->setFileName("");
+    op->setFileName(nullptr);
+    EXPECT_TRUE(m_log.contains("file name [] is refused"));
     EXPECT_FALSE(op->initFile(true));
     EXPECT_EQ(m_root.files(), std::vector<std::string>{"var/local/dataModule/lock/.lock"});
 }

@@ -13,13 +13,6 @@ namespace td::dmctl {
 
 namespace {
 
-/// Category names by value.
-constexpr const char* CATEGORY_NAMES[] = {
-#define DMCTL_NAME(value, name, operatorClass) #name,
-    DATAMODULE_CATEGORY_LIST(DMCTL_NAME)
-#undef DMCTL_NAME
-};
-
 /// What of a name is compared: without case, and with '_' for blanks, which shells would split at.
 std::string folded(const std::string& text) {
     std::string result;
@@ -98,7 +91,7 @@ std::string unknownWord(const std::string& kind, const std::string& word, const 
 }
 
 std::string categoryName(const CategoryLayout& layout) {
-    return CATEGORY_NAMES[layout.category];
+    return td::categoryName(layout.category);
 }
 
 const CategoryLayout& categoryNamed(const std::string& word) {

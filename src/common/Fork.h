@@ -1,0 +1,32 @@
+/// What becomes of the library in a child made by fork(): the child has the memory of its parent and one of its
+/// threads, the one that called. So it closes the descriptors that hold the parent's locks between processes, which it
+/// would keep from everybody else, and gets the mutexes of the process's single objects anew, which nobody would ever
+/// release. What a manager holds stays as it is; the manager asks the generation. Any thread.
+#pragma once
+
+#include <atomic>
+
+#include <sys/types.h>
+
+namespace td {
+
+class Fork {
+public:
+    /// From here on children are looked after. Does nothing after the first call.
+    static void watch();
+    /// How many forks lie between this process and the first one that called watch().
+    static unsigned int generation() { return s_generation.load(std::memory_order_relaxed); }
+
+    /// open(2) and close(2) for what a child is to close, since it holds a lock, or will.
+    static int openLockFile(const char* path, int flags, mode_t mode = 0);
+    static void closeLockFile(int descriptor);
+
+private:
+    static void prepare();
+    static void inParent();
+    static void inChild();
+
+    static std::atomic<unsigned int> s_generation;
+};
+
+} // namespace td
