@@ -32,6 +32,9 @@ struct OwnValue {
     }
 };
 
+/// What processes store that end while they do; the first one's first value they wait for.
+constexpr _DataCategory_t LEAVING_CATEGORIES[] = {SOUND_MODE, PICTURE_WB_2_POINT, SOUND_DELAY, PICTURE_YRANGE};
+
 constexpr int PROCESSES = 3;
 
 /// Some values of the process with that number, in its scope. A section belongs to one process: what is stored of it is

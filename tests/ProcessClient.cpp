@@ -5,14 +5,20 @@
 //       lives for that time under ROOT as the client with that number: boots, checks that everything loads without a
 //       complaint and that its own values are as it last stored them, stores, backs up, stops, and boots again. At the
 //       end it prints its own values: category, index of the value, value.
+//   test_process leave ROOT WAY NUMBER
+//       checks that NUMBER is what was stored and waited for last under ROOT, and that the files verify; stores the
+//       next number, waits for it, stores more, and ends the process that way without stopping anything
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <random>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -22,6 +28,7 @@
 
 #include <dataModule/common/ListenerNames.h>
 #include <dataModule/FileDataSeparateManager.h>
+#include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/platform/DebugOutput.h>
 #include <dataModule/platform/RootPrefix.h>
 
@@ -120,6 +127,71 @@ int runClient(const char* root, int scope, unsigned int number, int milliseconds
     return client.failed() ? 1 : 0;
 }
 
+// --- leaving ---
+
+constexpr int LAST_STORES = 40;
+constexpr int STORING_THREADS = 8;
+/// What takes the process its time to destroy.
+std::map<int, std::string> g_large;
+
+OwnValue firstOf(_DataCategory_t category, int record) {
+    const OwnValue value{category, 0};
+    return {category, record % value.layout().recordCount() * value.layout().fieldCount()};
+}
+
+void storeAny(int seed) {
+    const _DataCategory_t category = LEAVING_CATEGORIES[static_cast<std::size_t>(seed) % std::size(LEAVING_CATEGORIES)];
+    const OwnValue value = firstOf(category, 1 + seed % 3);
+    FileDataSeparateManager::instance()->storeData(category, value.dims(), {{value.field(), seed % 100}});
+}
+
+void storeMany() {
+    for (int i = 0; i < LAST_STORES; ++i)
+        storeAny(i);
+}
+
+[[noreturn]] void storeForEver(int seed) {
+    for (;;)
+        storeAny(++seed);
+}
+
+/// Whether the files load and verify afterwards.
+bool loadLeft(FileDataSeparateManager& manager) {
+    return std::all_of(std::begin(LEAVING_CATEGORIES), std::end(LEAVING_CATEGORIES), [&](_DataCategory_t category) {
+        IFileOperator* const op = manager.getFileOperator(category);
+        return op->loadFile() && fileVerifies(op->getFileFullPath(), nullptr);
+    });
+}
+
+/// Ends the process, or has its caller return from main().
+int leave(const char* root, const std::string& way, int number) {
+    if (way == "handler" && std::atexit(storeMany) != 0)
+        return 1;
+    FileDataSeparateManager::setListening(false);
+    if (!setRootPrefix(root))
+        return 1;
+    FileDataSeparateManager* const manager = FileDataSeparateManager::instance();
+    if (!manager->init(DS_SCOPE_BIZ) || !loadLeft(*manager))
+        return 2;
+    const OwnValue waited = firstOf(LEAVING_CATEGORIES[0], 0);
+    std::vector<_Argument_t> args{{waited.field(), -1}};
+    if (!manager->loadData(waited.category, waited.dims(), args) || args.front().value != number)
+        return 3;
+    args.front().value = number + 1;
+    if (!manager->storeData(waited.category, waited.dims(), args) || !manager->waitStored(PATIENCE_MILLISECONDS))
+        return 4;
+    for (int i = 0; way == "globals" && i < 100000; ++i)
+        g_large[i] = std::string(40, 'x');
+    for (int i = 0; way == "threads" && i < STORING_THREADS; ++i)
+        std::thread(storeForEver, i).detach();
+    storeMany();
+    if (way == "exit")
+        std::exit(0);
+    if (way == "quick_exit")
+        std::quick_exit(0);
+    return 0;
+}
+
 } // namespace
 } // namespace td::test
 
@@ -132,5 +204,7 @@ int main(int argc, char** argv) {
     if (task == "client" && argc == 6)
         return td::test::runClient(argv[2], std::atoi(argv[3]), static_cast<unsigned int>(std::atoi(argv[4])),
                                    std::atoi(argv[5]));
+    if (task == "leave" && argc == 5)
+        return td::test::leave(argv[2], argv[3], std::atoi(argv[4]));
     return 2;
 }

@@ -2,12 +2,12 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include <ini.h>
+
+#include "InputFile.h"
 
 namespace td {
 namespace {
@@ -38,14 +38,14 @@ int takeValue(void* user, const char* section, const char* key, const char* valu
 /// continuation of the value above it. A line that does not fit, or has a zero byte, is passed over whole: cut in two,
 /// its parts would be taken for lines of their own.
 char* readConfigLine(char* buffer, int size, void* stream) {
-    auto* const file = static_cast<FILE*>(stream);
+    auto* const file = static_cast<InputFile*>(stream);
     const int room = size - 2; // for what stands before a newline and the terminator
     int length = 0;
     bool isTaken = true;
-    int character = std::fgetc(file);
-    if (character == EOF)
+    int character = file->next();
+    if (character == InputFile::END)
         return nullptr;
-    for (; character != EOF && character != '\n'; character = std::fgetc(file)) {
+    for (; character != InputFile::END && character != '\n'; character = file->next()) {
         const bool isIndentation = length == 0 && (character == ' ' || character == '\t');
         isTaken = isTaken && character != '\0' && (isIndentation || length < room);
         if (isTaken && !isIndentation)
@@ -61,12 +61,10 @@ char* readConfigLine(char* buffer, int size, void* stream) {
 bool find(const char* path, Search& search) {
     if (path == nullptr || search.section == nullptr || search.key == nullptr)
         return false;
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path, "re"), &std::fclose);
-    if (!file)
-        return false;
+    InputFile file(path);
     // Lines in error are passed over, so its result, the number of the first of them, does not matter.
-    ini_parse_stream(&readConfigLine, file.get(), &takeValue, &search);
-    return search.found && std::ferror(file.get()) == 0;
+    ini_parse_stream(&readConfigLine, &file, &takeValue, &search);
+    return search.found && !file.failed();
 }
 
 /// Decimal or, with 0x, hexadecimal; a leading zero does not make a number octal.

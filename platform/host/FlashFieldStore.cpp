@@ -1,12 +1,12 @@
 #include <dataModule/platform/FlashFieldStore.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include <dataModule/platform/RootPrefix.h>
+
+#include "InputFile.h"
 
 namespace td {
 namespace {
@@ -34,12 +34,12 @@ bool FlashFieldStore::readField(const char* name, char* value, int size) {
     if (!isFieldName(name) || value == nullptr || size <= 0)
         return false;
     const std::string path = underRootPrefix(FIELD_DIRECTORY) + name;
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
-    if (!file)
-        return false;
+    InputFile file(path.c_str());
     char field[FIELD_SIZE];
-    const std::size_t bytes = std::fread(field, 1, sizeof field, file.get());
-    if (std::ferror(file.get()) != 0)
+    std::size_t bytes = 0;
+    for (int byte = 0; bytes < sizeof field && (byte = file.next()) != InputFile::END; ++bytes)
+        field[bytes] = static_cast<char>(byte);
+    if (file.failed())
         return false;
     const std::size_t length = std::min(lengthWithoutLineEnd(field, bytes), static_cast<std::size_t>(size) - 1);
     std::memcpy(value, field, length);

@@ -11,6 +11,7 @@
 #endif
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <dataModule/common/Log.h>
@@ -104,13 +105,10 @@ std::uint32_t product(std::uint32_t one, std::uint32_t other) {
     return sum;
 }
 
-/// A descriptor for reading, closed at the end of the block.
+/// A descriptor for reading a regular file, closed at the end of the block.
 class InputFile {
 public:
-    explicit InputFile(const char* path) : m_descriptor(path == nullptr ? -1 : open(path, O_RDONLY | O_CLOEXEC)) {
-        if (path == nullptr)
-            errno = EINVAL;
-    }
+    explicit InputFile(const char* path) : m_descriptor(openAtOnce(path)), m_isRegular(isRegular(m_descriptor)) {}
     ~InputFile() {
         if (m_descriptor >= 0)
             close(m_descriptor);
@@ -118,12 +116,28 @@ public:
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    bool isOpen() const { return m_descriptor >= 0; }
+    bool isOpen() const { return m_isRegular; }
     bool seek(int offset) const { return lseek(m_descriptor, offset, SEEK_SET) >= 0; }
     ssize_t readBlock(unsigned char (&block)[BLOCK_SIZE]) const { return read(m_descriptor, block, sizeof block); }
 
 private:
+    /// Without waiting for the other end of a FIFO.
+    static int openAtOnce(const char* path) {
+        if (path == nullptr)
+            errno = EINVAL;
+        return path == nullptr ? -1 : open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    }
+    static bool isRegular(int descriptor) {
+        struct stat status {};
+        if (descriptor < 0 || fstat(descriptor, &status) != 0)
+            return false;
+        if (!S_ISREG(status.st_mode))
+            errno = EINVAL;
+        return S_ISREG(status.st_mode);
+    }
+
     const int m_descriptor;
+    const bool m_isRegular;
 };
 
 } // namespace

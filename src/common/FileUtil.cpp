@@ -1,10 +1,13 @@
 #include <dataModule/common/FileUtil.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <new>
+#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -19,32 +22,63 @@ namespace {
 /// Bytes of a buffer for a path, terminator included.
 constexpr std::size_t PATH_SIZE = 256;
 constexpr std::size_t COPY_BLOCK_SIZE = 4096;
+constexpr std::size_t READ_AHEAD_SIZE = 4096;
 constexpr mode_t DIRECTORY_MODE = 0777;
 constexpr mode_t FILE_MODE = 0666;
 constexpr mode_t PERMISSIONS = 0777;
 
-// A stream belongs to one thread at a time, so stdio's own lock is not needed.
-#if defined(__GLIBC__)
-char* readText(char* buffer, int size, FILE* stream) {
-    return fgets_unlocked(buffer, size, stream);
+/// The flags of open() for a mode of fopen(), or -1.
+int flagsOf(const char* mode) {
+    const bool both = std::strchr(mode, '+') != nullptr;
+    const int writing = both ? O_RDWR : O_WRONLY;
+    const int exclusive = std::strchr(mode, 'x') != nullptr ? O_EXCL : 0;
+    switch (mode[0]) {
+    case 'r':
+        return both ? O_RDWR : O_RDONLY;
+    case 'w':
+        return writing | O_CREAT | O_TRUNC | exclusive;
+    case 'a':
+        return writing | O_CREAT | O_APPEND | exclusive;
+    default:
+        return -1;
+    }
 }
-std::size_t readBlock(char* bytes, std::size_t count, FILE* stream) {
-    return fread_unlocked(bytes, 1, count, stream);
+
+bool isRegular(const struct stat& status) {
+    return S_ISREG(status.st_mode);
 }
-std::size_t writeBytes(const char* bytes, std::size_t count, FILE* stream) {
-    return fwrite_unlocked(bytes, 1, count, stream);
+bool isRegularOrDevice(const struct stat& status) {
+    return isRegular(status) || S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode);
 }
-#else
-char* readText(char* buffer, int size, FILE* stream) {
-    return std::fgets(buffer, size, stream);
+
+/// Opens what passes `isWanted`, or -1. Never waits, as it would for the other end of a FIFO.
+int openAtOnce(const char* path, int flags, bool (*isWanted)(const struct stat&)) {
+    const int descriptor = open(path, flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, FILE_MODE);
+    struct stat status {};
+    if (descriptor < 0)
+        return -1;
+    const bool isKnown = fstat(descriptor, &status) == 0;
+    if (isKnown && isWanted(status))
+        return descriptor;
+    const int error = isKnown ? EINVAL : errno;
+    close(descriptor);
+    errno = error;
+    return -1;
 }
-std::size_t readBlock(char* bytes, std::size_t count, FILE* stream) {
-    return std::fread(bytes, 1, count, stream);
+
+std::int64_t sizeOf(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 ? std::int64_t{status.st_size} : 0;
 }
-std::size_t writeBytes(const char* bytes, std::size_t count, FILE* stream) {
-    return std::fwrite(bytes, 1, count, stream);
+
+/// pread(), made again when a signal came first.
+ssize_t readAt(int descriptor, char* bytes, std::size_t count, std::int64_t offset) {
+    ssize_t result = 0;
+    do
+        result = pread(descriptor, bytes, count, static_cast<off_t>(offset));
+    while (result < 0 && errno == EINTR);
+    return result;
 }
-#endif
 
 /// Closes what it holds at the end of the block.
 class Descriptor {
@@ -185,7 +219,7 @@ public:
 
     /// Copies `from` into it, complete and on disk, with the mode and owner of what is at `replaced`.
     bool fill(const char* from, const char* replaced) const {
-        const Descriptor source(open(from, O_RDONLY | O_CLOEXEC));
+        const Descriptor source(openAtOnce(from, O_RDONLY, &isRegular));
         if (!source.isOpen())
             return false;
         // Not by name, where another file or a link may stand meanwhile.
@@ -279,25 +313,32 @@ FileUtil::~FileUtil() {
     closeFile();
 }
 
-bool FileUtil::openStream(const char* path, const char* mode) {
-    m_stream = std::fopen(path, mode);
-    if (m_stream == nullptr)
+bool FileUtil::openDescriptor(const char* path, const char* mode) {
+    const int flags = flagsOf(mode);
+    if (flags < 0) {
+        errno = EINVAL;
         return false;
-    m_descriptor = fileno(m_stream);
-    fcntl(m_descriptor, F_SETFD, FD_CLOEXEC);
+    }
+    m_descriptor = openAtOnce(path, flags, &isRegularOrDevice);
+    if (m_descriptor < 0)
+        return false;
+    m_appends = (flags & O_APPEND) != 0;
+    m_position = m_appends && (flags & O_ACCMODE) == O_WRONLY ? sizeOf(m_descriptor) : 0;
+    m_endMet = false;
+    m_readFailed = false;
     return true;
 }
 
 bool FileUtil::createFile(const char* path) {
     if (path == nullptr)
         return false;
-    return m_stream != nullptr || openStream(path, "w+");
+    return isOpend() || openDescriptor(path, "w+");
 }
 
 bool FileUtil::openFile(const char* path, const char* mode) {
     if (path == nullptr || mode == nullptr)
         return false;
-    if (m_stream == nullptr && !openStream(path, mode))
+    if (!isOpend() && !openDescriptor(path, mode))
         return false;
     std::memset(m_name, 0, sizeof m_name);
     std::strncpy(m_name, path, sizeof m_name - 1);
@@ -305,30 +346,103 @@ bool FileUtil::openFile(const char* path, const char* mode) {
 }
 
 bool FileUtil::isOpend() const {
-    return m_stream != nullptr;
+    return m_descriptor >= 0;
 }
 
 bool FileUtil::writeFile(const char* text, bool /*ignored*/) {
-    if (m_stream == nullptr || text == nullptr)
+    if (!isOpend() || text == nullptr)
         return false;
-    const std::size_t length = std::strlen(text);
-    // A short count means that a write failed; what was in the buffer then is gone, though it counts as written, so
-    // there is nothing to go on with.
-    const bool isWhole = writeBytes(text, length, m_stream) == length;
+    const bool isWhole = writeAll(text, std::strlen(text));
     if (syncWritten() && isWhole)
         return true;
     syslog(LOG_ERR, "write file [%s] failed.\n", m_name);
     return false;
 }
 
-bool FileUtil::readLine(char* buffer, int size) {
-    if (m_stream == nullptr || buffer == nullptr || size <= 0)
+bool FileUtil::writeAll(const char* bytes, std::size_t count) {
+    dropReadAhead();
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t written = pwrite(m_descriptor, bytes + done, count - done, static_cast<off_t>(m_position));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            break;
+        done += static_cast<std::size_t>(written);
+        m_position += written;
+    }
+    if (m_appends && done > 0)
+        m_position = sizeOf(m_descriptor);
+    return done == count;
+}
+
+std::size_t FileUtil::takeReadAhead(char* buffer, std::size_t size, bool upToNewline) {
+    const std::int64_t skipped = m_position - m_aheadOffset;
+    if (skipped < 0 || skipped >= static_cast<std::int64_t>(m_aheadCount))
+        return 0;
+    const char* const first = m_ahead.get() + skipped;
+    std::size_t count = std::min(size, m_aheadCount - static_cast<std::size_t>(skipped));
+    const void* const newline = upToNewline ? std::memchr(first, '\n', count) : nullptr;
+    if (newline != nullptr)
+        count = static_cast<std::size_t>(static_cast<const char*>(newline) - first) + 1;
+    std::memcpy(buffer, first, count);
+    m_position += static_cast<std::int64_t>(count);
+    return count;
+}
+
+bool FileUtil::readAhead() {
+    m_aheadCount = 0;
+    if (!m_ahead)
+        m_ahead.reset(new (std::nothrow) char[READ_AHEAD_SIZE]);
+    if (!m_ahead) {
+        errno = ENOMEM;
+        m_readFailed = true;
         return false;
-    return readText(buffer, size, m_stream) != nullptr;
+    }
+    m_aheadOffset = m_position;
+    m_aheadCount = readSome(m_ahead.get(), READ_AHEAD_SIZE);
+    return m_aheadCount > 0;
+}
+
+std::size_t FileUtil::readSome(char* bytes, std::size_t count) {
+    const ssize_t result = readAt(m_descriptor, bytes, count, m_position);
+    m_endMet = m_endMet || result == 0;
+    m_readFailed = m_readFailed || result < 0;
+    return result > 0 ? static_cast<std::size_t>(result) : 0;
+}
+
+bool FileUtil::readLine(char* buffer, int size) {
+    if (!isOpend() || buffer == nullptr || size <= 0)
+        return false;
+    const auto room = static_cast<std::size_t>(size) - 1;
+    const bool failedBefore = std::exchange(m_readFailed, false);
+    std::size_t length = 0;
+    while (length < room && (length == 0 || buffer[length - 1] != '\n')) {
+        const std::size_t added = takeReadAhead(buffer + length, room - length, true);
+        length += added;
+        if (added == 0 && !readAhead())
+            break;
+    }
+    const bool failed = std::exchange(m_readFailed, m_readFailed || failedBefore);
+    if ((length == 0 && room > 0) || failed)
+        return false;
+    buffer[length] = '\0';
+    return true;
 }
 
 std::size_t FileUtil::readBytes(char* buffer, std::size_t size) {
-    return m_stream == nullptr || buffer == nullptr ? 0 : readBlock(buffer, size, m_stream);
+    if (!isOpend() || buffer == nullptr)
+        return 0;
+    std::size_t count = takeReadAhead(buffer, size, false);
+    // Past the buffer, which would only cost another copy.
+    while (count < size) {
+        const std::size_t added = readSome(buffer + count, size - count);
+        if (added == 0)
+            break;
+        count += added;
+        m_position += static_cast<std::int64_t>(added);
+    }
+    return count;
 }
 
 bool FileUtil::resetStartPos() {
@@ -336,27 +450,37 @@ bool FileUtil::resetStartPos() {
 }
 
 bool FileUtil::setPos(int offset) {
-    return m_stream != nullptr && std::fseek(m_stream, offset, SEEK_SET) == 0;
+    if (!isOpend() || offset < 0)
+        return false;
+    m_position = offset;
+    m_endMet = false;
+    return true;
 }
 
 bool FileUtil::getCurrentPos(long& position) const {
-    const long current = m_stream == nullptr ? -1 : std::ftell(m_stream);
-    if (current == -1)
+    if (!isOpend() || m_position > LONG_MAX)
         return false;
-    position = current;
+    position = static_cast<long>(m_position);
     return true;
 }
 
 bool FileUtil::reachEnd() const {
-    return m_stream == nullptr || std::feof(m_stream) != 0;
+    return !isOpend() || m_endMet;
+}
+
+bool FileUtil::readFailed() const {
+    return m_readFailed;
 }
 
 bool FileUtil::closeFile() {
-    if (m_stream == nullptr)
+    if (!isOpend())
         return false;
-    const bool closed = std::fclose(m_stream) == 0;
+    if (m_stream != nullptr)
+        std::fclose(m_stream);
     m_stream = nullptr;
-    return closed;
+    m_ahead.reset();
+    m_aheadCount = 0;
+    return close(std::exchange(m_descriptor, -1)) == 0;
 }
 
 void FileUtil::deferSync(bool deferred) {
@@ -364,26 +488,42 @@ void FileUtil::deferSync(bool deferred) {
 }
 
 bool FileUtil::takeModeAndOwner(const char* replaced) {
-    return m_stream != nullptr && replaced != nullptr && giveModeAndOwnerOf(replaced, fileno(m_stream));
+    return isOpend() && replaced != nullptr && giveModeAndOwnerOf(replaced, m_descriptor);
 }
 
 bool FileUtil::syncFile() {
-    return m_stream != nullptr && std::fflush(m_stream) == 0 && fsync(m_descriptor) == 0;
+    return isOpend() && fsync(m_descriptor) == 0;
 }
 
 bool FileUtil::syncWritten() {
-    return m_syncDeferred ? std::fflush(m_stream) == 0 : syncFile();
+    return m_syncDeferred || syncFile();
 }
 
 bool FileUtil::dropReadAhead() {
-    long position = 0;
-    if (!getCurrentPos(position))
+    if (!isOpend())
         return false;
-    // Flushing forgets what was read, seeking that the end was met where the file may go on by now.
-    return std::fflush(m_stream) == 0 && std::fseek(m_stream, position, SEEK_SET) == 0;
+    m_aheadCount = 0;
+    m_endMet = false;
+    return true;
+}
+
+int FileUtil::descriptor() const {
+    return m_descriptor;
 }
 
 FILE* FileUtil::stream() const {
+    if (!isOpend() || m_stream != nullptr)
+        return m_stream;
+    const int beside = fcntl(m_descriptor, F_DUPFD_CLOEXEC, 0);
+    m_stream = beside < 0 ? nullptr : fdopen(beside, "r");
+    if (m_stream == nullptr) {
+        if (beside >= 0)
+            close(beside);
+        return nullptr;
+    }
+    // With a buffer it would show what was written since as it was before.
+    std::setvbuf(m_stream, nullptr, _IONBF, 0);
+    fseeko(m_stream, static_cast<off_t>(m_position), SEEK_SET);
     return m_stream;
 }
 
@@ -456,10 +596,10 @@ int FileUtil::copySingleFile(const char* from, const char* to) {
     if (from == nullptr || to == nullptr)
         return -1;
     // The target is emptied only when the source is open and another file.
-    const Descriptor source(open(from, O_RDONLY | O_CLOEXEC));
+    const Descriptor source(openAtOnce(from, O_RDONLY, &isRegular));
     if (!source.isOpen())
         return -1;
-    const Descriptor target(open(to, O_WRONLY | O_CREAT | O_CLOEXEC, FILE_MODE));
+    const Descriptor target(openAtOnce(to, O_WRONLY | O_CREAT, &isRegularOrDevice));
     if (!target.isOpen() || !emptyTarget(source.get(), target.get()))
         return -1;
     copyBytes(source.get(), target.get());
@@ -592,7 +732,7 @@ bool FileUtil::syncPath(const char* path) {
 bool FileUtil::overwriteStart(const char* path, const std::string& bytes) {
     if (path == nullptr)
         return false;
-    const Descriptor file(open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor file(openAtOnce(path, O_WRONLY | O_NOFOLLOW, &isRegular));
     return file.isOpen() && writeBlock(file.get(), bytes.data(), bytes.size());
 }
 
@@ -603,6 +743,34 @@ bool FileUtil::startsWith(const char* path, const std::string& bytes) {
     std::string start(bytes.size(), '\0');
     return file.isOpen() && read(file.get(), start.data(), start.size()) == static_cast<ssize_t>(start.size()) &&
            start == bytes;
+}
+
+// --- what is no file ---
+
+bool FileUtil::isStray(const char* path) {
+    struct stat status {};
+    if (path == nullptr || lstat(path, &status) != 0 || S_ISREG(status.st_mode))
+        return false;
+    if (!S_ISLNK(status.st_mode))
+        return true;
+    if (stat(path, &status) == 0)
+        return !S_ISREG(status.st_mode);
+    // Anything else may be over soon.
+    return errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
+}
+
+bool FileUtil::moveAside(const char* path, std::string& newPath) {
+    constexpr int MOST = 1000;
+    if (path == nullptr)
+        return false;
+    struct stat status {};
+    for (int number = 1; number <= MOST; ++number) {
+        newPath = std::string(path) + STRAY_SUFFIX + std::to_string(number);
+        if (lstat(newPath.c_str(), &status) != 0)
+            return errno == ENOENT && std::rename(path, newPath.c_str()) == 0;
+    }
+    errno = EEXIST;
+    return false;
 }
 
 } // namespace td

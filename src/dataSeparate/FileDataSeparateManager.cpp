@@ -544,9 +544,11 @@ int FileDataSeparateManager::postEvent(Event* event) {
 bool FileDataSeparateManager::waitStored(int milliseconds) {
     if (m_worker->isCurrent())
         return true;
-    const timespec deadline = deadlineIn(std::max(milliseconds, 0));
-    StoreWait stores(m_pendingStores);
-    return m_worker->waitHandled(milliseconds) && stores.wait(deadline);
+    return attempt([&] {
+        const timespec deadline = deadlineIn(std::max(milliseconds, 0));
+        StoreWait stores(m_pendingStores);
+        return m_worker->waitHandled(milliseconds) && stores.wait(deadline);
+    });
 }
 
 void FileDataSeparateManager::getWorkerStatistics(_ThreadStaticInfo_t& info) {
@@ -705,11 +707,15 @@ bool FileDataSeparateManager::init(_DS_Scope_t scope) {
         DM_INFO(" FileDataSeparateManager has already inited !\n");
         return true;
     }
-    if (!attempt([&] { return registerScope(scope); })) {
+    const bool registered = attempt([&] {
+        registerScope(scope);
+        setParents();
+        return true;
+    });
+    if (!registered) {
         discardOperators();
         return false;
     }
-    setParents();
     CRC32Util::instance()->init_crc_table();
 
     DM_INFO(" FileDataSeparateManager create work thread ... \n");

@@ -29,6 +29,14 @@ void copyBounded(const char* from, char* to, std::size_t size) {
     std::snprintf(to, size, "%s", textOrEmpty(from));
 }
 
+bool isSame(const struct stat& one, const struct stat& other) {
+    const auto sameTime = [](const timespec& first, const timespec& second) {
+        return first.tv_sec == second.tv_sec && first.tv_nsec == second.tv_nsec;
+    };
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
+           sameTime(one.st_mtim, other.st_mtim) && sameTime(one.st_ctim, other.st_ctim);
+}
+
 int elapsedMilliseconds() {
     TimeUtil::instance()->end();
     return TimeUtil::instance()->getElapsed();
@@ -243,7 +251,7 @@ bool AbstractFileOperator::openFile(const std::string& path, const char* mode) {
     if (path.size() >= static_cast<std::size_t>(paths::PATH_SIZE) || !m_file.openFile(path.c_str(), mode))
         return false;
     struct stat status = {};
-    if (fstat(fileno(m_file.stream()), &status) != 0) {
+    if (fstat(m_file.descriptor(), &status) != 0) {
         closeFile();
         return false;
     }
@@ -381,21 +389,19 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
 
 bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
     const std::string path = m_path.load();
-    if (!isThere(path.c_str())) {
+    if (isNoFile(path) || !isThere(path.c_str())) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", path.c_str());
         return false;
     }
-    if (mode != MANUFACTORY_LOAD) {
-        errno = 0;
-        m_fileSize = FileUtil::getFileSize(path.c_str());
-        if (m_fileSize < 0 && errno != 0)
-            noteUnreadable(errno);
-        // A size beyond an int reads as -1.
-        if (m_fileSize > text::MAX_FILE_SIZE || m_fileSize < 0) {
-            DM_WARNING("the file [%s] size is [%d] and exception, so will RECOVER it from manufactory.\n", path.c_str(),
-                       m_fileSize);
-            return false;
-        }
+    errno = 0;
+    m_fileSize = FileUtil::getFileSize(path.c_str());
+    if (m_fileSize < 0 && errno != 0)
+        noteUnreadable(errno);
+    // A size beyond an int reads as -1.
+    if (m_fileSize > text::MAX_FILE_SIZE || m_fileSize < 0) {
+        DM_WARNING("the file [%s] size is [%d] and exception%s.\n", path.c_str(), m_fileSize,
+                   mode == MANUFACTORY_LOAD ? "" : ", so will RECOVER it from manufactory");
+        return false;
     }
     // What cannot be written to can be read at least.
     if (openFile(path, mode == MANUFACTORY_LOAD ? "r" : "r+") || openFile(path, "r"))
@@ -418,8 +424,28 @@ bool AbstractFileOperator::isThere(const char* path) {
     return false;
 }
 
+bool AbstractFileOperator::isNoFile(const std::string& path) const {
+    if (!FileUtil::isStray(path.c_str()))
+        return false;
+    DM_WARNING("[%s]: what stands at [%s] is no file.\n", categoryName(), path.c_str());
+    return true;
+}
+
+bool AbstractFileOperator::makeRoom(const std::string& path) {
+    std::string aside;
+    if (!isNoFile(path))
+        return true;
+    if (!FileUtil::moveAside(path.c_str(), aside)) {
+        DM_ERROR("[%s]: it cannot be moved out of the way (%s), so no file is made there.\n", categoryName(),
+                 std::strerror(errno));
+        return false;
+    }
+    DM_WARNING("[%s]: it was moved out of the way and is [%s] now.\n", categoryName(), aside.c_str());
+    return true;
+}
+
 void AbstractFileOperator::noteIfUnreadable() {
-    if (m_file.isOpend() && std::ferror(m_file.stream()) != 0)
+    if (m_file.isOpend() && m_file.readFailed())
         noteUnreadable(EIO);
 }
 
@@ -431,7 +457,7 @@ bool AbstractFileOperator::loadSummary(const char* path) {
         return false;
     setPath(path);
     m_readError = 0;
-    if (!isThere(path)) {
+    if (isNoFile(path) || !isThere(path)) {
         DM_WARNING("load file failed -- file [%s] isn't exist.\n", path);
         return false;
     }
@@ -544,7 +570,7 @@ unsigned int AbstractFileOperator::getCrcCode(const char* path) {
 
 /// A missing or closed file is no failure here, it only means that a copy has to be made: the lines are progress.
 bool AbstractFileOperator::readStoredChecksum(const char* path, unsigned int& crc) {
-    if (!FileUtil::checkFile(path)) {
+    if (!FileUtil::checkFile(path) || FileUtil::isStray(path)) {
         DM_INFO("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
         return false;
     }
@@ -711,7 +737,10 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         return serveFromMemory();
     _LOAD_FILE_MODE mode = NORMAL_LOAD;
     _LOAD_FILE_MODE triedAgain = INVALID_LOAD;
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
     for (;;) {
+        struct stat found = {};
+        stat(current.c_str(), &found);
         bool fatal = false;
         Reading reading = Reading::TryNext;
         if (loadSummary(mode, fatal)) {
@@ -727,7 +756,7 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
             continue;
         if (staysUnread())
             return false;
-        if (mode == NORMAL_LOAD && currentWasMended()) {
+        if (mode == NORMAL_LOAD && currentWasMended(found)) {
             m_otaLoading = false;
             continue;
         }
@@ -789,9 +818,19 @@ bool AbstractFileOperator::serveFromMemory() {
 
 bool AbstractFileOperator::loadAgain() {
     takeFiles();
-    if (m_criticalSection.filesUnsure() || !loadFromFiles())
+    if (m_criticalSection.filesUnsure()) {
+        errno = EBUSY;
         return false;
-    if (m_servesMemory)
+    }
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    std::string aside;
+    if (FileUtil::isStray(current.c_str())) {
+        if (!FileUtil::moveAside(current.c_str(), aside))
+            return false;
+        DM_WARNING("[%s]: [%s] was moved out of the way and is [%s] now.\n", categoryName(), current.c_str(),
+                   aside.c_str());
+    }
+    if (!loadFromFiles() || m_servesMemory)
         return false;
     DM_INFO("[%s]: file [%s] is loaded again.\n", categoryName(), m_path.load());
     return true;
@@ -823,25 +862,17 @@ void AbstractFileOperator::tryAgain() {
     m_criticalSection.unlock();
 }
 
-/// Another process may have found the same damage, or the same old version, and be done with it: between the two locks.
-/// A pending write that could not be ended a moment ago may end now.
-bool AbstractFileOperator::currentWasMended() {
-    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
-    struct stat before = {};
-    struct stat after = {};
-    const bool wasThere = stat(current.c_str(), &before) == 0;
+/// Another process may have found the same damage, or the same old version, and be done with it. A pending write that
+/// could not be ended a moment ago may end now.
+bool AbstractFileOperator::currentWasMended(const struct stat& found) {
     takeFiles();
-    const bool isThere = stat(current.c_str(), &after) == 0;
-    const auto isOther = [&] {
-        return before.st_dev != after.st_dev || before.st_ino != after.st_ino || before.st_size != after.st_size ||
-               before.st_mtim.tv_sec != after.st_mtim.tv_sec || before.st_mtim.tv_nsec != after.st_mtim.tv_nsec ||
-               before.st_ctim.tv_sec != after.st_ctim.tv_sec || before.st_ctim.tv_nsec != after.st_ctim.tv_nsec;
-    };
     const bool triesAgain = m_pendingError != 0;
     if (triesAgain)
         endPendingWrite();
-    return ((isThere && (!wasThere || isOther())) || (triesAgain && m_pendingError == 0)) &&
-           fileVerifies(current.c_str(), m_version);
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    struct stat now = {};
+    const bool hasChanged = stat(current.c_str(), &now) == 0 && !isSame(found, now);
+    return (hasChanged || (triesAgain && m_pendingError == 0)) && fileVerifies(current.c_str(), m_version);
 }
 
 AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mode) {
@@ -860,6 +891,16 @@ AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mod
     closeFile();
     if (recoverFile())
         return Reading::Done;
+    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
+    if (FileUtil::isStray(current.c_str())) {
+        DM_WARNING("[%s]: file [%s] cannot be made where something else stands, so its values are served from memory, "
+                   "and nothing is written before that has gone.\n",
+                   categoryName(), current.c_str());
+        m_servesMemory = true;
+        m_loadMode = NORMAL_LOAD;
+        setPath(current);
+        return Reading::Done;
+    }
     if (mode == MANUFACTORY_LOAD)
         DM_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_path.load());
     return Reading::Failed;
@@ -1147,6 +1188,8 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         DM_WARNING("init failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
         return false;
     }
+    if (!makeRoom(path))
+        return false;
     if (defaults && FileUtil::checkFile(path.c_str())) {
         DM_WARNING("init failed -- file [%s] exist.\n", path.c_str());
         return false;
@@ -1233,7 +1276,8 @@ bool AbstractFileOperator::recoverFile() {
         return false;
     }
     const std::string target = directory + m_fileName;
-    if (FileUtil::replaceFile(m_path, target.c_str())) {
+    if (FileUtil::getFileSize(m_path) <= text::MAX_FILE_SIZE && makeRoom(target) &&
+        FileUtil::replaceFile(m_path, target.c_str())) {
         m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
         DM_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
         return true;
@@ -1266,7 +1310,8 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
         return true;
     }
     // Invariant 1: only a current copy that verifies goes over the backup.
-    if (!fileVerifies(current.c_str(), nullptr) || !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
+    if (!fileVerifies(current.c_str(), nullptr) || !makeRoom(backup) ||
+        !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
         DM_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
         return true;
     }
@@ -1276,7 +1321,7 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
     if (!alsoFactory)
         return true;
     const std::string factory = getWorkPath(MANUFACTORY_LOAD) + m_fileName;
-    if (FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
+    if (!isNoFile(factory) && FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
         FileUtil::replaceFile(current.c_str(), factory.c_str()))
         DM_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
     else
@@ -1293,7 +1338,8 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
     setPath(current);
     m_nameSynced = false;
     // Invariant 1.
-    if (fileVerifies(factory.c_str(), m_version) && FileUtil::replaceFile(factory.c_str(), current.c_str())) {
+    if (fileVerifies(factory.c_str(), m_version) && makeRoom(current) &&
+        FileUtil::replaceFile(factory.c_str(), current.c_str())) {
         outdateSnapshots();
         m_backupOutdated = true;
         setBackupReq(true);
@@ -1405,17 +1451,6 @@ bool AbstractFileOperator::updateSummary() {
     return written;
 }
 
-/// Says what became of a write, however the step ends.
-struct AbstractFileOperator::WriteScope {
-    explicit WriteScope(AbstractFileOperator& writing) : op(writing) {}
-    ~WriteScope() TD_NO_THREAD_SAFETY_ANALYSIS { op.writeEnded(done); }
-    WriteScope(const WriteScope&) = delete;
-    WriteScope& operator=(const WriteScope&) = delete;
-
-    AbstractFileOperator& op;
-    bool done = false;
-};
-
 bool AbstractFileOperator::updateCrcCode() {
     const SectionStep step(m_criticalSection);
     if (std::exchange(m_sectionSkipped, false) || m_otaLoading)
@@ -1451,7 +1486,7 @@ bool AbstractFileOperator::writeSections() {
               [](const RedoRecord::Write& one, const RedoRecord::Write& other) { return one.offset < other.offset; });
     m_redo.contentPosition = contentPosition();
     m_redo.crcPosition = m_crcPosition;
-    m_redoStored = (m_knownChecksum.after(fileno(m_file.stream()), m_redo, m_redo.crc) ||
+    m_redoStored = (m_knownChecksum.after(m_file.descriptor(), m_redo, m_redo.crc) ||
                     checksumAfter(m_open.path, m_redo, m_redo.crc)) &&
                    storeRedo(m_open.path, m_redo);
     if (!m_redoStored)
@@ -1465,7 +1500,7 @@ bool AbstractFileOperator::writeSections() {
     for (const RedoRecord::Write& write : writes) {
         if (m_file.setPos(write.offset) && m_file.writeFile(write.bytes.c_str(), true))
             continue;
-        // A stream that failed once is not to be trusted with another write.
+        // A file that failed once is not to be trusted with another write.
         const OpenFile torn = m_open;
         closeFile();
         if (!m_redoStored) {
@@ -1492,7 +1527,7 @@ bool AbstractFileOperator::rewriteChecksumLine() {
     const DeferredSync deferred(m_file, true);
     if (!m_file.writeFile(text::crcLine(crc).c_str(), true))
         return false;
-    m_knownChecksum.mark(fileno(m_file.stream()), contentPosition(), crc);
+    m_knownChecksum.mark(m_file.descriptor(), contentPosition(), crc);
     if (!m_file.syncFile()) {
         // Whether the system keeps what it could not write to the disk is not known.
         m_knownChecksum.forget();

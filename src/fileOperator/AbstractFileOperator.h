@@ -28,6 +28,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
@@ -185,6 +187,16 @@ protected:
     void giveUpStores() TD_REQUIRES(m_criticalSection);
     /// What syncSectionToFile() wrote is on the disk with its checksum, or is not.
     virtual void writeEnded(bool /*done*/) TD_REQUIRES(m_criticalSection) {}
+    /// Says so at the end of a block, whatever ends it.
+    struct WriteScope {
+        explicit WriteScope(AbstractFileOperator& writing) : op(writing) {}
+        ~WriteScope() TD_NO_THREAD_SAFETY_ANALYSIS { op.writeEnded(done); }
+        WriteScope(const WriteScope&) = delete;
+        WriteScope& operator=(const WriteScope&) = delete;
+
+        AbstractFileOperator& op;
+        bool done = false;
+    };
     /// Writes the records whose writes failed, if there are any. Whether all is on the disk.
     virtual bool writeFailed() TD_REQUIRES(m_criticalSection) { return true; }
 
@@ -232,7 +244,6 @@ private:
     };
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
-    struct WriteScope;
     struct MergeScope;
 
     /// Once per critical section, as soon as it has the files for itself.
@@ -261,9 +272,9 @@ private:
     /// Whether the lock between processes could be had without waiting.
     bool tryEnterWithFiles() TD_TRY_ACQUIRE(true, m_criticalSection);
     enum class Reading { Done, TryNext, Failed };
-    /// After a failure to load the current copy, before another one takes its place: whether another process mended it
-    /// meanwhile.
-    bool currentWasMended() TD_REQUIRES(m_criticalSection);
+    /// After a failure to load the current copy, which was `found` so, before another one takes its place: whether
+    /// another process mended it meanwhile.
+    bool currentWasMended(const struct stat& found) TD_REQUIRES(m_criticalSection);
     Reading readCopy(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
     Reading readForMerge() TD_REQUIRES(m_criticalSection);
     bool mergeBackup() TD_REQUIRES(m_criticalSection);
@@ -277,6 +288,11 @@ private:
     void noteUnreadable(int error) TD_REQUIRES(m_criticalSection);
     /// The same after a read from the open file, if it was an error that ended it.
     void noteIfUnreadable() TD_REQUIRES(m_criticalSection);
+    /// Whether something stands there that will never be read as a file, which then is logged.
+    bool isNoFile(const std::string& path) const;
+    /// Moves such a thing aside, so that a copy can be made there; not followed, and its new name logged. False where
+    /// it cannot be moved.
+    bool makeRoom(const std::string& path);
     /// Whether there is a file; one that cannot be asked for is noted.
     bool isThere(const char* path) TD_REQUIRES(m_criticalSection);
     /// Whether the copy that could not be read is to stay as it is: it may be as good as ever, so nothing takes its

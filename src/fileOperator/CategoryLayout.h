@@ -123,6 +123,7 @@ enum class MergeNames {
     Arguments, ///< the argument names only; unknown ones are logged
 };
 
+/// What a category declares. Made once and never destroyed: threads of the library go by it while the process exits.
 struct DATAMODULE_API CategoryLayout {
     _DataCategory_t category;
     const char* file;

@@ -19,8 +19,8 @@ void CriticalSection::claim(Claim kind, const std::string& lockFile) {
 void CriticalSection::note(const std::string& lockFile) {
     if (m_isNoted)
         return;
-    m_isNoted = true;
     m_lockFile = lockFile;
+    m_isNoted = true;
     m_outer = t_claimed;
     t_claimed = this;
 }

@@ -16,7 +16,7 @@ FileFactoryPictureAspect::FileFactoryPictureAspect() : CategoryOperator(layout()
 
 const CategoryLayout& FileFactoryPictureAspect::layout() {
     using Record = _FactoryPicAspect_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_ASPECT,
         .file = "pic_aspect_factory.ini",
         .version = "v0.1",

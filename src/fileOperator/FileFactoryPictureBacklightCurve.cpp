@@ -15,7 +15,7 @@ FileFactoryPictureBacklightCurve::FileFactoryPictureBacklightCurve() : CategoryO
 
 const CategoryLayout& FileFactoryPictureBacklightCurve::layout() {
     using Record = _Factory_Pic_Curve;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_BACKLIGHT_CURVE,
         .file = "pic_backlight_curve_factory.ini",
         .version = "v0.3",

@@ -8,7 +8,7 @@ FileFactoryPictureColorTuner::FileFactoryPictureColorTuner() : CategoryOperator(
 
 const CategoryLayout& FileFactoryPictureColorTuner::layout() {
     using Record = _factory_Pic_Color_Tuner;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_COLOR_TUNER,
         .file = "pic_color_tuner_factory.ini",
         .version = "v0.1",

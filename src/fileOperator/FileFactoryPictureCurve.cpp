@@ -15,7 +15,7 @@ FileFactoryPictureCurve::FileFactoryPictureCurve() : CategoryOperator(layout()) 
 
 const CategoryLayout& FileFactoryPictureCurve::layout() {
     using Record = _Factory_Pic_Curve;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_CURVE,
         .file = "pic_curve_factory.ini",
         .version = "v0.3",

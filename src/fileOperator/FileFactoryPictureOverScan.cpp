@@ -39,7 +39,7 @@ FileFactoryPictureOverScan::FileFactoryPictureOverScan() : CategoryOperator(layo
 
 const CategoryLayout& FileFactoryPictureOverScan::layout() {
     using Record = _FactoryPicOverscan_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_OVERSCAN,
         .file = "pic_overscan_factory.ini",
         .version = "v0.1",

@@ -15,7 +15,7 @@ FileFactoryPictureScaling::FileFactoryPictureScaling() : CategoryOperator(layout
 
 const CategoryLayout& FileFactoryPictureScaling::layout() {
     using Record = _FactoryPicScaling_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_SCALING,
         .file = "pic_scaling_factory.ini",
         .version = "v0.1",

@@ -12,7 +12,7 @@ FileFactoryPictureScalingPIP::FileFactoryPictureScalingPIP() : CategoryOperator(
 
 const CategoryLayout& FileFactoryPictureScalingPIP::layout() {
     using Record = _FactoryPicScalingPIP_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_SCALING_PIP,
         .file = "pic_scaling_pip_factory.ini",
         .version = "v0.1",

@@ -22,7 +22,7 @@ FileFactoryPictureScalingPIPPos::FileFactoryPictureScalingPIPPos() : CategoryOpe
 
 const CategoryLayout& FileFactoryPictureScalingPIPPos::layout() {
     using Record = _FactoryPicScalingPIPPos_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_SCALING_PIP_POS,
         .file = "pic_scaling_pip_pos_factory.ini",
         .version = "v0.1",

@@ -26,7 +26,7 @@ FileFactoryPictureWB::FileFactoryPictureWB() : FactoryWhiteBalance(layout(), MES
 
 const CategoryLayout& FileFactoryPictureWB::layout() {
     using Record = _factory_pic_wb;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_WB,
         .file = "pic_wb_factory.ini",
         .version = "v0.3",

@@ -8,7 +8,7 @@ FileFactoryPictureWB20Gain::FileFactoryPictureWB20Gain() : CategoryOperator(layo
 
 const CategoryLayout& FileFactoryPictureWB20Gain::layout() {
     using Record = _Fac_Pic_Wb_20_Gain;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_WB_20_GAIN,
         .file = "pic_wb_20p_gain_factory.ini",
         .version = "v0.1",

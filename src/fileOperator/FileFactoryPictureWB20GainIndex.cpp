@@ -8,7 +8,7 @@ FileFactoryPictureWB20GainIndex::FileFactoryPictureWB20GainIndex() : CategoryOpe
 
 const CategoryLayout& FileFactoryPictureWB20GainIndex::layout() {
     using Record = _Fac_Pic_Wb_20_Gain_Index;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_WB_20_GAIN_IDX,
         .file = "pic_wb_20p_gain_idx_factory.ini",
         .version = "v0.1",

@@ -8,7 +8,7 @@ FileFactoryPictureWB20Point::FileFactoryPictureWB20Point() : CategoryOperator(la
 
 const CategoryLayout& FileFactoryPictureWB20Point::layout() {
     using Record = _Fac_Pic_Wb_20_Point;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_WB_20_POINT,
         .file = "pic_wb_20p_factory.ini",
         .version = "v0.1",

@@ -8,7 +8,7 @@ FileFactoryPictureWB20PointIndex::FileFactoryPictureWB20PointIndex() : CategoryO
 
 const CategoryLayout& FileFactoryPictureWB20PointIndex::layout() {
     using Record = _Fac_Pic_Wb_20_Point_Index;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_WB_20_POINT_IDX,
         .file = "pic_wb_20p_idx_factory.ini",
         .version = "v0.1",

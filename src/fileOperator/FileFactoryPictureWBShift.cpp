@@ -33,7 +33,7 @@ FileFactoryPictureWBShift::FileFactoryPictureWBShift() : FactoryWhiteBalance(lay
 
 const CategoryLayout& FileFactoryPictureWBShift::layout() {
     using Record = _factory_pic_wb_shift;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_FACTORY_WB_SHIFT,
         .file = "pic_wb_shift_factory.ini",
         .version = "v0.1",

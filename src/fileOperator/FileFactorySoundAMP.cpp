@@ -15,7 +15,7 @@ FileFactorySoundAMP::FileFactorySoundAMP() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileFactorySoundAMP::layout() {
     using Record = _FactorySoundAMP_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_AMP,
         .file = "sound_amp_factory.ini",
         .version = "v0.3",

@@ -10,7 +10,7 @@ FileFactorySoundAVC::FileFactorySoundAVC() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileFactorySoundAVC::layout() {
     using Record = _FactorySoundAVC_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_AVC,
         .file = "sound_avc_factory.ini",
         .version = "v0.2",

@@ -8,7 +8,7 @@ FileFactorySoundCurve::FileFactorySoundCurve() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileFactorySoundCurve::layout() {
     using Record = _FactorySoundCurve_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_CURVE,
         .file = "sound_curve_factory.ini",
         .version = "v0.2",

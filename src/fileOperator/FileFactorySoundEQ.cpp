@@ -9,7 +9,7 @@ FileFactorySoundEQ::FileFactorySoundEQ() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileFactorySoundEQ::layout() {
     using Record = _FactorySoundEQ_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_EQ_WALLMOUNT,
         .file = "sound_eq_wallmount.ini",
         .version = "v0.3",

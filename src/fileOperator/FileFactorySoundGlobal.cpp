@@ -5,7 +5,7 @@ namespace td {
 FileFactorySoundGlobal::FileFactorySoundGlobal() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileFactorySoundGlobal::layout() {
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_GLOBAL_FACTORY,
         .file = "sound_global_factory.ini",
         .version = "v0.1",

@@ -32,7 +32,7 @@ FileFactorySoundPEQ::FileFactorySoundPEQ() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileFactorySoundPEQ::layout() {
     using Record = _FactorySoundPEQ_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_PEQ,
         .file = "sound_peq_factory.ini",
         .version = "v0.1",

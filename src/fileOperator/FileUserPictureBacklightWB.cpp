@@ -8,7 +8,7 @@ FileUserPictureBacklightWB::FileUserPictureBacklightWB() : CategoryOperator(layo
 
 const CategoryLayout& FileUserPictureBacklightWB::layout() {
     using Record = _UserBacklightWB_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_USER_BACKLIGHT_WB,
         .file = "velmora_color_temperature_compensation.ini",
         .version = "v0.1",

@@ -8,7 +8,7 @@ FileUserPictureCCTWB::FileUserPictureCCTWB() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserPictureCCTWB::layout() {
     using Record = _UserCCTWB_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_USER_CCT_WB,
         .file = "pic_cct_wb_usr.ini",
         .version = "v0.1",

@@ -8,7 +8,7 @@ FileUserPictureColorTuner::FileUserPictureColorTuner() : CategoryOperator(layout
 
 const CategoryLayout& FileUserPictureColorTuner::layout() {
     using Record = _Usr_Pic_Color_Tuner;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_COLOR_TUNER,
         .file = "pic_color_tuner_usr.ini",
         .version = "v0.2",

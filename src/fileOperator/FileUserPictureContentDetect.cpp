@@ -8,7 +8,7 @@ FileUserPictureContentDetect::FileUserPictureContentDetect() : CategoryOperator(
 
 const CategoryLayout& FileUserPictureContentDetect::layout() {
     using Record = _Usr_Pic_Content_Detect_;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_CONTENT_DETECT,
         .file = "pic_content_detect_usr.ini",
         .version = "v0.1",

@@ -8,7 +8,7 @@ FileUserPictureDolbyIQIntentedWhitePoint::FileUserPictureDolbyIQIntentedWhitePoi
 
 const CategoryLayout& FileUserPictureDolbyIQIntentedWhitePoint::layout() {
     using Record = _UserPicDolbyIQIntentedWhitePoint_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_USER_DOLBY_IQ_INTENTED_WHITE_POINT,
         .file = "pic_dolbyiq_intented_wp_usr.ini",
         .version = "v0.1",

@@ -24,7 +24,7 @@ FileUserPictureDolbyIQMode::FileUserPictureDolbyIQMode() : CategoryOperator(layo
 
 const CategoryLayout& FileUserPictureDolbyIQMode::layout() {
     using Record = _UserPicDolbyIQ_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_USER_DOLBY_IQ_MODE,
         .file = "pic_dolbyiq_mode_usr.ini",
         .version = "v0.1",

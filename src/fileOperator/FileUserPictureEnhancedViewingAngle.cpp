@@ -8,7 +8,7 @@ FileUserPictureEnhancedViewingAngle::FileUserPictureEnhancedViewingAngle() : Cat
 
 const CategoryLayout& FileUserPictureEnhancedViewingAngle::layout() {
     using Record = _UsrPicEnhancedViewingAngle_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_ENHANCED_VIEWING_ANGLE,
         .file = "pic_enhanced_viewing_angle_usr.ini",
         .version = "v0.1",

@@ -18,7 +18,7 @@ FileUserPictureGammaCalibrationDarkDetail::FileUserPictureGammaCalibrationDarkDe
 
 const CategoryLayout& FileUserPictureGammaCalibrationDarkDetail::layout() {
     using Record = _Usr_Pic_DarkDetail_20_Gain;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_GAMMA_CALIBRATION_DARK_DETAIL,
         .file = "pic_gamma_calibration_dark_detail.ini",
         .version = "v0.1",

@@ -5,7 +5,7 @@ namespace td {
 FileUserPictureGlobal::FileUserPictureGlobal() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserPictureGlobal::layout() {
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_GLOBAL,
         .file = "pic_global_usr.ini",
         .version = "v0.4",

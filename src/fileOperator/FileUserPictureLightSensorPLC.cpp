@@ -8,7 +8,7 @@ FileUserPictureLightSensorPLC::FileUserPictureLightSensorPLC() : CategoryOperato
 
 const CategoryLayout& FileUserPictureLightSensorPLC::layout() {
     using Record = _UserLightSensorPlc_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_USER_LIGHT_SENSOR_PLC_POINT,
         .file = "pic_light_sensor_plc_usr.ini",
         .version = "v0.1",

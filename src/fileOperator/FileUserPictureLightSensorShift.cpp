@@ -8,7 +8,7 @@ FileUserPictureLightSensorShift::FileUserPictureLightSensorShift() : CategoryOpe
 
 const CategoryLayout& FileUserPictureLightSensorShift::layout() {
     using Record = _UserLightSensorShift_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_USER_LIGHT_SENSOR_LEVEL,
         .file = "pic_light_sensor_level_usr.ini",
         .version = "v0.1",

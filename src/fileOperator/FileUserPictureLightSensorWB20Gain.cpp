@@ -24,7 +24,7 @@ FileUserPictureLightSensorWB20Gain::FileUserPictureLightSensorWB20Gain() : Categ
 
 const CategoryLayout& FileUserPictureLightSensorWB20Gain::layout() {
     using Record = _Usr_Pic_Light_Sensor_Wb_20_Gain;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_USER_LIGHT_SENSOR_WB_20_GAIN,
         .file = "pic_light_sensor_WB_20_gain_usr.ini",
         .version = "v0.1",

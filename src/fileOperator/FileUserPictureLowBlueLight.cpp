@@ -21,7 +21,7 @@ FileUserPictureLowBlueLight::FileUserPictureLowBlueLight() : CategoryOperator(la
 
 const CategoryLayout& FileUserPictureLowBlueLight::layout() {
     using Record = _Usr_Pic_Low_Blue_Light;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_LOW_BLUE_LIGHT,
         .file = "pic_low_blue_light_usr.ini",
         .version = "v0.1",

@@ -8,7 +8,7 @@ FileUserPictureMode::FileUserPictureMode() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserPictureMode::layout() {
     using Record = _UsrPicMode_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_MODE,
         .file = "pic_mode_usr.ini",
         .version = "v0.4",

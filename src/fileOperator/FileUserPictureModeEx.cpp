@@ -23,7 +23,7 @@ FileUserPictureModeEx::FileUserPictureModeEx() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserPictureModeEx::layout() {
     using Record = _UsrPicModeEx_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_MODE_EX,
         .file = "pic_mode_ex_usr.ini",
         .version = "v0.4",

@@ -8,7 +8,7 @@ FileUserPictureModeSelf::FileUserPictureModeSelf() : CategoryOperator(layout()) 
 
 const CategoryLayout& FileUserPictureModeSelf::layout() {
     using Record = _UsrPicModeSelf_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_MODE_SELF,
         .file = "pic_modeself_usr.ini",
         .version = "v0.3",

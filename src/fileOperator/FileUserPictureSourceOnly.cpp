@@ -52,7 +52,7 @@ FileUserPictureSourceOnly::FileUserPictureSourceOnly() : CategoryOperator(layout
 
 const CategoryLayout& FileUserPictureSourceOnly::layout() {
     using Record = _Usr_Pic_Source_Only_;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_SOURCE_ONLY,
         .file = "pic_sourceonly_usr.ini",
         .version = "v0.1",

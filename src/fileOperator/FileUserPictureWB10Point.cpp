@@ -8,7 +8,7 @@ FileUserPictureWB10Point::FileUserPictureWB10Point() : CategoryOperator(layout()
 
 const CategoryLayout& FileUserPictureWB10Point::layout() {
     using Record = _Usr_Pic_Wb_10_Point;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_WB_10_POINT,
         .file = "pic_wb_10p_usr.ini",
         .version = "v0.2",

@@ -8,7 +8,7 @@ FileUserPictureWB10PointIndex::FileUserPictureWB10PointIndex() : CategoryOperato
 
 const CategoryLayout& FileUserPictureWB10PointIndex::layout() {
     using Record = _Usr_Pic_Wb_10_Point_Index;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_WB_10_POINT_IDX,
         .file = "pic_wb_10p_idx_usr.ini",
         .version = "v0.2",

@@ -8,7 +8,7 @@ FileUserPictureWB20Gain::FileUserPictureWB20Gain() : CategoryOperator(layout()) 
 
 const CategoryLayout& FileUserPictureWB20Gain::layout() {
     using Record = _Usr_Pic_Wb_20_Gain;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_WB_20_GAIN,
         .file = "pic_wb_20p_gain_usr.ini",
         .version = "v0.2",

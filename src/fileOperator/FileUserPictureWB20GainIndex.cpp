@@ -8,7 +8,7 @@ FileUserPictureWB20GainIndex::FileUserPictureWB20GainIndex() : CategoryOperator(
 
 const CategoryLayout& FileUserPictureWB20GainIndex::layout() {
     using Record = _Usr_Pic_Wb_20_Gain_Index;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_WB_20_GAIN_IDX,
         .file = "pic_wb_20p_gain_idx_usr.ini",
         .version = "v0.2",

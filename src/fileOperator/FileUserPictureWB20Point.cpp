@@ -8,7 +8,7 @@ FileUserPictureWB20Point::FileUserPictureWB20Point() : CategoryOperator(layout()
 
 const CategoryLayout& FileUserPictureWB20Point::layout() {
     using Record = _Usr_Pic_Wb_20_Point;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_WB_20_POINT,
         .file = "pic_wb_20p_usr.ini",
         .version = "v0.1",

@@ -8,7 +8,7 @@ FileUserPictureWB20PointIndex::FileUserPictureWB20PointIndex() : CategoryOperato
 
 const CategoryLayout& FileUserPictureWB20PointIndex::layout() {
     using Record = _Usr_Pic_Wb_20_Point_Index;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_WB_20_POINT_IDX,
         .file = "pic_wb_20p_idx_usr.ini",
         .version = "v0.2",

@@ -8,7 +8,7 @@ FileUserPictureWB2Point::FileUserPictureWB2Point() : CategoryOperator(layout()) 
 
 const CategoryLayout& FileUserPictureWB2Point::layout() {
     using Record = _Usr_Pic_Wb_2_Point;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_WB_2_POINT,
         .file = "pic_wb_2p_usr.ini",
         .version = "v0.2",

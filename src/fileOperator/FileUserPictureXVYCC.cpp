@@ -23,7 +23,7 @@ FileUserPictureXVYCC::FileUserPictureXVYCC() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserPictureXVYCC::layout() {
     using Record = _Usr_Pic_XVYCC;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_XVYCC,
         .file = "pic_xvycc_factory.ini",
         .version = "v0.1",

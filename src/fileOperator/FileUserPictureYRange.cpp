@@ -18,7 +18,7 @@ FileUserPictureYRange::FileUserPictureYRange() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserPictureYRange::layout() {
     using Record = _Usr_Pic_YRange_;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = PICTURE_YRANGE,
         .file = "pic_yrange_usr.ini",
         .version = "v0.2",

@@ -10,7 +10,7 @@ FileUserSoundDTS::FileUserSoundDTS() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserSoundDTS::layout() {
     using Record = _UsrSoundDTS_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_DTS,
         .file = "sound_dts_usr.ini",
         .version = "v0.2",

@@ -10,7 +10,7 @@ FileUserSoundDbx::FileUserSoundDbx() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserSoundDbx::layout() {
     using Record = _UsrSoundDbx_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_DBX,
         .file = "sound_dbx_usr.ini",
         .version = "v0.2",

@@ -15,7 +15,7 @@ FileUserSoundDelay::FileUserSoundDelay() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserSoundDelay::layout() {
     using Record = _UsrSoundDelay_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_DELAY,
         .file = "sound_delay_usr.ini",
         .version = "v0.1",

@@ -10,7 +10,7 @@ FileUserSoundEQ::FileUserSoundEQ() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserSoundEQ::layout() {
     using Record = _UsrSoundEQ_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_EQ,
         .file = "sound_eq_usr.ini",
         .version = "v0.3",

@@ -5,7 +5,7 @@ namespace td {
 FileUserSoundGlobal::FileUserSoundGlobal() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserSoundGlobal::layout() {
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_GLOBAL,
         .file = "sound_global_usr.ini",
         .version = "v0.2",

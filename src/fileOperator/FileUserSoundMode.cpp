@@ -8,7 +8,7 @@ FileUserSoundMode::FileUserSoundMode() : CategoryOperator(layout()) {}
 
 const CategoryLayout& FileUserSoundMode::layout() {
     using Record = _UsrSoundMode_t;
-    static const CategoryLayout layout{
+    static const CategoryLayout& layout = *new const CategoryLayout{
         .category = SOUND_MODE,
         .file = "sound_mode_usr.ini",
         .version = "v0.1",

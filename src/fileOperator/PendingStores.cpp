@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <utility>
 
 #include <dataModule/common/EventIdGenerator.h>
@@ -19,12 +20,13 @@ int following(int id) {
     return static_cast<int>(static_cast<unsigned int>(id) + 1U);
 }
 
-/// Wakes the waits of the process whenever something became of a store. Never destroyed: threads may use it while the
-/// process exits.
+/// Wakes the waits of the process whenever something became of a store. Never destroyed, as threads may use it while
+/// the process exits, and made without memory, as it may be needed where there is none left.
 class Changes {
 public:
     static Changes& instance() {
-        static auto& changes = *new Changes;
+        alignas(Changes) static unsigned char place[sizeof(Changes)];
+        static auto& changes = *new (place) Changes;
         return changes;
     }
 
@@ -168,13 +170,22 @@ bool PendingStores::hasFailed() const {
 
 StoreWait::StoreWait(std::vector<std::shared_ptr<PendingStores>> categories)
     : m_next(EventIdGenerator::instance()->peekNextEventId()), m_categories(std::move(categories)) {
-    for (const auto& category : m_categories) {
-        const MutexLock lock(category->m_mutex);
-        category->m_waits.push_back(this);
+    try {
+        for (const auto& category : m_categories) {
+            const MutexLock lock(category->m_mutex);
+            category->m_waits.push_back(this);
+        }
+    } catch (...) {
+        leave();
+        throw;
     }
 }
 
 StoreWait::~StoreWait() {
+    leave();
+}
+
+void StoreWait::leave() {
     for (const auto& category : m_categories) {
         const MutexLock lock(category->m_mutex);
         auto& waits = category->m_waits;

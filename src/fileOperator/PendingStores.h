@@ -98,6 +98,7 @@ private:
 
     enum class Left { Nothing, OnlyFailed, OnTheWay };
     Left left() const;
+    void leave();
 
     const int m_next;                ///< the first event that is not waited for
     std::atomic<bool> m_lost{false}; ///< something of it was dropped

@@ -99,6 +99,12 @@ int failureFrom(int error) {
     return error == ENOENT || error == ENOTDIR ? 0 : error;
 }
 
+/// The same of a file that could not be opened; what is no file never will be.
+int openFailure(const std::string& path) {
+    const int error = errno;
+    return FileUtil::isStray(path.c_str()) ? 0 : failureFrom(error);
+}
+
 /// `failure` becomes 0 when there is no such file, or one that cannot be a record.
 bool readAll(const std::string& path, std::string& text, int& failure) {
     FileUtil file;
@@ -109,9 +115,9 @@ bool readAll(const std::string& path, std::string& text, int& failure) {
     }
     char block[BLOCK_SIZE];
     std::size_t count = 0;
-    while (text.size() <= LONGEST_RECORD && (count = std::fread(block, 1, sizeof block, file.stream())) > 0)
+    while (text.size() <= LONGEST_RECORD && (count = file.readBytes(block, sizeof block)) > 0)
         text.append(block, count);
-    failure = std::ferror(file.stream()) != 0 ? EIO : 0;
+    failure = file.readFailed() ? EIO : 0;
     return failure == 0 && text.size() <= LONGEST_RECORD;
 }
 
@@ -131,7 +137,7 @@ bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, un
     FileUtil file;
     errno = 0;
     if (!file.openFile(settingsFile.c_str(), "r") || !file.setPos(record.contentPosition)) {
-        failure = failureFrom(errno);
+        failure = openFailure(settingsFile);
         return false;
     }
     CRC32Util::instance()->init_crc_table();
@@ -140,7 +146,7 @@ bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, un
     int offset = record.contentPosition;
     int count = 0;
     while (offset <= text::MAX_FILE_SIZE &&
-           (count = static_cast<int>(std::fread(block, 1, sizeof block, file.stream()))) > 0) {
+           (count = static_cast<int>(file.readBytes(reinterpret_cast<char*>(block), sizeof block))) > 0) {
         overlay(record, offset, block, count);
         computed = CRC32Util::instance()->crc32(computed, block, static_cast<unsigned int>(count));
         offset += count;
@@ -148,7 +154,7 @@ bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, un
     const bool reaches = std::all_of(record.writes.begin(), record.writes.end(), [&](const RedoRecord::Write& write) {
         return write.offset + static_cast<int>(write.bytes.size()) <= offset;
     });
-    failure = std::ferror(file.stream()) != 0 ? EIO : 0;
+    failure = file.readFailed() ? EIO : 0;
     if (failure != 0 || !reaches || offset > text::MAX_FILE_SIZE)
         return false;
     crc = computed;

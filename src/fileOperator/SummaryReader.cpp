@@ -88,7 +88,8 @@ bool contentChecksum(const char* path, int offset, unsigned int& crc) {
 bool fileVerifies(const char* path, const char* version) {
     FileUtil file;
     Summary summary;
-    if (!file.openFile(path, "r") || readSummary(file, summary) != SummaryState::Complete)
+    if (FileUtil::getFileSize(path) > text::MAX_FILE_SIZE || !file.openFile(path, "r") ||
+        readSummary(file, summary) != SummaryState::Complete)
         return false;
     if (version != nullptr && std::strcmp(summary.version, version) != 0)
         return false;

@@ -43,7 +43,8 @@ SummaryState readSummary(FileUtil& file, Summary& summary);
 /// value left at its start over a range that is not empty means that the file could not be read.
 bool contentChecksum(const char* path, int offset, unsigned int& crc);
 
-/// Whether the file at `path` has a whole summary of `version` (null: any) whose checksum is that of its contents.
+/// Whether the file at `path` has a whole summary of `version` (null: any) whose checksum is that of its contents, and
+/// no more bytes than are read of a file.
 DATAMODULE_API bool fileVerifies(const char* path, const char* version);
 
 } // namespace td

@@ -459,6 +459,7 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
         // Again, as for a single store.
         if (!getStoreFileFlag())
             return true;
+        const WriteScope write(*this);
         if (copyRecord(copy, dims.data()))
             writeAtOnce();
         if (copy.writesAtOnce)
@@ -503,7 +504,6 @@ void TableOperator::writeAtOnce() {
     // No checksum makes good what is not all written: that is left to the redo record, or to the backup.
     if (!writeSections()) {
         DM_WARNING("write sections for file [%s] failed!\n", getFileFullPath());
-        writeEnded(false);
         return;
     }
     updateCrcCode();
@@ -669,16 +669,13 @@ bool TableOperator::writeFailed() {
     if (!openCurrent())
         return false;
     writeEnded(false);
+    const WriteScope write(*this);
     addFailed(-1);
     if (m_inWrite.empty()) {
         errno = ERANGE; // none of them fits its columns
         return false;
     }
-    if (!writeSections()) {
-        writeEnded(false);
-        return false;
-    }
-    return updateCrcCode() && !m_pending->hasFailed();
+    return writeSections() && updateCrcCode() && !m_pending->hasFailed();
 }
 
 bool TableOperator::sectionIsInFile() {

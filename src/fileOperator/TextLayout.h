@@ -20,7 +20,7 @@ constexpr int VERSION_WIDTH = 8;        ///< of the Version value
 constexpr int CRC_LINE_LENGTH = 38;     ///< "%-24s = 0x%08x\n"
 constexpr int SUMMARY_LENGTH = 128;     ///< the four lines as the program writes them
 constexpr int CRC_LINE_OFFSET = SUMMARY_LENGTH - CRC_LINE_LENGTH; ///< of the CRC line within the summary
-constexpr int MAX_FILE_SIZE = 4194304;                            ///< larger current and backup copies are not read
+constexpr int MAX_FILE_SIZE = 4194304;                            ///< larger copies are not read
 constexpr const char* SUMMARY_HEADER = "[Summary]\n";
 
 /// Bytes of a key line, newline included.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "LogCapture.h"
 #include "TemporaryDirectory.h"
@@ -113,9 +114,13 @@ TEST_F(CRC32UtilTest, AnswersAnUnreadableFileWithTheInitialValue) {
     EXPECT_TRUE(util->calc_file_crc(file.c_str(), -1, crc));
     EXPECT_EQ(crc, CRC32Util::INITIAL);
     EXPECT_EQ(log.count("CRC Code: open file [" + file + "] failed, error = Invalid argument.\n"), 1U);
-    crc = 0;
-    EXPECT_TRUE(util->calc_file_crc(nullptr, 0, crc));
-    EXPECT_EQ(crc, CRC32Util::INITIAL);
+    const std::string fifo = directory.file("fifo");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (const char* noFile : {fifo.c_str(), "/dev/zero", static_cast<const char*>(nullptr)}) {
+        crc = 0;
+        EXPECT_TRUE(util->calc_file_crc(noFile, 0, crc));
+        EXPECT_EQ(crc, CRC32Util::INITIAL);
+    }
 }
 
 } // namespace td

@@ -5,6 +5,7 @@
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -117,7 +118,7 @@ TEST(FileUtilStream, ReportsWhatDidNotReachTheDisk) {
 
     FileUtil full;
     ASSERT_TRUE(full.openFile("/dev/full", "w"));
-    EXPECT_FALSE(full.writeFile("text", false)); // fits in the buffer; only the flush fails
+    EXPECT_FALSE(full.writeFile("text", false));
 
     FileUtil unsyncable;
     ASSERT_TRUE(unsyncable.openFile("/dev/null", "w"));
@@ -146,6 +147,92 @@ TEST(FileUtilStream, NeverWritesLaterWhatFailed) {
     EXPECT_EQ(directory.read("f"), "b" + before.substr(1));
 }
 
+TEST(FileUtilStream, KeepsToTheModesOfFopen) {
+    const TemporaryDirectory directory;
+    const std::string path = directory.write("f", "one\n");
+    long position = 0;
+    FileUtil file;
+    EXPECT_FALSE(file.openFile(path.c_str(), "w+x"));
+    EXPECT_FALSE(file.openFile(path.c_str(), "?"));
+    ASSERT_TRUE(file.openFile(path.c_str(), "a"));
+    EXPECT_TRUE(file.getCurrentPos(position) && position == 4);
+    ASSERT_TRUE(file.setPos(0));
+    EXPECT_TRUE(file.writeFile("two\n", false));
+    EXPECT_TRUE(file.getCurrentPos(position) && position == 8);
+    EXPECT_EQ(nextLine(file), "<none>");
+    EXPECT_TRUE(file.readFailed()) << "it is open for writing only";
+    file.closeFile();
+    ASSERT_TRUE(file.openFile(path.c_str(), "a+"));
+    EXPECT_FALSE(file.readFailed());
+    EXPECT_EQ(nextLine(file), "one\n");
+    EXPECT_TRUE(file.writeFile("three\n", false));
+    EXPECT_EQ(directory.read("f"), "one\ntwo\nthree\n");
+    file.closeFile();
+    ASSERT_TRUE(file.openFile(path.c_str(), "wb"));
+    EXPECT_EQ(directory.read("f"), "");
+}
+
+TEST(FileUtilStream, ReadsLinesOfAnyLengthAndAnyBytes) {
+    const TemporaryDirectory directory;
+    std::string text;
+    for (int length = 0; length < 200; ++length)
+        text += std::string(static_cast<std::size_t>(length), static_cast<char>(length)) + "\n"; // zero bytes too
+    FileUtil file;
+    ASSERT_TRUE(file.openFile(directory.write("f", text).c_str(), "r"));
+    char piece[64];
+    ASSERT_TRUE(file.readLine(piece, 1)) << "room for nothing";
+    EXPECT_STREQ(piece, "");
+    std::string read;
+    for (long before = 0, after = 0; file.readLine(piece, sizeof piece); before = after) {
+        ASSERT_TRUE(file.getCurrentPos(after));
+        read.append(piece, static_cast<std::size_t>(after - before));
+    }
+    EXPECT_EQ(read, text);
+    // Lines and blocks in turn, from anywhere.
+    std::string block(9000, '\0');
+    for (const int offset : {10000, 3, 4000, 0}) {
+        ASSERT_TRUE(file.setPos(offset));
+        ASSERT_TRUE(file.readLine(piece, 2));
+        ASSERT_EQ(file.readBytes(block.data(), block.size()), block.size());
+        EXPECT_EQ(block, text.substr(static_cast<std::size_t>(offset) + 1, block.size())) << offset;
+    }
+}
+
+TEST(FileUtilStream, IsReadByOthersBesideWhatItDoes) {
+    const TemporaryDirectory directory;
+    FileUtil file;
+    EXPECT_EQ(file.stream(), nullptr);
+    ASSERT_TRUE(file.openFile(directory.write("f", "one\ntwo\n").c_str(), "r+"));
+    EXPECT_EQ(nextLine(file), "one\n");
+    FILE* const stream = file.stream();
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(file.stream(), stream);
+    for (const int descriptor : {file.descriptor(), fileno(stream)})
+        EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_EQ(std::fgetc(stream), 't');
+    ASSERT_TRUE(file.writeFile("TWO", false));
+    EXPECT_EQ(std::fgetc(stream), 'W') << "as it is now, and at a place of its own";
+    EXPECT_TRUE(file.closeFile());
+    EXPECT_EQ(file.stream(), nullptr);
+}
+
+TEST(FileUtilStream, NeverWaitsForTheOtherEndOfAFifo) {
+    const TemporaryDirectory directory;
+    const std::string fifo = directory.file("fifo");
+    const std::string to = directory.file("to");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (const char* mode : {"r", "r+", "w", "w+", "a"})
+        EXPECT_FALSE(FileUtil().openFile(fifo.c_str(), mode)) << mode;
+    EXPECT_FALSE(FileUtil().createFile(fifo.c_str()));
+    EXPECT_FALSE(FileUtil().openFile(directory.string().c_str(), "r"));
+    EXPECT_EQ(FileUtil::copySingleFile(fifo.c_str(), to.c_str()), -1);
+    EXPECT_EQ(FileUtil::copySingleFile(directory.write("from", "text").c_str(), fifo.c_str()), -1);
+    EXPECT_FALSE(FileUtil::replaceFile(fifo.c_str(), to.c_str()));
+    EXPECT_FALSE(FileUtil::startsWith(fifo.c_str(), "text"));
+    EXPECT_FALSE(FileUtil::overwriteStart(fifo.c_str(), "text"));
+    EXPECT_FALSE(directory.exists("to"));
+}
+
 TEST(FileUtilStream, DropsWhatWasReadAhead) {
     const TemporaryDirectory directory;
     FileUtil reader;
@@ -170,6 +257,21 @@ TEST(FileUtilStream, DropsWhatWasReadAhead) {
     ASSERT_TRUE(reader.dropReadAhead());
     EXPECT_FALSE(reader.reachEnd());
     EXPECT_EQ(nextLine(reader), "Three\n");
+}
+
+TEST(FileUtilPath, MovesAsideWhatStandsThereUnderAFreeName) {
+    const TemporaryDirectory directory;
+    const std::string stray = directory.file("f");
+    std::string aside;
+    for (int number = 1; number <= 3; ++number) {
+        fs::create_symlink(directory.write("other", "kept"), stray);
+        ASSERT_TRUE(FileUtil::moveAside(stray.c_str(), aside));
+        EXPECT_EQ(aside, stray + FileUtil::STRAY_SUFFIX + std::to_string(number));
+        EXPECT_TRUE(fs::is_symlink(aside));
+        EXPECT_FALSE(fs::is_symlink(stray));
+    }
+    EXPECT_EQ(directory.read("other"), "kept");
+    EXPECT_FALSE(FileUtil::moveAside(stray.c_str(), aside)) << "nothing is there any more";
 }
 
 TEST(FileUtilPath, MakesOneDirectory) {
@@ -253,10 +355,13 @@ TEST(FileUtilCopy, CopiesADirectoryOneLevelDeep) {
     directory.write("from/b", "B");
     directory.write("from/sub/c", "C");
     const std::string from = directory.file("from");
+    fs::create_symlink(from + "/a", from + "/link");
+    ASSERT_EQ(mkfifo((from + "/fifo").c_str(), 0600), 0);
     ASSERT_TRUE(FileUtil::copyDirFile(from.c_str(), directory.file("to").c_str()));
     EXPECT_EQ(directory.read("to/a"), "A");
     EXPECT_EQ(directory.read("to/b"), "B");
-    EXPECT_EQ(directory.read("to/sub"), ""); // not recursive
+    EXPECT_EQ(directory.read("to/link"), "A");
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory.file("to")), {}), 3) << "nothing but files";
     EXPECT_FALSE(FileUtil::copyDirFile(from.c_str(), directory.file("no/parent").c_str()));
     EXPECT_FALSE(FileUtil::copyDirFile(directory.file("missing").c_str(), directory.file("to").c_str()));
     EXPECT_FALSE(FileUtil::copyDirFile(directory.file("from/a").c_str(), directory.file("to").c_str()));

@@ -262,17 +262,39 @@ TEST_F(RepairTest, SalvageTellsForEverySectionWhatCameFromWhere) {
               wholeFile(*layoutOf(PICTURE_MODE), "", defaultTable(*layoutOf(PICTURE_MODE))));
 }
 
-TEST_F(RepairTest, AFileThatCannotBeKeptOrReadIsLeftAlone) {
+TEST_F(RepairTest, AFileThatCannotBeKeptIsLeftAlone) {
     m_root.write(CURRENT + MODE_FILE, "x");
     m_root.write(DAMAGED.substr(0, DAMAGED.size() - 1), "a file, no directory");
     const Result result = repair({});
     EXPECT_EQ(result.code, 1);
     EXPECT_THAT(result.output, HasSubstr("nothing was done"));
     EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == "x");
+}
 
-    std::filesystem::remove(m_root.file(CURRENT + MODE_FILE));
-    std::filesystem::create_directory(m_root.file(CURRENT + MODE_FILE));
-    EXPECT_THAT(repair({"--salvage"}).output, HasSubstr("cannot be read: it is a directory"));
+TEST_F(RepairTest, WhatIsNoFileIsNamedAndMovedAside) {
+    const auto plantFifo = [this](const std::string& directory) {
+        std::filesystem::remove(m_root.file(directory + MODE_FILE));
+        ASSERT_EQ(mkfifo(m_root.file(directory + MODE_FILE).c_str(), 0600), 0);
+    };
+    plantFifo(CURRENT);
+    EXPECT_THAT(repair({}).output, AllOf(HasSubstr("the current copy is no file: it is a FIFO"),
+                                         HasSubstr("the damaged file is kept as " + m_root.file(CURRENT + MODE_FILE))));
+    EXPECT_TRUE(m_root.read(CURRENT + MODE_FILE) == m_good);
+    EXPECT_TRUE(std::filesystem::is_fifo(m_root.file(CURRENT + MODE_FILE + ".stray1")));
+
+    // Nobody waits for the other end, where there is nothing else either.
+    for (const std::string& directory : {CURRENT, BACKUP, FACTORY})
+        plantFifo(directory);
+    EXPECT_THAT(verify().output, HasSubstr("it is a FIFO"));
+    EXPECT_THAT(run({"info"}).output, HasSubstr("damaged"));
+    for (const std::vector<std::string>& words :
+         std::vector<std::vector<std::string>>{{"get", "PICTURE_MODE", "ATV", "VIVID", "SDR_FHD"},
+                                               {"export", "PICTURE_MODE"},
+                                               {"diff", "PICTURE_MODE"}}) {
+        const Result result = run(words);
+        EXPECT_GT(result.code, 0) << words[0];
+        EXPECT_THAT(result.output + result.errors, HasSubstr("no file")) << words[0];
+    }
 }
 
 TEST_F(RepairTest, ARootInUseIsNotRepairedUnlessForced) {

@@ -20,6 +20,7 @@
 #include <dataModule/fileOperator/LoadBudget.h>
 
 #include "FakeParent.h"
+#include "Limits.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 
@@ -301,6 +302,31 @@ TEST_F(StoredValuesTest, ALoadGoesOnWithoutALockThatIsNotToBeHad) {
                                          "[1]\n", STORED, OURS)));
         m_root.write(Copy::Backup, STORED_FILE, with(5, 6));
     }
+}
+
+TEST_F(StoredValuesTest, WhatCannotBeMovedAwayLeavesTheCategoryInMemory) {
+    m_root.write(Copy::Backup, STORED_FILE, with(5, 6));
+    hideCurrent();
+    const std::filesystem::path directory = SettingsRoot::directory(Copy::Current);
+    std::filesystem::create_directory(directory / STORED_FILE);
+    auto op = make();
+    {
+        const ModesHold modes;
+        std::filesystem::permissions(directory, std::filesystem::perms(0555));
+        EXPECT_TRUE(op->loadFile());
+        EXPECT_EQ(values(*op), "5,6");
+        EXPECT_TRUE(m_log.contains("served from memory"));
+        EXPECT_TRUE(storeValue(*op, {0}, STORED, OURS));
+        EXPECT_EQ(m_parent.deliver(), 0);
+        m_log.clear();
+        op->tryAgain();
+        op->tryAgain();
+        EXPECT_EQ(m_log.count("tried again from time to time"), 1U);
+        std::filesystem::permissions(directory, std::filesystem::perms(0755));
+    }
+    op->tryAgain();
+    m_parent.deliver();
+    EXPECT_EQ(current(), with(OURS, 6));
 }
 
 TEST_F(StoredValuesTest, ContentsThatMakeNoSenseAreReadOnce) {

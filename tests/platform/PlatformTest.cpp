@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <dataModule/platform/ConfigReader.h>
@@ -98,6 +99,9 @@ TEST_F(ConfigReaderTest, FindsTheLastValueOfTheKeyInItsSection) {
     EXPECT_EQ(text("ModuleData", "name"), "<none>");
     EXPECT_EQ(text("ModuleData", "Long"), "<none>"); // never a part of a value
     EXPECT_EQ(text("Missing", "Name"), "<none>");
+    std::filesystem::remove(m_path);
+    ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
+    EXPECT_EQ(text("Other", "Name"), "<none>") << "without waiting for somebody to write it";
 }
 
 /// The line below one with a zero byte was lost once, a section's header among them.

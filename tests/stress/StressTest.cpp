@@ -249,10 +249,11 @@ private:
             m_set.loadData(category);
             break;
         case 2:
-            m_set.refreshDataFromCurrent(category);
+            // These two take back what is not in the file yet.
+            if (subject.treatment != Treatment::Owned)
+                m_set.refreshDataFromCurrent(category);
             break;
         case 3:
-            // This takes back what is not in the file yet.
             if (subject.treatment != Treatment::Owned)
                 m_set.restoreSettingFromCurrent(category, dimsOf(subject.layout(), anyRecord(subject.layout())));
             break;
@@ -340,8 +341,13 @@ protected:
         if (!m_random.oneIn(2))
             return;
         // What was stored while a category was released is written once it is loaded again.
-        for (const Subject& subject : subjects)
-            set.loadData(subject.category);
+        // Without a file it cannot be, and is given up with what is left of the files.
+        for (const Subject& subject : subjects) {
+            if (subject.treatment == Treatment::Removed)
+                set.removeDataFile(subject.category);
+            else
+                set.loadData(subject.category);
+        }
         EXPECT_TRUE(set.waitStored(PATIENCE_MILLISECONDS));
         for (const std::unique_ptr<Client>& client : clients) {
             for (std::size_t place = 0; place < subjects.size(); ++place) {

@@ -33,7 +33,6 @@ struct State {
     std::string root; ///< with a slash at the end
     FileWatcher* watcher = nullptr;
     std::array<std::string, DESCRIPTORS> paths; ///< by watched descriptor
-    std::map<FILE*, int> streams;               ///< descriptors of the streams made here
     std::map<DIR*, std::string> listings;
 };
 
@@ -43,7 +42,6 @@ State& state() {
 }
 
 std::atomic<bool> g_watching{false};
-std::atomic<int> g_streams{0};
 std::array<std::atomic<bool>, DESCRIPTORS> g_isWatched{};
 thread_local int t_unwatched = 0;
 
@@ -53,7 +51,7 @@ const char* nameInTheLibrary(const char* name) {
     if (sizeof(long) == sizeof(std::int64_t))
         return name;
     static constexpr std::pair<std::string_view, const char*> OTHERS[] = {
-        {"open", "open64"},          {"openat", "openat64"},        {"fopen", "fopen64"},
+        {"open", "open64"},          {"openat", "openat64"},        {"pwrite", "pwrite64"},
         {"lseek", "lseek64"},        {"ftruncate", "ftruncate64"},  {"readdir", "readdir64"},
         {"pread", "pread64"},        {"fcntl", "fcntl64"},          {"futimens", "__futimens64"},
         {"stat", "__stat64_time64"}, {"lstat", "__lstat64_time64"}, {"fstat", "__fstat64_time64"},
@@ -185,80 +183,16 @@ int openFile(const char* path, int flags, mode_t mode) {
     return descriptor;
 }
 
-// --- streams ---
-
-struct Cookie {
-    int descriptor;
-    FILE* stream;
-};
-
-ssize_t readCookie(void* cookie, char* buffer, std::size_t size) {
-    return read(static_cast<Cookie*>(cookie)->descriptor, buffer, size);
-}
-
-/// As the C library does: it goes on after a partial write and keeps what was written before a failure.
-ssize_t writeCookie(void* cookie, const char* buffer, std::size_t size) {
-    const int descriptor = static_cast<Cookie*>(cookie)->descriptor;
-    std::size_t total = 0;
-    while (total < size) {
-        const ssize_t written = write(descriptor, buffer + total, size - total);
-        if (written < 0)
-            break;
-        total += static_cast<std::size_t>(written);
-    }
-    return static_cast<ssize_t>(total);
-}
-
-int seekCookie(void* cookie, off64_t* offset, int whence) {
-    const off_t reached = lseek(static_cast<Cookie*>(cookie)->descriptor, static_cast<off_t>(*offset), whence);
-    *offset = reached;
-    return reached < 0 ? -1 : 0;
-}
-
-int closeCookie(void* cookie) {
-    auto* const own = static_cast<Cookie*>(cookie);
-    const int result = close(own->descriptor);
-    const Unwatched unwatched;
-    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
-    state().streams.erase(own->stream);
-    --g_streams;
-    delete own;
-    return result;
-}
-
-/// The flags of open for fopen's mode.
-int flagsOf(const char* mode) {
-    const std::string_view text(mode);
-    const bool both = text.find('+') != std::string_view::npos;
-    int flags = both ? O_RDWR : O_WRONLY;
-    if (text[0] == 'r')
-        flags = both ? O_RDWR : O_RDONLY;
-    else if (text[0] == 'w')
-        flags |= O_CREAT | O_TRUNC;
-    else
-        flags |= O_CREAT | O_APPEND;
-    if (text.find('x') != std::string_view::npos)
-        flags |= O_EXCL;
-    if (text.find('e') != std::string_view::npos)
-        flags |= O_CLOEXEC;
-    return flags;
-}
-
-FILE* openStream(const char* path, const char* mode) {
-    const int descriptor = openFile(path, flagsOf(mode), 0666);
-    if (descriptor < 0)
-        return nullptr;
-    const Unwatched unwatched;
-    auto* const cookie = new Cookie{descriptor, nullptr};
-    cookie->stream = fopencookie(cookie, mode, {readCookie, writeCookie, seekCookie, closeCookie});
-    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
-    state().streams[cookie->stream] = descriptor;
-    ++g_streams;
-    return cookie->stream;
-}
-
-bool concernsWatched(const char* path) {
-    return Call(FileCall::Open, path).seen();
+/// `write` writes the given number of the bytes.
+template <class Write>
+ssize_t writeSeen(int descriptor, off_t offset, const void* bytes, std::size_t size, Write write) {
+    Call call(FileCall::Write, descriptor);
+    if (call.fails())
+        return -1;
+    const ssize_t written = write(call.isPartial() ? (size + 1) / 2 : size);
+    if (call.seen() && written > 0)
+        call.watcher().wrote(descriptor, offset, {static_cast<const char*>(bytes), static_cast<std::size_t>(written)});
+    return written;
 }
 
 } // namespace
@@ -322,22 +256,6 @@ SEEN_BY_THE_LIBRARY int openat(int directory, const char* path, int flags, ...) 
     return call.fails() ? -1 : real(directory, path, flags, mode);
 }
 
-SEEN_BY_THE_LIBRARY FILE* fopen(const char* path, const char* mode) {
-    static const auto real = BEHIND(fopen);
-    return td::test::concernsWatched(path) ? td::test::openStream(path, mode) : real(path, mode);
-}
-
-SEEN_BY_THE_LIBRARY int fileno(FILE* stream) __THROW {
-    static const auto real = BEHIND(fileno);
-    if (td::test::g_streams > 0) {
-        const std::lock_guard<std::recursive_mutex> lock(td::test::state().mutex);
-        const auto found = td::test::state().streams.find(stream);
-        if (found != td::test::state().streams.end())
-            return found->second;
-    }
-    return real(stream);
-}
-
 SEEN_BY_THE_LIBRARY ssize_t read(int descriptor, void* buffer, size_t size) {
     static const auto real = BEHIND(read);
     Call call(FileCall::Read, descriptor);
@@ -352,17 +270,15 @@ SEEN_BY_THE_LIBRARY ssize_t pread(int descriptor, void* buffer, size_t size, off
 
 SEEN_BY_THE_LIBRARY ssize_t write(int descriptor, const void* buffer, size_t size) {
     static const auto real = BEHIND(write);
-    Call call(FileCall::Write, descriptor);
-    if (call.fails())
-        return -1;
-    if (!call.seen())
-        return real(descriptor, buffer, size);
     static const auto seek = BEHIND(lseek);
-    const off_t offset = seek(descriptor, 0, SEEK_CUR);
-    const ssize_t written = real(descriptor, buffer, call.isPartial() ? (size + 1) / 2 : size);
-    if (written > 0)
-        call.watcher().wrote(descriptor, offset, {static_cast<const char*>(buffer), static_cast<size_t>(written)});
-    return written;
+    return td::test::writeSeen(descriptor, seek(descriptor, 0, SEEK_CUR), buffer, size,
+                               [&](size_t count) { return real(descriptor, buffer, count); });
+}
+
+SEEN_BY_THE_LIBRARY ssize_t pwrite(int descriptor, const void* buffer, size_t size, off_t offset) {
+    static const auto real = BEHIND(pwrite);
+    return td::test::writeSeen(descriptor, offset, buffer, size,
+                               [&](size_t count) { return real(descriptor, buffer, count, offset); });
 }
 
 SEEN_BY_THE_LIBRARY off_t lseek(int descriptor, off_t offset, int whence) __THROW {

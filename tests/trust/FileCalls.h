@@ -2,9 +2,8 @@
 /// that concern files below one directory, and have any of them fail.
 ///
 /// FileCalls.cpp defines open, write, rename and the rest, and the dynamic linker prefers a program's own definitions;
-/// the library as shipped knows nothing of it. Streams are made of the same calls, so that every write of a stream is
-/// seen as the write that it is. Calls are passed on to the C library, one at a time and in the order in which the
-/// watcher learns of them.
+/// the library as shipped knows nothing of it. Calls are passed on to the C library, one at a time and in the order in
+/// which the watcher learns of them. Streams go past it; the library changes no file through one.
 #pragma once
 
 #include <cstdint>

@@ -90,7 +90,7 @@ private:
                                          m_word));
         std::string bytes;
         std::string reason;
-        if (!readUnlocked(m_word, bytes, reason))
+        if (!readAny(m_word, bytes, reason))
             throw Failure(fmt::format("{} cannot be read: {}", m_word, reason));
         m_export = parseExchange(bytes);
         if (!m_export.faults.empty())

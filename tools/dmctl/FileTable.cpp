@@ -59,6 +59,14 @@ std::string faultText(const FileInspection& inspection) {
 
 FileTable readTable(const CategoryLayout& layout, const std::string& path, Writers writers) {
     struct stat status {};
+    const std::string stray = strayText(path);
+    if (!stray.empty()) {
+        FileTable table;
+        table.state = FileTable::State::Damaged;
+        table.trouble = fmt::format("is no file: {}", stray);
+        table.changed = lstat(path.c_str(), &status) == 0 ? status.st_mtime : 0;
+        return table;
+    }
     if (stat(path.c_str(), &status) != 0) {
         FileTable table;
         const bool isMissing = errno == ENOENT || errno == ENOTDIR;

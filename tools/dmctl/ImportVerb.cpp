@@ -48,7 +48,7 @@ std::string readExport(const std::string& name) {
     const std::string path = name == "-" ? "/dev/stdin" : name;
     std::string bytes;
     std::string reason;
-    if (!readUnlocked(path, bytes, reason))
+    if (!readAny(path, bytes, reason))
         throw Failure(fmt::format("{} cannot be read: {}", name, reason));
     return bytes;
 }

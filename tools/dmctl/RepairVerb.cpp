@@ -1,6 +1,8 @@
 // repair: makes a damaged copy good again, and keeps the damaged one.
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -156,6 +158,8 @@ private:
     bool keepDamaged() {
         if (m_request.dryRun || m_outcome.before.state == State::Missing)
             return true;
+        if (!strayText(m_outcome.path).empty())
+            return moveAside();
         const std::string directory = underRootPrefix(DAMAGED_DIRECTORY);
         std::error_code error;
         fs::create_directories(directory, error);
@@ -170,6 +174,15 @@ private:
             return true;
         }
         fail(fmt::format("the damaged file cannot be kept in {}, so nothing was done", directory));
+        return false;
+    }
+
+    /// What is no file cannot be copied; it stays where it is, under another name.
+    bool moveAside() {
+        if (FileUtil::moveAside(m_outcome.path.c_str(), m_outcome.kept))
+            return true;
+        m_outcome.kept.clear();
+        fail(fmt::format("what stands there cannot be moved aside: {}", std::strerror(errno)));
         return false;
     }
 

@@ -184,7 +184,28 @@ std::string Session::path(const CategoryLayout& layout, Copy copy) const {
 
 bool Session::exists(const CategoryLayout& layout, Copy copy) const {
     std::error_code error;
-    return fs::exists(path(layout, copy), error);
+    return !strayText(path(layout, copy)).empty() || fs::exists(path(layout, copy), error);
+}
+
+std::string strayText(const std::string& path) {
+    if (!FileUtil::isStray(path.c_str()))
+        return {};
+    std::error_code error;
+    const bool isLink = fs::is_symlink(path, error);
+    const std::string start = isLink ? "it is a link to " : "it is ";
+    switch (fs::status(path, error).type()) {
+    case fs::file_type::directory:
+        return start + "a directory";
+    case fs::file_type::fifo:
+        return start + "a FIFO";
+    case fs::file_type::socket:
+        return start + "a socket";
+    case fs::file_type::block:
+    case fs::file_type::character:
+        return start + "a device";
+    default:
+        return start + (isLink ? "nowhere" : "no file");
+    }
 }
 
 bool readFile(const std::string& path, std::string& bytes, std::string& reason) {
@@ -193,6 +214,11 @@ bool readFile(const std::string& path, std::string& bytes, std::string& reason) 
 }
 
 bool readUnlocked(const std::string& path, std::string& bytes, std::string& reason) {
+    reason = strayText(path);
+    return reason.empty() && readAny(path, bytes, reason);
+}
+
+bool readAny(const std::string& path, std::string& bytes, std::string& reason) {
     std::error_code error;
     if (fs::is_directory(path, error)) {
         reason = "it is a directory";

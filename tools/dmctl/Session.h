@@ -47,6 +47,7 @@ public:
     /// Makes those directories that are missing, and returns them. Throws Failure when one cannot be made.
     std::vector<std::string> makeDirectories(std::initializer_list<Copy> copies) const;
     std::string path(const CategoryLayout& layout, Copy copy) const;
+    /// Whether anything stands there.
     bool exists(const CategoryLayout& layout, Copy copy) const;
     /// The root for messages: the option that names it, with a blank behind it, or nothing.
     const std::string& rootOption() const { return m_rootOption; }
@@ -66,8 +67,12 @@ private:
 /// Reads a whole file, and keeps writers of a settings file of that name away meanwhile. False, with the reason in
 /// words, when that cannot be done.
 bool readFile(const std::string& path, std::string& bytes, std::string& reason);
-/// The same for any file, and for who has the lock of a settings file already.
+/// The same for who has the lock of a settings file already.
 bool readUnlocked(const std::string& path, std::string& bytes, std::string& reason);
+/// The same for what a user names, which may be a pipe and take its time.
+bool readAny(const std::string& path, std::string& bytes, std::string& reason);
+/// What stands in place of a file and will never be read as one; empty when it is a file, or nothing.
+std::string strayText(const std::string& path);
 
 /// Named values of the given records, read from the loaded table; one row of fieldCount() per record, in the order of
 /// the layout's fields.
