@@ -49,7 +49,8 @@ public:
         return true;
     }
 
-    /// In a child made by fork(): free again, whoever held it.
+    /// In a child made by fork(): free again, whoever held it. Each one that belongs to no manager needs this, or to be
+    /// held across the fork.
     void renew() { pthread_mutex_init(&m_mutex, nullptr); }
 
 private:

@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include <pthread.h>
+
 #include <dataModule/common/EventIdGenerator.h>
 
 namespace td {
@@ -26,7 +28,11 @@ class Changes {
 public:
     static Changes& instance() {
         alignas(Changes) static unsigned char place[sizeof(Changes)];
-        static auto& changes = *new (place) Changes;
+        static auto& changes = *[] {
+            // None of the threads waits in a child made by fork() that waited in its parent.
+            pthread_atfork(nullptr, nullptr, [] { new (place) Changes; });
+            return new (place) Changes;
+        }();
         return changes;
     }
 

@@ -329,7 +329,7 @@ TEST_F(PictureGlobalTest, RestoresOnlyFromASectionOfItsKeys) {
 using TwentyPointTest = CategoryFixture<FileUserPictureWB20Point>;
 
 TEST_F(TwentyPointTest, ALevelThatIsNoLevelIsTheOneBeforeWhicheverWayThatWasRead) {
-    for (const char* before : {"[459]\n", "[45 9]\n"}) { // as it is written, and otherwise
+    for (const char* before : {"[459]\n", "[ 459]\n"}) { // as it is written, and otherwise
         std::string text = replaced(m_text, "[45a]\n", "[45A]\n");
         text = withValue(text, "[45A]\n", "Red", 77);
         m_root.write(Copy::Current, fileName(), withChecksum(replaced(text, "[459]\n", before)));
