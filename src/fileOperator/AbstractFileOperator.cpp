@@ -663,6 +663,21 @@ struct AbstractFileOperator::MergeScope {
     bool goesOn = false;
 };
 
+/// A table that is served from memory is until a load has taken its place.
+struct AbstractFileOperator::MemoryScope {
+    explicit MemoryScope(AbstractFileOperator& loading) : op(loading), wasServed(op.m_servesMemory.exchange(false)) {}
+    ~MemoryScope() {
+        if (wasServed && !hasEnded)
+            op.m_servesMemory = true;
+    }
+    MemoryScope(const MemoryScope&) = delete;
+    MemoryScope& operator=(const MemoryScope&) = delete;
+
+    AbstractFileOperator& op;
+    const bool wasServed;
+    bool hasEnded = false;
+};
+
 bool AbstractFileOperator::loadFile() {
     DM_INFO("======================= start to load file =====================\n");
     TimeUtil::instance()->start();
@@ -689,7 +704,8 @@ bool AbstractFileOperator::loadFromFiles() {
         createFile();
     {
         MergeScope merge(*this);
-        const bool wasServed = m_servesMemory.exchange(false);
+        MemoryScope memory(*this);
+        const bool wasServed = memory.wasServed;
         const Stores stores = wasServed || (m_wasLoaded && !m_loaded) ? Stores::Kept : Stores::Dropped;
         const auto load = [this]() TD_REQUIRES(m_criticalSection) {
             if (!loadFirstGoodCopy())
@@ -697,10 +713,9 @@ bool AbstractFileOperator::loadFromFiles() {
             m_loaded = true;
             return true;
         };
-        if (!loadTable(stores, load)) {
-            m_servesMemory = wasServed;
+        if (!loadTable(stores, load))
             return false;
-        }
+        memory.hasEnded = true;
         merge.goesOn = m_otaLoading;
     }
     m_wasLoaded = true;
@@ -863,16 +878,20 @@ void AbstractFileOperator::tryAgain() {
         return;
     errno = 0;
     bool done = false;
+    bool hadFailed = false;
     try {
-        done = makeUpForLoad() && writeFailed();
+        done = makeUpForLoad();
+        hadFailed = m_mergeUnwritten || m_pending->hasFailed();
+        done = done && writeFailed();
     } catch (const std::exception& error) {
+        done = false;
         DM_WARNING("unexpected exception: %s\n", error.what());
     }
     const int cause = done ? 0 : errno != 0 ? errno : EIO;
-    if (done) {
+    if (done && hadFailed) {
         DM_INFO("[%s]: what could not be written to file [%s] is written now.\n", categoryName(), m_path.load());
         setBackupReq(true);
-    } else if (cause != m_retryError) {
+    } else if (!done && cause != m_retryError) {
         DM_WARNING("[%s]: what was stored is not in file [%s] yet (%s), it is tried again from time to time.\n",
                    categoryName(), m_path.load(), std::strerror(cause));
     }
@@ -1633,13 +1652,14 @@ bool hasChecksumLine(const Summary& summary, SummaryState state) {
     return false;
 }
 
-/// Whether the calling thread is at work on the files already, in a critical section that then has them for itself.
-bool takeFilesInside(const std::string& lockFile) TD_NO_THREAD_SAFETY_ANALYSIS {
+/// Keeps all others off the files: as part of the critical section in which the calling thread is at work on them, or
+/// with `lock`. False when that cannot be had for now.
+bool takeFilesOf(const std::string& lockFile, FileLock& lock) TD_NO_THREAD_SAFETY_ANALYSIS {
     CriticalSection* const section = CriticalSection::claimedHere(lockFile);
     if (section == nullptr)
-        return false;
+        return lock.lock(lockFile, FileLock::Kind::Exclusive) || !lock.failedForNow();
     section->takeFiles(lockFile);
-    return true;
+    return !section->filesUnsure();
 }
 
 bool rewriteCrcOf(FileUtil& file, const char* path) {
@@ -1674,8 +1694,10 @@ bool AbstractFileOperator::generateCRC32(const char* path) {
     const std::string name = path;
     const std::string lockFile = paths::lockFile(name.substr(name.find_last_of('/') + 1));
     FileLock lock;
-    if (!takeFilesInside(lockFile))
-        lock.lock(lockFile, FileLock::Kind::Exclusive);
+    if (!takeFilesOf(lockFile, lock)) {
+        DM_WARNING("the lock of file [%s] cannot be had now, so its CRC code stays as it is.\n", path);
+        return false;
+    }
     CRC32Util::instance()->init_crc_table();
     // With a right checksum a store that was cut short would pass for a whole one (invariant 7).
     unsigned int ended = 0;

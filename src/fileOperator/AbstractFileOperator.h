@@ -245,6 +245,7 @@ private:
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
     struct MergeScope;
+    struct MemoryScope;
 
     /// Once per critical section, as soon as it has the files for itself.
     void endPendingWrite() TD_REQUIRES(m_criticalSection);

@@ -263,7 +263,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::readMissingRecords() {
     // The first copy that is there, and only if it verifies, since the new checksum would hide what is damaged in it.
     for (const _LOAD_FILE_MODE mode : {NORMAL_LOAD, BACKUP_LOAD, MANUFACTORY_LOAD}) {
         const std::string path = this->getWorkPath(mode) + this->m_fileName;
-        if (FileUtil::checkFile(path.c_str()))
+        if (FileUtil::checkFile(path.c_str()) && !FileUtil::isStray(path.c_str()))
             return fileVerifies(path.c_str(), this->m_version) && this->loadSummary(path.c_str()) &&
                    readMissingFromOpenFile();
     }
@@ -340,6 +340,9 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForGroup(const std::
     TimeUtil::instance()->start();
     {
         SectionLock lock(m_criticalSection);
+        // Again, as for a single store.
+        if (!this->getStoreFileFlag())
+            return true;
         std::vector<int> indices = dims;
         for (int source = 0; source < static_cast<int>(std::size(data)); ++source) {
             indices[whitebalance::SOURCE] = source;
@@ -390,6 +393,9 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForSelfDefinedGroup(
     TimeUtil::instance()->start();
     {
         SectionLock lock(m_criticalSection);
+        // Again, as for a single store.
+        if (!this->getStoreFileFlag())
+            return true;
         for (const Indices& i : recordsBetween(start, end))
             putRow(i.data(), data[i[SOURCE]][i[DYNAMIC_RANGE]][i[COLOUR_TEMPERATURE]]);
     }

@@ -180,13 +180,13 @@ std::vector<PendingStores::Store> PendingStores::all() const {
     return stores;
 }
 
-std::vector<PendingStores::Store> PendingStores::failedOnes(std::size_t most) const {
+std::vector<PendingStores::Store> PendingStores::failedOnes() const {
     const MutexLock lock(m_mutex);
     std::vector<Store> stores;
     if (m_failedCount == 0)
         return stores;
     for (const auto& [record, pending] : m_records) {
-        if (pending.state == State::Failed && stores.size() < most)
+        if (pending.state == State::Failed)
             stores.push_back({record, pending.event, pending.fields});
     }
     return stores;

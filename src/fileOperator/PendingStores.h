@@ -59,8 +59,8 @@ public:
     };
     /// All of them, by record.
     std::vector<Store> all() const TD_EXCLUDES(m_mutex);
-    /// Those whose write failed, by record, at most `most`.
-    std::vector<Store> failedOnes(std::size_t most) const TD_EXCLUDES(m_mutex);
+    /// Those whose write failed, by record.
+    std::vector<Store> failedOnes() const TD_EXCLUDES(m_mutex);
     bool hasFailed() const TD_EXCLUDES(m_mutex);
 
 private:

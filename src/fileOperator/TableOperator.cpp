@@ -6,10 +6,12 @@
 #include <memory>
 #include <utility>
 
+#include <dataModule/common/Deadline.h>
 #include <dataModule/common/Event.h>
 #include <dataModule/common/EventIdGenerator.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
+#include <dataModule/fileOperator/LoadBudget.h>
 #include <dataModule/fileOperator/PendingStores.h>
 #include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/fileOperator/WrittenSection.h>
@@ -238,8 +240,7 @@ std::vector<AbstractFileOperator::KeptStore> TableOperator::keptStores() {
     return kept;
 }
 
-void TableOperator::putFieldsBack(const KeptStore& store) {
-    int* const record = recordAt(store.record);
+void TableOperator::putFieldsOver(const KeptStore& store, int* record) const {
     for (int position = 0; position < m_layout.fieldCount(); ++position) {
         if ((store.fields & PendingStores::fieldAt(position)) != 0)
             record[position] = store.values[static_cast<std::size_t>(position)];
@@ -248,7 +249,7 @@ void TableOperator::putFieldsBack(const KeptStore& store) {
 
 void TableOperator::putBack(const std::vector<KeptStore>& stores, bool post) {
     for (const KeptStore& store : stores) {
-        putFieldsBack(store);
+        putFieldsOver(store, recordAt(store.record));
         if (!post)
             continue;
         // What is queued was copied from the table as it was.
@@ -274,7 +275,7 @@ bool TableOperator::completeUnderStores(int record) {
     const KeptStore kept = keptStore(record, store != stores.end() ? store->fields : 0);
     if (!completeRecord(toVector(m_layout, indices)))
         return false;
-    putFieldsBack(kept);
+    putFieldsOver(kept, recordAt(record));
     return true;
 }
 
@@ -603,6 +604,9 @@ bool TableOperator::syncSectionToFile(Event* event) {
         writing.goesOn = true;
         return true;
     }
+    // Nor does the queue wait for a process that is stopped: the store is tried again when the lock can be had.
+    if (!atOnce)
+        m_criticalSection.limitWaits(deadlineIn(LoadBudget::MILLISECONDS));
     if (!makeUpForLoad())
         return false;
     if (!atOnce && m_snapshotFloor.isStale(index, event->id())) {
@@ -667,11 +671,17 @@ bool TableOperator::writeSnapshot(const Event& event, const int* record, bool at
 void TableOperator::addFailed(int besides) {
     // So that the redo record stays a small one; what is left follows with the next write, or with the next retry.
     constexpr std::size_t MOST = 256;
-    for (const PendingStores::Store& store : m_pending->failedOnes(MOST)) {
-        if (store.record == besides || (!holdsRecord(store.record) && !completeUnderStores(store.record)))
-            continue;
+    std::vector<int> record(m_layout.fields.size());
+    for (const PendingStores::Store& store : m_pending->failedOnes()) {
+        if (m_inWrite.size() >= MOST)
+            return;
         const int position = contentPosition() + m_layout.headerLength() + m_layout.sectionLength() * store.record;
-        if (m_file.setPos(position) && sectionIsInFile() && addRecord(recordAt(store.record)))
+        // Over what the file holds: the table's other fields may be those of a load that failed halfway.
+        if (store.record == besides || !m_file.setPos(position) || !sectionIsInFile() || !readRecord(record.data()) ||
+            !m_file.setPos(position))
+            continue;
+        putFieldsOver(keptStore(store.record, store.fields), record.data());
+        if (addRecord(record.data()))
             m_inWrite.push_back({store.record, store.event});
     }
 }
@@ -690,7 +700,7 @@ bool TableOperator::writeFailed() {
         errno = ERANGE; // none of them fits its columns
         return false;
     }
-    return writeSections() && updateCrcCode() && !m_pending->hasFailed();
+    return writeSections() && updateCrcCode();
 }
 
 bool TableOperator::sectionIsInFile() {

@@ -128,7 +128,7 @@ private:
     bool completeUnderStores(int record) TD_REQUIRES(m_criticalSection);
     /// The fields of the store that is pending for the record, as the table holds them.
     KeptStore keptStore(int record, std::uint64_t fields) TD_REQUIRES(m_criticalSection);
-    void putFieldsBack(const KeptStore& store) TD_REQUIRES(m_criticalSection);
+    void putFieldsOver(const KeptStore& store, int* record) const;
     /// The record was read from a copy: what was stored before is given up.
     void recordRead(const int* indices) TD_REQUIRES(m_criticalSection);
     struct SectionWriting;
