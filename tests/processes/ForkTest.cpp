@@ -230,6 +230,8 @@ TEST_F(ForkedManagerTest, AChildMakesAManagerOfItsOwn) {
     const AtWork clients(3, [&](int thread) {
         std::vector<_Argument_t> args;
         m_manager->loadData(ASPECT, FIRST, args);
+        for (int i = 0; i < 1000 && thread == 2; ++i)
+            const Event event(nullptr, {});
         if (thread == 0)
             m_manager->loadData(ASPECT);
         if (thread == 1) {
