@@ -106,7 +106,7 @@ private:
     enum class Claim { None, Shared, Exclusive };
     static constexpr pthread_t NOBODY = 0;
 
-    void enter() TD_ACQUIRE(this) {
+    void enter() TD_ACQUIRE() TD_NO_THREAD_SAFETY_ANALYSIS {
         lockOrder::willWait(LockRank::Section);
         if (m_mutex.tryLock())
             return;
