@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 
 #include <dataModule/common/CRC32Util.h>
+#include <dataModule/common/Deadline.h>
 #include <dataModule/common/EventIdGenerator.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
@@ -831,8 +832,11 @@ bool AbstractFileOperator::serveFromMemory() {
 }
 
 bool AbstractFileOperator::loadAgain() {
+    // Whoever reads the table meanwhile would wait too, and so would the worker's other categories.
+    m_criticalSection.limitWaits(deadlineIn(0));
     takeFiles();
-    if (m_criticalSection.filesUnsure()) {
+    // What was released is loaded again by the resume.
+    if (m_criticalSection.filesUnsure() || !m_loaded) {
         errno = EBUSY;
         return false;
     }

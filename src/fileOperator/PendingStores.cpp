@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -75,7 +76,7 @@ void PendingStores::stored(int record, int event, Fields fields) {
         pending.since = event;
     pending.event = event;
     pending.fields |= fields;
-    pending.state = State::Queued;
+    change(pending, State::Queued);
 }
 
 void PendingStores::written(int record, int event) {
@@ -85,7 +86,7 @@ void PendingStores::written(int record, int event) {
         if (entry == m_records.end())
             return;
         if (entry->second.event == event)
-            m_records.erase(entry);
+            remove(entry);
         else if (isBefore(event, entry->second.event))
             entry->second.since = following(event);
     }
@@ -106,7 +107,7 @@ void PendingStores::setState(int record, int event, State state) {
         const auto entry = m_records.find(record);
         if (entry == m_records.end() || entry->second.event != event)
             return;
-        entry->second.state = state;
+        change(entry->second, state);
     }
     Changes::instance().note();
 }
@@ -116,7 +117,7 @@ void PendingStores::mergeFailed() {
         const MutexLock lock(m_mutex);
         for (auto& [record, pending] : m_records) {
             if (pending.state == State::LeftToMerge)
-                pending.state = State::Failed;
+                change(pending, State::Failed);
         }
     }
     Changes::instance().note();
@@ -126,6 +127,7 @@ void PendingStores::allWritten() {
     {
         const MutexLock lock(m_mutex);
         m_records.clear();
+        m_failedCount = 0;
     }
     Changes::instance().note();
 }
@@ -134,22 +136,42 @@ void PendingStores::drop() {
     drop([](int) { return true; });
 }
 
+void PendingStores::drop(int record) {
+    {
+        const MutexLock lock(m_mutex);
+        const auto entry = m_records.find(record);
+        if (entry == m_records.end())
+            return;
+        giveUp(entry);
+    }
+    Changes::instance().note();
+}
+
 void PendingStores::drop(const std::function<bool(int record)>& gives) {
     {
         const MutexLock lock(m_mutex);
-        for (auto entry = m_records.begin(); entry != m_records.end();) {
-            if (!gives(entry->first)) {
-                ++entry;
-                continue;
-            }
-            for (StoreWait* const wait : m_waits) {
-                if (isBefore(entry->second.since, wait->m_next))
-                    wait->m_lost = true;
-            }
-            entry = m_records.erase(entry);
-        }
+        for (auto entry = m_records.begin(); entry != m_records.end();)
+            entry = gives(entry->first) ? giveUp(entry) : std::next(entry);
     }
     Changes::instance().note();
+}
+
+void PendingStores::change(Pending& pending, State state) {
+    m_failedCount += (state == State::Failed ? 1 : 0) - (pending.state == State::Failed ? 1 : 0);
+    pending.state = state;
+}
+
+PendingStores::Records::iterator PendingStores::remove(Records::iterator entry) {
+    change(entry->second, State::Queued);
+    return m_records.erase(entry);
+}
+
+PendingStores::Records::iterator PendingStores::giveUp(Records::iterator entry) {
+    for (StoreWait* const wait : m_waits) {
+        if (isBefore(entry->second.since, wait->m_next))
+            wait->m_lost = true;
+    }
+    return remove(entry);
 }
 
 std::vector<PendingStores::Store> PendingStores::all() const {
@@ -164,6 +186,8 @@ std::vector<PendingStores::Store> PendingStores::all() const {
 std::vector<PendingStores::Store> PendingStores::failedOnes(std::size_t most) const {
     const MutexLock lock(m_mutex);
     std::vector<Store> stores;
+    if (m_failedCount == 0)
+        return stores;
     for (const auto& [record, pending] : m_records) {
         if (pending.state == State::Failed && stores.size() < most)
             stores.push_back({record, pending.event, pending.fields});
@@ -173,8 +197,7 @@ std::vector<PendingStores::Store> PendingStores::failedOnes(std::size_t most) co
 
 bool PendingStores::hasFailed() const {
     const MutexLock lock(m_mutex);
-    return std::any_of(m_records.begin(), m_records.end(),
-                       [](const auto& entry) { return entry.second.state == State::Failed; });
+    return m_failedCount > 0;
 }
 
 StoreWait::StoreWait(std::vector<std::shared_ptr<PendingStores>> categories)

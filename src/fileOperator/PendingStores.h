@@ -45,8 +45,9 @@ public:
     void mergeFailed() TD_EXCLUDES(m_mutex);
     /// The whole table is on the disk.
     void allWritten() TD_EXCLUDES(m_mutex);
-    /// A call gave up what was stored: in the records that `gives` picks, or in all.
+    /// A call gave up what was stored: in all records, in one, or in those that `gives` picks.
     void drop() TD_EXCLUDES(m_mutex);
+    void drop(int record) TD_EXCLUDES(m_mutex);
     void drop(const std::function<bool(int record)>& gives) TD_EXCLUDES(m_mutex);
 
     // --- what is there ---
@@ -73,10 +74,16 @@ private:
         State state = State::Queued;
     };
 
+    using Records = std::map<int, Pending>;
+
     void setState(int record, int event, State state) TD_EXCLUDES(m_mutex);
+    void change(Pending& pending, State state) TD_REQUIRES(m_mutex);
+    Records::iterator remove(Records::iterator entry) TD_REQUIRES(m_mutex);
+    Records::iterator giveUp(Records::iterator entry) TD_REQUIRES(m_mutex);
 
     mutable Mutex m_mutex; ///< all below
-    std::map<int, Pending> m_records TD_GUARDED_BY(m_mutex);
+    Records m_records TD_GUARDED_BY(m_mutex);
+    int m_failedCount TD_GUARDED_BY(m_mutex) = 0; ///< of m_records
     std::vector<StoreWait*> m_waits TD_GUARDED_BY(m_mutex);
 };
 

@@ -280,7 +280,7 @@ bool TableOperator::completeUnderStores(int record) {
 
 void TableOperator::recordRead(const int* indices) {
     const int read = m_layout.recordIndex(indices);
-    m_pending->drop([read](int record) { return record == read; });
+    m_pending->drop(read);
     m_snapshotFloor.raise(read, EventIdGenerator::instance()->peekNextEventId());
 }
 

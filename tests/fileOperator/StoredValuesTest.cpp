@@ -285,6 +285,7 @@ TEST_F(StoredValuesTest, ALoadGoesOnWithoutALockThatIsNotToBeHad) {
         op->setBackupReq(true);
         EXPECT_FALSE(op->tryEnterCriticalSection()) << "nor is it backed up";
         EXPECT_TRUE(storeValue(*op, {1}, STORED, OURS));
+        EXPECT_EQ(m_parent.deliver(), 0) << "nor does a worker wait";
         op->tryAgain();
         EXPECT_EQ(current(), found) << "nothing is written";
         EXPECT_EQ(m_root.read(Copy::Backup, STORED_FILE), with(5, 6));
