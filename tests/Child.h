@@ -8,6 +8,13 @@
 
 namespace td::test {
 
+/// The thread sanitizer ends a child that starts one, when its parent had several.
+#ifdef __SANITIZE_THREAD__
+constexpr bool CHILDREN_MAY_START_THREADS = false;
+#else
+constexpr bool CHILDREN_MAY_START_THREADS = true;
+#endif
+
 /// Starts a child that ends with what `life` returns, or by an alarm when it hangs.
 inline pid_t startChild(const std::function<int()>& life) {
     constexpr unsigned PATIENCE_SECONDS = 60;

@@ -40,6 +40,9 @@ SinkHolder& holder() {
     return *instance;
 }
 
+/// Made when the library is loaded: a child made by fork() would not get over one that is half made.
+[[maybe_unused]] const SinkHolder& g_madeEarly = holder();
+
 /// One system call per line, so that the lines of several processes on one terminal do not mix.
 void writeToStandardError(const char* line) {
     const std::size_t length = std::strlen(line);

@@ -11,6 +11,7 @@
 #include <dataModule/common/CRC32Util.h>
 #include <dataModule/common/EventIdGenerator.h>
 #include <dataModule/common/Mutex.h>
+#include <dataModule/common/TimeUtil.h>
 
 namespace td {
 
@@ -32,19 +33,17 @@ LockFiles& lockFiles() {
 
 std::atomic<unsigned int> Fork::s_generation{0};
 
-void Fork::watch() {
-    // A child finds them made, and not half made by a thread that it does not have.
-    static const bool watching = [] {
-        lockFiles();
-        EventIdGenerator::instance();
-        CRC32Util::instance();
-        return pthread_atfork(prepare, inParent, inChild) == 0;
-    }();
-    static_cast<void>(watching);
+const bool Fork::s_watching = Fork::watch();
+
+bool Fork::watch() {
+    lockFiles();
+    EventIdGenerator::instance();
+    CRC32Util::instance();
+    TimeUtil::instance();
+    return pthread_atfork(prepare, inParent, inChild) == 0;
 }
 
 int Fork::openLockFile(const char* path, int flags, mode_t mode) {
-    watch();
     LockFiles& files = lockFiles();
     const MutexLock lock(files.mutex);
     const int descriptor = open(path, flags, mode);

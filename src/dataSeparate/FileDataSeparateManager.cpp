@@ -230,11 +230,13 @@ void forgetListeners() {
     LiveManagers::instance().renew();
 }
 
-void watchForks() {
-    Fork::watch();
-    static const bool watching = (LiveManagers::instance(), pthread_atfork(nullptr, nullptr, forgetListeners) == 0);
-    static_cast<void>(watching);
+bool watchForks() {
+    LiveManagers::instance();
+    return pthread_atfork(nullptr, nullptr, forgetListeners) == 0;
 }
+
+/// Made when the library is loaded, as all that a child needs.
+[[maybe_unused]] const bool s_watchingForks = watchForks();
 
 /// The detail-log listener's thread. It ends only where there is no shared memory or no semaphore to be had.
 void* listenUntilRefused(void* manager) {
@@ -455,11 +457,12 @@ void FileDataSeparateManager::release() {
 }
 
 FileDataSeparateManager::FileDataSeparateManager()
-    : m_generation((watchForks(), Fork::generation())), m_tvType(std::make_unique<TvType>()),
+    : m_generation(Fork::generation()), m_tvType(std::make_unique<TvType>()),
       m_worker(std::make_unique<Thread>(WORKER_NAME)), m_processesLock(std::make_unique<FileLock>()),
       m_loadingMutex(std::make_unique<Mutex>(LockRank::Loading)) {
     static_assert(PATH_SIZE == paths::PATH_SIZE, "a buffer of the interface");
     std::snprintf(m_manufactoryPath, sizeof m_manufactoryPath, "%s", paths::defaultFactoryDirectory().c_str());
+    allLayouts(); // before a thread that registers them and one that forks can meet
     LiveManagers::instance().add(this);
 }
 

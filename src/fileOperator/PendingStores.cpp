@@ -63,6 +63,9 @@ private:
     Condition m_noted;
 };
 
+/// Made when the library is loaded: a child made by fork() would not get over one that is half made.
+[[maybe_unused]] const Changes& g_changes = Changes::instance();
+
 } // namespace
 
 void PendingStores::stored(int record, int event, Fields fields) {

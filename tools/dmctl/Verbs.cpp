@@ -172,8 +172,9 @@ const std::vector<Verb>& verbs() {
          false,
          {{"--count", "N", "end after N changes"}}},
         {"log", "on|off|status", "Switch the detail log of running processes",
-         "Writes the switch, which all processes of this machine share, and wakes every one that listens; they print\n"
-         "the records that they read and store from then on. Fails when nobody listens.",
+         "Writes the switch, which all processes of this machine share, and wakes every one that listens; they log\n"
+         "the records that they read and store from then on, also at the level with which their log starts. Fails\n"
+         "when nobody listens.",
          "dmctl log on\n"
          "dmctl log status",
          runLog, Takes::Choice},
