@@ -224,23 +224,25 @@ protected:
 };
 
 TEST_F(ForkedManagerTest, AChildMakesAManagerOfItsOwn) {
-    int stored = 0;
-    const AtWork clients(3, [&](int thread) {
-        std::vector<_Argument_t> args;
-        m_manager->loadData(ASPECT, FIRST, args);
-        for (int i = 0; i < 1000 && thread == 2; ++i)
-            const Event event(nullptr, {});
-        if (thread == 0)
-            m_manager->loadData(ASPECT);
-        if (thread == 1) {
-            m_manager->storeData(ASPECT, {1}, {{START, ++stored % 1000}});
-            m_manager->waitStored(CHILDS_PATIENCE);
-        }
-    });
-    for (int i = 0; i < 20; ++i)
-        ASSERT_EQ(endOf(startChild([i] { return live(100 + i); })), 0) << i;
-    // A child's child has the same rights.
-    EXPECT_EQ(endOf(startChild([] { return endOf(startChild([] { return live(200); })); })), 0);
+    {
+        int stored = 0;
+        const AtWork clients(3, [&](int thread) {
+            std::vector<_Argument_t> args;
+            m_manager->loadData(ASPECT, FIRST, args);
+            for (int i = 0; i < 1000 && thread == 2; ++i)
+                const Event event(nullptr, {});
+            if (thread == 0)
+                m_manager->loadData(ASPECT);
+            if (thread == 1) {
+                m_manager->storeData(ASPECT, {1}, {{START, ++stored % 1000}});
+                m_manager->waitStored(CHILDS_PATIENCE);
+            }
+        });
+        for (int i = 0; i < 20; ++i)
+            ASSERT_EQ(endOf(startChild([i] { return live(100 + i); })), 0) << i;
+        // A child's child has the same rights.
+        EXPECT_EQ(endOf(startChild([] { return endOf(startChild([] { return live(200); })); })), 0);
+    }
     m_manager->loadData(ASPECT);
     std::vector<_Argument_t> args{{START, -7}};
     EXPECT_TRUE(m_manager->loadData(ASPECT, FIRST, args)) << "the parent's goes on";
