@@ -150,8 +150,8 @@ protected:
         const int high = isHexadecimal ? 0xFFFFF : m_layout.keyLine == KeyLineForm::Decimal5 ? 99999 : 9999;
         Table table = defaultTable(m_layout);
         for (std::size_t i = 0; i < table.size(); ++i)
-            table[i] = static_cast<int>(low + (i * 104729 + static_cast<std::size_t>(seed) * 1299709 + 17) %
-                                                  static_cast<std::size_t>(high - low + 1));
+            table[i] = low + static_cast<int>((i * 104729 + static_cast<std::size_t>(seed) * 1299709 + 17) %
+                                              static_cast<std::size_t>(high - low + 1));
         return table;
     }
     std::size_t cell(int record, const Field& field) const {
@@ -214,7 +214,8 @@ TEST_P(Categories, IsWhatTheTableSays) {
     const auto op = makeOperator();
     EXPECT_STREQ(m_parent.getCategory_Str(op->getDataCategory()), m_row.name);
     EXPECT_EQ(op->getDataSize(), m_row.fields * m_layout.recordCount() * 4);
-    EXPECT_NE(std::string(typeid(*op).name()).find(std::string("File") + m_row.type), std::string::npos);
+    const IFileOperator& made = *op;
+    EXPECT_NE(std::string(typeid(made).name()).find(std::string("File") + m_row.type), std::string::npos);
 
     ASSERT_TRUE(op->initFile(true));
     const std::string created = read(Copy::Current);
@@ -229,7 +230,8 @@ TEST_P(Categories, IsWhatTheTableSays) {
     ASSERT_TRUE(storeValue(*loaded, indices(0), m_field, 77));
     const auto posted = m_parent.takePosted();
     ASSERT_EQ(posted.size(), 1U);
-    EXPECT_NE(std::string(typeid(*posted[0]).name()).find(std::string(m_row.type) + "Event"), std::string::npos);
+    const Event& event = *posted[0];
+    EXPECT_NE(std::string(typeid(event).name()).find(std::string(m_row.type) + "Event"), std::string::npos);
 }
 
 TEST_P(Categories, EveryRecordRoundTripsThroughEachCopy) {
