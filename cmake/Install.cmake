@@ -13,7 +13,8 @@ install(DIRECTORY include/dataModule DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COM
   FILES_MATCHING PATTERN "*.h")
 foreach(folder src/common src/fileOperator platform)
   get_filename_component(name ${folder} NAME)
-  file(GLOB headers CONFIGURE_DEPENDS ${folder}/*.h)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${folder}/*.h)
+  list(FILTER headers EXCLUDE REGEX /platform/host/)
   install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dataModule/${name} COMPONENT headers)
 endforeach()
 

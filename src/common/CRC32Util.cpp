@@ -168,7 +168,7 @@ unsigned int CRC32Util::throughZeros(unsigned int crc, unsigned int count) {
 
 bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {
     if (!m_initialised) {
-        DM_ERROR("CRC tool hasn't init yet !!!\n");
+        TD_ERROR("CRC tool hasn't init yet !!!\n");
         return false;
     }
     const NoCancel noCancel;
@@ -176,7 +176,7 @@ bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {
     crc = INITIAL;
     const InputFile file(path);
     if (!file.isOpen() || !file.seek(offset)) {
-        DM_WARNING("CRC Code: open file [%s] failed, error = %s.\n", path == nullptr ? "" : path, std::strerror(errno));
+        TD_WARNING("CRC Code: open file [%s] failed, error = %s.\n", path == nullptr ? "" : path, std::strerror(errno));
         return true;
     }
     unsigned char block[BLOCK_SIZE];
@@ -185,7 +185,7 @@ bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {
         crc = crc32(crc, block, static_cast<unsigned int>(bytes));
     if (bytes < 0) {
         crc = INITIAL; // a part of a file has no checksum of its own
-        DM_WARNING("CRC Code: read file [%s] failed, error = %s.\n", path, std::strerror(errno));
+        TD_WARNING("CRC Code: read file [%s] failed, error = %s.\n", path, std::strerror(errno));
     }
     return true;
 }

@@ -1,4 +1,4 @@
-/// How the library writes log lines: DM_ERROR, DM_WARNING, DM_INFO and DM_DETAIL take a printf format and its values.
+/// How the library writes log lines: TD_ERROR, TD_WARNING, TD_INFO and TD_DETAIL take a printf format and its values.
 /// A line is "file:line:function(): [dataModule] " and the text, made only when the platform's level check passes.
 /// Failures are Warning or Error, progress is Info. Dumps of values have a switch of their own, the detail log, which
 /// whoever makes a dump asks first: they are Info, and where the platform's level keeps that back they go out as
@@ -27,7 +27,7 @@ inline DebugOutput::Level detailLevel() {
             ::td::log::print(level, __FILE__, __LINE__, __func__, __VA_ARGS__); \
     } while (false)
 
-#define DM_ERROR(...) TD_LOG(::td::DebugOutput::Level::Error, __VA_ARGS__)
-#define DM_WARNING(...) TD_LOG(::td::DebugOutput::Level::Warning, __VA_ARGS__)
-#define DM_INFO(...) TD_LOG(::td::DebugOutput::Level::Info, __VA_ARGS__)
-#define DM_DETAIL(...) TD_LOG(::td::log::detailLevel(), __VA_ARGS__)
+#define TD_ERROR(...) TD_LOG(::td::DebugOutput::Level::Error, __VA_ARGS__)
+#define TD_WARNING(...) TD_LOG(::td::DebugOutput::Level::Warning, __VA_ARGS__)
+#define TD_INFO(...) TD_LOG(::td::DebugOutput::Level::Info, __VA_ARGS__)
+#define TD_DETAIL(...) TD_LOG(::td::log::detailLevel(), __VA_ARGS__)

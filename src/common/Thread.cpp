@@ -46,11 +46,11 @@ bool Thread::start() {
     if (m_running)
         return true;
     if (isExit() || !OsalThreads::create(m_name, mainProc, this, m_handle)) {
-        DM_ERROR("Create pthread [%s] failed.\n", m_name);
+        TD_ERROR("Create pthread [%s] failed.\n", m_name);
         return false;
     }
     m_running = true;
-    DM_INFO("Create pthread [%s] success ,id = %d \n", m_name, static_cast<int>(m_handle));
+    TD_INFO("Create pthread [%s] success ,id = %d \n", m_name, static_cast<int>(m_handle));
     return true;
 }
 
@@ -180,7 +180,7 @@ void Thread::askForBackup() {
     try {
         m_owner->backupData();
     } catch (...) {
-        DM_ERROR("backup of [%s] ended by an exception\n", m_name);
+        TD_ERROR("backup of [%s] ended by an exception\n", m_name);
     }
 }
 
@@ -190,7 +190,7 @@ void Thread::askToTryAgain() {
     try {
         m_owner->retryFailedStores();
     } catch (...) {
-        DM_ERROR("retry of [%s] ended by an exception\n", m_name);
+        TD_ERROR("retry of [%s] ended by an exception\n", m_name);
     }
 }
 
@@ -199,7 +199,7 @@ void Thread::handleEvent(Event& event) {
     if (handledWell(event)) {
         ++m_statistics.succeeded;
     } else {
-        DM_WARNING("work thread handle event (id = %d) failed! \n", event.id());
+        TD_WARNING("work thread handle event (id = %d) failed! \n", event.id());
         ++m_statistics.failed;
     }
     ++m_statistics.handled;

@@ -34,7 +34,7 @@ int TimeUtil::getElapsed() const {
     const std::int64_t seconds = std::int64_t{m_end.seconds} - m_start.seconds;
     const std::int64_t nanoseconds = std::int64_t{m_end.nanoseconds} - m_start.nanoseconds;
     if (seconds < 0 || (seconds == 0 && nanoseconds < 0)) {
-        DM_WARNING("The time point record is invalid.\n");
+        TD_WARNING("The time point record is invalid.\n");
         return -1;
     }
     return static_cast<int>(nanoseconds / NANOSECONDS_PER_MILLISECOND + MILLISECONDS_PER_SECOND * seconds);

@@ -242,7 +242,7 @@ bool watchForks() {
 void* listenUntilRefused(void* manager) {
     FileDataSeparateManager::listenDetailLogSwitch(manager);
     s_detailLogListened = false;
-    DM_INFO("nobody listens for the detail log switch, the next manager starts it again.\n");
+    TD_INFO("nobody listens for the detail log switch, the next manager starts it again.\n");
     return nullptr;
 }
 
@@ -321,7 +321,7 @@ std::set<std::string> takeOutDamaged(const std::string& directory, std::vector<s
         const auto name = std::find(names.begin(), names.end(), layout->file);
         if (name == names.end() || fileVerifies((directory + *name).c_str(), nullptr))
             continue;
-        DM_WARNING(" file [%s%s] is damaged, the files in use stay as they are.\n", directory.c_str(), layout->file);
+        TD_WARNING(" file [%s%s] is damaged, the files in use stay as they are.\n", directory.c_str(), layout->file);
         damaged.insert(*name);
         names.erase(name);
     }
@@ -366,7 +366,7 @@ bool replaceByFactoryFiles(const char* factory) {
 bool loadReported(IFileOperator& op, const FileName& name) {
     const bool loaded = attempt([&] { return op.loadFile(); });
     if (!loaded)
-        DM_WARNING(" load file [%s] failed.\n", name.text);
+        TD_WARNING(" load file [%s] failed.\n", name.text);
     return loaded;
 }
 
@@ -410,7 +410,7 @@ int loadTimed(IFileOperator& op) {
     // Read before: after a load a merge in the background may hold the critical section for long.
     const FileName name(op);
     static_cast<void>(loadReported(op, name));
-    DM_INFO(" load file [%s] and consume time %f.\n", name.text, OsalThreads::uptime() - start);
+    TD_INFO(" load file [%s] and consume time %f.\n", name.text, OsalThreads::uptime() - start);
     return op.getDataSize();
 }
 
@@ -633,7 +633,7 @@ IFileOperator* FileDataSeparateManager::getFileOperator(const _DataCategory_t& c
     const auto entry = m_fileOperators.find(category);
     if (entry != m_fileOperators.end() && entry->second != nullptr)
         return entry->second;
-    DM_WARNING("find file operator failed for [%s]. \n", categoryName(category));
+    TD_WARNING("find file operator failed for [%s]. \n", categoryName(category));
     return nullptr;
 }
 
@@ -665,7 +665,7 @@ bool FileDataSeparateManager::loadData(const _DataCategory_t& category) {
         return op.loadFile();
     });
     if (!loaded && name)
-        DM_WARNING(" DataModule load data file [%s] failed.\n", name->text);
+        TD_WARNING(" DataModule load data file [%s] failed.\n", name->text);
     return loaded;
 }
 
@@ -678,9 +678,9 @@ bool FileDataSeparateManager::loadData(const _DataCategory_t& category, const ch
     if (!name)
         return false;
     if (loaded)
-        DM_INFO(" @@@@@@ load data file [%s] successfully.\n", name->text);
+        TD_INFO(" @@@@@@ load data file [%s] successfully.\n", name->text);
     else
-        DM_WARNING(" ###### load data file [%s] failed.\n", name->text);
+        TD_WARNING(" ###### load data file [%s] failed.\n", name->text);
     return loaded;
 }
 
@@ -755,10 +755,10 @@ bool FileDataSeparateManager::getApplySettingFlag(const _DataCategory_t& categor
         return loadData(category, {}, args);
     });
     if (!loaded || args.empty()) {
-        DM_WARNING("Load apply setting for all Sources/Mode failed.\n");
+        TD_WARNING("Load apply setting for all Sources/Mode failed.\n");
         return false;
     }
-    DM_INFO("Apply Setting Flag value is [%d] \n", args.front().value);
+    TD_INFO("Apply Setting Flag value is [%d] \n", args.front().value);
     return args.front().value == 1;
 }
 
@@ -766,10 +766,10 @@ bool FileDataSeparateManager::restoreApplySettingFlag(const _DataCategory_t& cat
     if (!getApplySettingFlag(category, field))
         return false;
     if (!attempt([&] { return storeData(category, {}, {{field, 0}}); })) {
-        DM_WARNING("Store Apply Setting flag For All Sources/Mode failed.\n");
+        TD_WARNING("Store Apply Setting flag For All Sources/Mode failed.\n");
         return false;
     }
-    DM_INFO("Restore Apply Setting Flag value [%s] successfully \n", field == nullptr ? "" : field);
+    TD_INFO("Restore Apply Setting Flag value [%s] successfully \n", field == nullptr ? "" : field);
     return true;
 }
 
@@ -779,9 +779,9 @@ bool FileDataSeparateManager::init(_DS_Scope_t scope) {
     if (isInherited())
         return false;
     const NoCancel noCancel;
-    DM_INFO(" @@@@@ Init File Data Separate Manager ... @@@@@ \n");
+    TD_INFO(" @@@@@ Init File Data Separate Manager ... @@@@@ \n");
     if (m_inited) {
-        DM_INFO(" FileDataSeparateManager has already inited !\n");
+        TD_INFO(" FileDataSeparateManager has already inited !\n");
         return true;
     }
     const bool registered = attempt([&] {
@@ -795,10 +795,10 @@ bool FileDataSeparateManager::init(_DS_Scope_t scope) {
     }
     CRC32Util::instance()->init_crc_table();
 
-    DM_INFO(" FileDataSeparateManager create work thread ... \n");
+    TD_INFO(" FileDataSeparateManager create work thread ... \n");
     m_worker->setOwner(this);
     if (!m_worker->start()) {
-        DM_ERROR(" FileDataSeparateManager start work thread failed.\n");
+        TD_ERROR(" FileDataSeparateManager start work thread failed.\n");
         discardOperators();
         return false;
     }
@@ -808,7 +808,7 @@ bool FileDataSeparateManager::init(_DS_Scope_t scope) {
     if (s_listening)
         startDetailLogListener(this);
 
-    DM_INFO(" @@@@@ Init File Data Separate Manager sucessfully. @@@@@ \n");
+    TD_INFO(" @@@@@ Init File Data Separate Manager sucessfully. @@@@@ \n");
     return true;
 }
 
@@ -825,7 +825,7 @@ void FileDataSeparateManager::startDetailLogListener(FileDataSeparateManager* ma
         OsalThreads::detach(handle);
         return;
     }
-    DM_WARNING(" FileDataSeparateManager create listen detail log switch thread failed.\n");
+    TD_WARNING(" FileDataSeparateManager create listen detail log switch thread failed.\n");
     s_detailLogListened = false;
 }
 
@@ -926,12 +926,12 @@ bool FileDataSeparateManager::loadManufactoryPath() {
     char model[paths::PATH_SIZE] = {};
     std::string directory;
     if (!attempt([&] { return readFactoryDirectory(model, directory); })) {
-        DM_WARNING(" load manufactory path from entry index file failed , use the default path:[%s]. \n",
+        TD_WARNING(" load manufactory path from entry index file failed , use the default path:[%s]. \n",
                    m_manufactoryPath);
         return false;
     }
     std::snprintf(m_manufactoryPath, sizeof m_manufactoryPath, "%s", directory.c_str());
-    DM_INFO(" load configuration manufactory path [%s] from entry index file successfully ,"
+    TD_INFO(" load configuration manufactory path [%s] from entry index file successfully ,"
             "and the full path is:[%s].\n",
             model, m_manufactoryPath);
     return true;
@@ -941,15 +941,15 @@ bool FileDataSeparateManager::initCurrentFromManufactory() {
     if (isInherited())
         return false;
     const NoCancel noCancel;
-    DM_INFO(" init 'current' data files from 'manufactory' -- [%s] ...\n", m_manufactoryPath);
+    TD_INFO(" init 'current' data files from 'manufactory' -- [%s] ...\n", m_manufactoryPath);
     // What was stored before the reset does not come after it.
     settleStores();
     if (!attempt([this] { return replaceByFactoryFiles(m_manufactoryPath); })) {
-        DM_ERROR(" init current dataModule files from manufactory path [%s] failed.\n", m_manufactoryPath);
+        TD_ERROR(" init current dataModule files from manufactory path [%s] failed.\n", m_manufactoryPath);
         return false;
     }
     dropStores();
-    DM_INFO(" init 'current' dataModule files from manufactory path [%s] successfully.\n", m_manufactoryPath);
+    TD_INFO(" init 'current' dataModule files from manufactory path [%s] successfully.\n", m_manufactoryPath);
     return true;
 }
 
@@ -962,7 +962,7 @@ bool FileDataSeparateManager::initAllData() {
     for (const auto& [category, op] : m_fileOperators) {
         result = attempt([file = op] { return file->initFile(true); });
         if (!result)
-            DM_WARNING(" init file [%s] failed.\n", FileName(*op).text);
+            TD_WARNING(" init file [%s] failed.\n", FileName(*op).text);
     }
     return result;
 }
@@ -971,20 +971,20 @@ bool FileDataSeparateManager::loadAllData() {
     if (isInherited())
         return false;
     const NoCancel noCancel;
-    DM_INFO(" @@@@@ File Data Separate Manager start to load data file ... @@@@@ \n");
+    TD_INFO(" @@@@@ File Data Separate Manager start to load data file ... @@@@@ \n");
     const MutexLock lock(*m_loadingMutex);
     const bool loadedBefore = m_allLoaded;
     if (loadedBefore) {
-        DM_INFO(" FileDataSeparateManager has already load all data. !\n");
+        TD_INFO(" FileDataSeparateManager has already load all data. !\n");
         return true;
     }
     settleStores();
     int dataSize = 0;
     static_cast<void>(attempt([&] { return loadInParallel(dataSize); }));
-    DM_INFO(" @@@@@ File Data Separate Manager start to load data file successfully, cache data size = %d.@@@@@\n",
+    TD_INFO(" @@@@@ File Data Separate Manager start to load data file successfully, cache data size = %d.@@@@@\n",
             dataSize);
 
-    DM_INFO(" @@@@@ File Data Separate send backup request to work thread ... @@@@@ \n");
+    TD_INFO(" @@@@@ File Data Separate send backup request to work thread ... @@@@@ \n");
     forEachInSet([](IFileOperator& op) { op.setBackupReq(true); });
     // Before init() there is nothing to load; a later call is to load it.
     m_allLoaded = !m_fileOperators.empty();
@@ -1026,9 +1026,9 @@ bool FileDataSeparateManager::loadInParallel(int& dataSize) {
 bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
     if (isInherited())
         return false;
-    DM_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s]... @@@@@ \n", getType_Str(type));
+    TD_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s]... @@@@@ \n", getType_Str(type));
     if (m_allLoaded) {
-        DM_INFO(" FileDataSeparateManager has already load all data. !\n");
+        TD_INFO(" FileDataSeparateManager has already load all data. !\n");
         return true;
     }
     settleStores();
@@ -1039,22 +1039,22 @@ bool FileDataSeparateManager::loadAllData(_DS_Type_t type) {
         if (belongTo(op, type))
             ++(loadReported(*op, FileName(*op)) ? loaded : failed);
     }
-    DM_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s] successfully.@@@@@\n",
+    TD_INFO(" @@@@@ File Data Separate Manager start to load data file for [%s] successfully.@@@@@\n",
             getType_Str(type));
 
-    DM_INFO(" @@@@@ File Data Separate send backup request to work thread ... @@@@@ \n");
+    TD_INFO(" @@@@@ File Data Separate send backup request to work thread ... @@@@@ \n");
     forEachInSet([&](IFileOperator& op) {
         if (belongTo(&op, type))
             op.setBackupReq(true);
     });
-    DM_INFO(" @@@@@ File Data Separate send backup request to work thread successfully. @@@@@ \n");
+    TD_INFO(" @@@@@ File Data Separate send backup request to work thread successfully. @@@@@ \n");
     return loaded > 0 && failed == 0;
 }
 
 bool FileDataSeparateManager::resetForLoadAllData(_DS_Type_t type) {
     if (isInherited())
         return false;
-    DM_INFO(" Reset the flag for FileDataSeparateManager reload all data. \n");
+    TD_INFO(" Reset the flag for FileDataSeparateManager reload all data. \n");
     const MutexLock lock(*m_loadingMutex);
     m_allLoaded = false;
     settleStores();
@@ -1073,9 +1073,9 @@ bool FileDataSeparateManager::releaseFileSources() {
     for (const auto& [category, op] : m_fileOperators) {
         result = attempt([file = op] { return file->releaseFile(); });
         if (!result)
-            DM_WARNING(" release file [%s] failed.\n", FileName(*op).text);
+            TD_WARNING(" release file [%s] failed.\n", FileName(*op).text);
     }
-    DM_INFO("release all opend data files successfully when before making STD image. \n");
+    TD_INFO("release all opend data files successfully when before making STD image. \n");
     return result;
 }
 
@@ -1086,24 +1086,24 @@ bool FileDataSeparateManager::resumeFileSources() {
     for (const auto& [category, op] : m_fileOperators) {
         result = attempt([file = op] { return file->reloadFile(); });
         if (!result)
-            DM_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
+            TD_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
     }
     const LoadBudget budget(deadlineIn(LoadBudget::MILLISECONDS));
     // The walk does nothing to a file: what a suspend image had closed is loaded again here.
     for (const auto& [category, op] : m_fileOperators) {
         auto* const released = dynamic_cast<AbstractFileOperator*>(op);
         if (released != nullptr && !attempt([=] { return released->loadIfReleased(); })) {
-            DM_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
+            TD_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
             result = false;
         }
     }
-    DM_INFO("resume all data files successfully when before making STD image. \n");
+    TD_INFO("resume all data files successfully when before making STD image. \n");
     return result;
 }
 
 void FileDataSeparateManager::settleStores() {
     if (!m_worker->waitHandled(SETTLE_MILLISECONDS))
-        DM_WARNING("stores are still queued after %d ms, going on without them\n", SETTLE_MILLISECONDS);
+        TD_WARNING("stores are still queued after %d ms, going on without them\n", SETTLE_MILLISECONDS);
 }
 
 // --- backups, on the worker ---
@@ -1122,7 +1122,7 @@ bool FileDataSeparateManager::backupIfRequested(IFileOperator& op) {
     if (m_stopped || !op.getBackupReq() || !op.tryEnterCriticalSection())
         return false;
     const EnteredSection section(op);
-    DM_INFO("[%s]:Handle one backup request for file [%s] ... \n", categoryName(op.getDataCategory()), baseName(op));
+    TD_INFO("[%s]:Handle one backup request for file [%s] ... \n", categoryName(op.getDataCategory()), baseName(op));
     const bool result = op.backupFile(false);
     op.setBackupReq(false);
     return result;

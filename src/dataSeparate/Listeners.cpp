@@ -134,32 +134,32 @@ private:
 };
 
 bool releaseOnSignal(const SteeredManager& manager, NamedSemaphore& release) {
-    DM_INFO("1.1 just waitting the received release sem from STD ...\n");
+    TD_INFO("1.1 just waitting the received release sem from STD ...\n");
     if (!manager.waitFor(release)) {
-        DM_WARNING("error occur when waitting release sem from STD.\n");
+        TD_WARNING("error occur when waitting release sem from STD.\n");
         return false;
     }
-    DM_INFO("1.2 release data Module for STD...\n");
+    TD_INFO("1.2 release data Module for STD...\n");
     if (!manager.call(&IDataSeparateManager::releaseFileSources)) {
-        DM_WARNING("release dataModule failed for STD.\n");
+        TD_WARNING("release dataModule failed for STD.\n");
         return false;
     }
-    DM_INFO("1.2 release data Module for STD successfully.\n");
+    TD_INFO("1.2 release data Module for STD successfully.\n");
     return true;
 }
 
 bool resumeOnSignal(const SteeredManager& manager, NamedSemaphore& reload) {
-    DM_INFO("2.1 just waitting the received reload sem from STD ...\n");
+    TD_INFO("2.1 just waitting the received reload sem from STD ...\n");
     if (!manager.waitFor(reload)) {
-        DM_WARNING("error occur when waitting release sem from STD.\n"); // the same text as for the release
+        TD_WARNING("error occur when waitting release sem from STD.\n"); // the same text as for the release
         return false;
     }
-    DM_INFO("2.2 reload data Module for STD...\n");
+    TD_INFO("2.2 reload data Module for STD...\n");
     if (!manager.call(&IDataSeparateManager::resumeFileSources)) {
-        DM_WARNING("reload dataModule failed for STD.\n");
+        TD_WARNING("reload dataModule failed for STD.\n");
         return false;
     }
-    DM_INFO("2.2 reload data Module for STD successfully.\n");
+    TD_INFO("2.2 reload data Module for STD successfully.\n");
     return true;
 }
 
@@ -167,16 +167,16 @@ void takeSwitchValue() {
     const int* const word = g_detailLogSwitch;
     if (word == nullptr) {
         AbstractFileOperator::setDebugLog(0);
-        DM_WARNING("error occur when set shm of log detail switch.\n");
+        TD_WARNING("error occur when set shm of log detail switch.\n");
         return;
     }
     const int value = __atomic_load_n(word, __ATOMIC_RELAXED); // other processes write it
-    DM_INFO("received from shm values [%d].\n", value);
+    TD_INFO("received from shm values [%d].\n", value);
     AbstractFileOperator::setDebugLog(value != 0 ? 1 : 0);
     if (value != 0)
-        DM_INFO("make the detail log switch 'OPEN'.\n");
+        TD_INFO("make the detail log switch 'OPEN'.\n");
     else
-        DM_INFO("make the detail log switch 'OFF'.\n");
+        TD_INFO("make the detail log switch 'OFF'.\n");
 }
 
 /// Follows the switch until the semaphore fails. False when there was no semaphore to be had.
@@ -184,19 +184,19 @@ bool followSwitch() {
     for (int attempt = 0; attempt < OPEN_ATTEMPTS; ++attempt) {
         NamedSemaphore switched(names::LOG_SEMAPHORE, names::LOG_SEMAPHORE_MODE);
         if (!switched.isOpen()) {
-            DM_WARNING("create sem for detail log switch failed.\n");
+            TD_WARNING("create sem for detail log switch failed.\n");
             if (attempt + 1 < OPEN_ATTEMPTS)
                 sleepMilliseconds(RETRY_DELAY_MILLISECONDS);
             continue;
         }
         for (;;) {
-            DM_INFO("just waitting the received sem from user ...\n");
+            TD_INFO("just waitting the received sem from user ...\n");
             if (!switched.wait())
                 break;
             takeSwitchValue();
         }
-        DM_WARNING("error occur when waitting sem for detail log switch.\n");
-        DM_INFO(" listen thread is over ,so close the semphore.\n");
+        TD_WARNING("error occur when waitting sem for detail log switch.\n");
+        TD_INFO(" listen thread is over ,so close the semphore.\n");
         switched.closeAndUnlink();
         return true;
     }
@@ -214,37 +214,37 @@ void leaveDetailLogSwitch() {
 void* FileDataSeparateManager::listenSTDSignal(void* manager) {
     if (manager == nullptr)
         return nullptr;
-    DM_INFO("start listen signal from STD ...\n");
+    TD_INFO("start listen signal from STD ...\n");
     const SteeredManager steered(static_cast<IDataSeparateManager*>(manager));
     sleepMilliseconds(START_DELAY_MILLISECONDS);
     umask(0);
     NamedSemaphore release(names::RELEASE_SEMAPHORE, names::SUSPEND_SEMAPHORE_MODE);
     if (!release.isOpen()) {
-        DM_WARNING("create sem for release data Module failed.\n");
+        TD_WARNING("create sem for release data Module failed.\n");
         return nullptr;
     }
     if (!releaseOnSignal(steered, release))
         return nullptr;
     NamedSemaphore reload(names::RELOAD_SEMAPHORE, names::SUSPEND_SEMAPHORE_MODE);
     if (!reload.isOpen()) {
-        DM_WARNING("create sem for reload data Module failed.\n");
+        TD_WARNING("create sem for reload data Module failed.\n");
         return nullptr;
     }
     umask(22); // decimal on purpose: 026
     if (!resumeOnSignal(steered, reload))
         return nullptr;
-    DM_INFO("3.listen STD signal thread is over ,so close the semphore.\n");
+    TD_INFO("3.listen STD signal thread is over ,so close the semphore.\n");
     release.closeAndUnlink();
     reload.closeAndUnlink();
     return nullptr;
 }
 
 void* FileDataSeparateManager::listenDetailLogSwitch(void* manager) {
-    DM_INFO("start listen detail log switch thread ...\n");
+    TD_INFO("start listen detail log switch thread ...\n");
     if (manager == nullptr)
         return nullptr;
     if (!createDetailLogSwitchSHM()) {
-        DM_WARNING("create shm for detail log switch failed.\n");
+        TD_WARNING("create shm for detail log switch failed.\n");
         return nullptr;
     }
     if (followSwitch())
@@ -253,21 +253,21 @@ void* FileDataSeparateManager::listenDetailLogSwitch(void* manager) {
 }
 
 bool FileDataSeparateManager::createDetailLogSwitchSHM() {
-    DM_INFO("start to create log Shm ...\n");
+    TD_INFO("start to create log Shm ...\n");
     constexpr int KEY = names::DETAIL_LOG_KEY;
     const int id = shmget(KEY, names::DETAIL_LOG_SIZE, IPC_CREAT | static_cast<int>(names::DETAIL_LOG_MODE));
     if (id < 0) {
-        DM_WARNING("shmget error with key = [%d].\n", KEY);
+        TD_WARNING("shmget error with key = [%d].\n", KEY);
         return false;
     }
-    DM_INFO("create log Shm shmid = %d\n", id);
+    TD_INFO("create log Shm shmid = %d\n", id);
     void* const address = shmat(id, nullptr, 0);
     if (reinterpret_cast<std::intptr_t>(address) == -1) {
-        DM_WARNING("attach shm memory failed with shmid = [%d]", id);
+        TD_WARNING("attach shm memory failed with shmid = [%d]", id);
         return false;
     }
     g_detailLogSwitch = static_cast<int*>(address);
-    DM_INFO("create log Shm successfully, key = [%d],shmid = %d\n", KEY, id);
+    TD_INFO("create log Shm successfully, key = [%d],shmid = %d\n", KEY, id);
     return true;
 }
 
@@ -276,7 +276,7 @@ bool FileDataSeparateManager::deleteDetailLogSwitchSHM() {
     constexpr int KEY = names::DETAIL_LOG_KEY;
     if (shmctl(KEY, IPC_RMID, nullptr) == 0)
         return true;
-    DM_WARNING("remove shm [%d] error.\n ", KEY);
+    TD_WARNING("remove shm [%d] error.\n ", KEY);
     return false;
 }
 

@@ -67,7 +67,7 @@ void AbstractFileOperator::setParent(IDataSeparateManagerInner* parent) {
 void AbstractFileOperator::setFileName(const char* name) {
     // The name is put behind the directories and must not lead out of them.
     if (name == nullptr || std::strchr(name, '/') != nullptr) {
-        DM_WARNING("file name [%s] is refused, for it is %s.\n", textOrEmpty(name),
+        TD_WARNING("file name [%s] is refused, for it is %s.\n", textOrEmpty(name),
                    name == nullptr ? "none" : "a path");
         return;
     }
@@ -140,7 +140,7 @@ bool AbstractFileOperator::tryEnterWithFiles() {
         if (entered)
             endPendingWrite();
     } catch (const std::exception& error) {
-        DM_WARNING("unexpected exception: %s\n", error.what());
+        TD_WARNING("unexpected exception: %s\n", error.what());
         entered = false;
     }
     if (!entered)
@@ -159,7 +159,7 @@ bool AbstractFileOperator::getApplySettingFlag(const _DataCategory_t& category, 
 bool AbstractFileOperator::restoreApplySettingFlag(const _DataCategory_t& category, const char* field) {
     if (m_parent == nullptr || !m_parent->restoreApplySettingFlag(category, field))
         return false;
-    DM_INFO("restore apply setting flag [%s] successfully.\n", textOrEmpty(field));
+    TD_INFO("restore apply setting flag [%s] successfully.\n", textOrEmpty(field));
     return true;
 }
 
@@ -176,7 +176,7 @@ const char* AbstractFileOperator::categoryName() const {
 }
 
 void AbstractFileOperator::logWhere() const {
-    DM_WARNING("[%s]: in file [%s].\n", categoryName(), m_path.load());
+    TD_WARNING("[%s]: in file [%s].\n", categoryName(), m_path.load());
 }
 
 std::string AbstractFileOperator::getWorkPath(_LOAD_FILE_MODE mode) const {
@@ -214,33 +214,33 @@ std::string AbstractFileOperator::factoryPath() {
 bool AbstractFileOperator::loadData(const std::vector<int>&, std::vector<_Argument_t>&) {
     if (m_loaded)
         return true;
-    DM_WARNING("couldn't load data , for loading data from file [%s] not completed or failed.\n", m_path.load());
+    TD_WARNING("couldn't load data , for loading data from file [%s] not completed or failed.\n", m_path.load());
     logWhere();
     return false;
 }
 
 bool AbstractFileOperator::restoreSetting(const std::vector<int>&) {
-    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
     return true;
 }
 
 bool AbstractFileOperator::restoreSettingForAllSource(const std::vector<int>&) {
-    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
     return true;
 }
 
 bool AbstractFileOperator::restoreSettingFromCurrent(const std::vector<int>&) {
-    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
     return true;
 }
 
 bool AbstractFileOperator::applySettingForAllSources(const std::vector<int>&) {
-    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
     return true;
 }
 
 bool AbstractFileOperator::applySettingForAllMode(const std::vector<int>&) {
-    DM_INFO("[%s]: module hasn't completed yet.\n", categoryName());
+    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
     return true;
 }
 
@@ -388,7 +388,7 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
     const std::string path = mode == MANUFACTORY_LOAD ? factoryPath() : getWorkPath(mode) + m_fileName;
     closeFile();
     setPath(path);
-    DM_INFO("current load mode is: [%s] and ready to load data file is: [%s] ...\n", getLoadMode(mode), path.c_str());
+    TD_INFO("current load mode is: [%s] and ready to load data file is: [%s] ...\n", getLoadMode(mode), path.c_str());
     if (openForSummary(mode))
         return verifySummary(&mode, fatal);
     logWhere();
@@ -398,7 +398,7 @@ bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
 bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
     const std::string path = m_path.load();
     if (isNoFile(path) || !isThere(path.c_str())) {
-        DM_WARNING("load file failed -- file [%s] isn't exist.\n", path.c_str());
+        TD_WARNING("load file failed -- file [%s] isn't exist.\n", path.c_str());
         return false;
     }
     errno = 0;
@@ -407,7 +407,7 @@ bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
         noteUnreadable(errno);
     // A size beyond an int reads as -1.
     if (m_fileSize > text::MAX_FILE_SIZE || m_fileSize < 0) {
-        DM_WARNING("the file [%s] size is [%d] and exception%s.\n", path.c_str(), m_fileSize,
+        TD_WARNING("the file [%s] size is [%d] and exception%s.\n", path.c_str(), m_fileSize,
                    mode == MANUFACTORY_LOAD ? "" : ", so will RECOVER it from manufactory");
         return false;
     }
@@ -415,7 +415,7 @@ bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
     if (openFile(path, mode == MANUFACTORY_LOAD ? "r" : "r+") || openFile(path, "r"))
         return true;
     noteUnreadable(errno);
-    DM_WARNING("open file [%s] failed.\n", path.c_str());
+    TD_WARNING("open file [%s] failed.\n", path.c_str());
     return false;
 }
 
@@ -436,7 +436,7 @@ bool AbstractFileOperator::isThere(const char* path) {
 bool AbstractFileOperator::isNoFile(const std::string& path) const {
     if (!FileUtil::isStray(path.c_str()))
         return false;
-    DM_WARNING("[%s]: what stands at [%s] is no file.\n", categoryName(), path.c_str());
+    TD_WARNING("[%s]: what stands at [%s] is no file.\n", categoryName(), path.c_str());
     return true;
 }
 
@@ -445,11 +445,11 @@ bool AbstractFileOperator::makeRoom(const std::string& path) {
     if (!FileUtil::isStray(path.c_str()))
         return true;
     if (!FileUtil::moveAside(path.c_str(), aside)) {
-        DM_ERROR("[%s]: what stands at [%s] is no file and cannot be moved aside (%s), so none is made there.\n",
+        TD_ERROR("[%s]: what stands at [%s] is no file and cannot be moved aside (%s), so none is made there.\n",
                  categoryName(), path.c_str(), std::strerror(errno));
         return false;
     }
-    DM_WARNING("[%s]: what stood at [%s] is no file; it is [%s] now.\n", categoryName(), path.c_str(), aside.c_str());
+    TD_WARNING("[%s]: what stood at [%s] is no file; it is [%s] now.\n", categoryName(), path.c_str(), aside.c_str());
     return true;
 }
 
@@ -467,13 +467,13 @@ bool AbstractFileOperator::loadSummary(const char* path) {
     setPath(path);
     m_readError = 0;
     if (isNoFile(path) || !isThere(path)) {
-        DM_WARNING("load file failed -- file [%s] isn't exist.\n", path);
+        TD_WARNING("load file failed -- file [%s] isn't exist.\n", path);
         logWhere();
         return false;
     }
     if (!openFile(path, "r")) {
         noteUnreadable(errno);
-        DM_WARNING("open file [%s] failed.\n", path);
+        TD_WARNING("open file [%s] failed.\n", path);
         logWhere();
         return false;
     }
@@ -492,33 +492,33 @@ bool AbstractFileOperator::verifySummary(const _LOAD_FILE_MODE* mode, bool& fata
         return false;
     }
     if (state == SummaryState::Complete)
-        DM_INFO("SummaryInfo -- SN:[%s] VER:[%s] SIZE:[%d].\n", m_fileType, m_version, m_fileSize);
+        TD_INFO("SummaryInfo -- SN:[%s] VER:[%s] SIZE:[%d].\n", m_fileType, m_version, m_fileSize);
     return true;
 }
 
 bool AbstractFileOperator::checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode,
                                              bool& fatal) {
     if (summary.hasTvType && m_parent != nullptr && std::strcmp(summary.tvType, m_parent->getTvType()) != 0)
-        DM_WARNING("The Tv type [%s] of data file [%s] is not matched as defined [%s] .\n", summary.tvType,
+        TD_WARNING("The Tv type [%s] of data file [%s] is not matched as defined [%s] .\n", summary.tvType,
                    m_path.load(), m_parent->getTvType());
     if (summary.hasVersion && mode != nullptr && !versionMatches(summary, *mode, fatal))
         return false;
     switch (state) {
     case SummaryState::NotReadable:
         noteUnreadable(errno);
-        DM_WARNING("reset file position of [%s] failed.\n", m_path.load());
+        TD_WARNING("reset file position of [%s] failed.\n", m_path.load());
         return false;
     case SummaryState::BadHeader:
-        DM_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
+        TD_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadTvType:
-        DM_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
+        TD_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadVersion:
-        DM_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
+        TD_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadCrc:
-        DM_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
+        TD_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::EndOfFile:
         return true;
@@ -531,15 +531,15 @@ bool AbstractFileOperator::checkSummaryLines(const Summary& summary, SummaryStat
 bool AbstractFileOperator::versionMatches(const Summary& summary, _LOAD_FILE_MODE mode, bool& fatal) {
     if (!m_versionCheck || m_parent == nullptr || std::strcmp(summary.version, m_version) == 0)
         return true;
-    DM_WARNING("The Tv Version [%s] of data file [%s] is not matched defined of SW [%s] in [%s].\n", summary.version,
+    TD_WARNING("The Tv Version [%s] of data file [%s] is not matched defined of SW [%s] in [%s].\n", summary.version,
                m_path.load(), m_version, getLoadMode(mode));
     if (mode == MANUFACTORY_LOAD) {
         fatal = true;
-        DM_ERROR("dataModule will terminal loading-data Flow because of  version not matched from manufactory data "
+        TD_ERROR("dataModule will terminal loading-data Flow because of  version not matched from manufactory data "
                  "files.\n");
     } else {
         m_otaLoading = true;
-        DM_INFO("dataModule will load data as OTA Flow in [%s].\n", getLoadMode(mode));
+        TD_INFO("dataModule will load data as OTA Flow in [%s].\n", getLoadMode(mode));
     }
     return false;
 }
@@ -548,23 +548,23 @@ bool AbstractFileOperator::checksumMatches(const Summary& summary, const _LOAD_F
     unsigned int computed = 0;
     if (!contentChecksum(computed)) {
         noteUnreadable(errno);
-        DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", m_path.load());
+        TD_WARNING("Failed to Calculate CRC code of data file [%s].\n", m_path.load());
         return false;
     }
     if (computed == summary.crc) {
         m_crc = computed;
         return true;
     }
-    DM_WARNING("The CRC [0x%08x] of data file [%s] is not matched actually [0x%08x] ...\n", summary.crc, m_path.load(),
+    TD_WARNING("The CRC [0x%08x] of data file [%s] is not matched actually [0x%08x] ...\n", summary.crc, m_path.load(),
                computed);
     if (mode == nullptr)
         return false;
     if (*mode == MANUFACTORY_LOAD) {
         fatal = true;
-        DM_ERROR("dataModule will terminal loading-data Flow because of  CRC checking not passed from manufactory data "
+        TD_ERROR("dataModule will terminal loading-data Flow because of  CRC checking not passed from manufactory data "
                  "files.\n");
     } else {
-        DM_WARNING("dataModule will load data as RECOVER flow in [%s].\n", getLoadMode(*mode));
+        TD_WARNING("dataModule will load data as RECOVER flow in [%s].\n", getLoadMode(*mode));
     }
     return false;
 }
@@ -582,37 +582,37 @@ unsigned int AbstractFileOperator::getCrcCode(const char* path) {
 /// A missing or closed file is no failure here, it only means that a copy has to be made: the lines are progress.
 bool AbstractFileOperator::readStoredChecksum(const char* path, unsigned int& crc) {
     if (!FileUtil::checkFile(path) || FileUtil::isStray(path)) {
-        DM_INFO("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
+        TD_INFO("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
         return false;
     }
     FileUtil asked;
     if (!asked.openFile(path, "r")) {
-        DM_INFO("open file [%s] failed.\n", path);
+        TD_INFO("open file [%s] failed.\n", path);
         return false;
     }
     Summary summary;
     switch (readSummary(m_file, summary)) {
     case SummaryState::NotReadable:
-        DM_INFO("reset file position of [%s] failed.\n", path);
+        TD_INFO("reset file position of [%s] failed.\n", path);
         return false;
     case SummaryState::BadHeader:
-        DM_INFO("Summary section subject (%s) is invalid.\n", summary.badLine);
+        TD_INFO("Summary section subject (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadTvType:
-        DM_INFO("Summary section SN Field (%s) is invalid.\n", summary.badLine);
+        TD_INFO("Summary section SN Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadVersion:
-        DM_INFO("Summary section VER Field (%s) is invalid.\n", summary.badLine);
+        TD_INFO("Summary section VER Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadCrc:
-        DM_INFO("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
+        TD_INFO("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::EndOfFile:
         return false;
     case SummaryState::Complete:
         break;
     }
-    DM_INFO("read CRC Field [0x%08x] from data file '%s' successfully.\n", summary.crc, path);
+    TD_INFO("read CRC Field [0x%08x] from data file '%s' successfully.\n", summary.crc, path);
     crc = summary.crc;
     return true;
 }
@@ -634,16 +634,16 @@ _LOAD_FILE_MODE AbstractFileOperator::stateChanged(_LOAD_FILE_MODE mode) const {
         next = MANUFACTORY_LOAD;
         break;
     case MANUFACTORY_LOAD:
-        DM_ERROR("The state changed is invalid, for the 'MANUFACTORY_LOAD' is only as end state.!\n");
-        DM_ERROR("The manufactory data file version is NOT matched with SW version. SO NEED SW engineer ( reponsible "
+        TD_ERROR("The state changed is invalid, for the 'MANUFACTORY_LOAD' is only as end state.!\n");
+        TD_ERROR("The manufactory data file version is NOT matched with SW version. SO NEED SW engineer ( reponsible "
                  "for audio or video ) to confirm this fatal problem !!!! \n");
         return INVALID_LOAD;
     case INVALID_LOAD:
     default:
-        DM_ERROR("The state is wrong to go here.\n");
+        TD_ERROR("The state is wrong to go here.\n");
         return INVALID_LOAD;
     }
-    DM_INFO("@@@@@ The state is changed from [%s] to [%s] @@@@@ .\n", getLoadMode(mode), getLoadMode(next));
+    TD_INFO("@@@@@ The state is changed from [%s] to [%s] @@@@@ .\n", getLoadMode(mode), getLoadMode(next));
     return next;
 }
 
@@ -679,7 +679,7 @@ struct AbstractFileOperator::MemoryScope {
 };
 
 bool AbstractFileOperator::loadFile() {
-    DM_INFO("======================= start to load file =====================\n");
+    TD_INFO("======================= start to load file =====================\n");
     TimeUtil::instance()->start();
     const timespec deadline = LoadBudget::deadline();
     // Asked before the lock too, which the thread that writes the merged file holds.
@@ -687,13 +687,13 @@ bool AbstractFileOperator::loadFile() {
         SectionLock lock(m_criticalSection);
         m_criticalSection.limitWaits(deadline);
         if (checkReloadFile() && m_loaded) {
-            DM_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
+            TD_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
             return true;
         }
         if (!m_otaLoading)
             return loadFromFiles();
     }
-    DM_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
+    TD_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
     logWhere();
     return false;
 }
@@ -772,7 +772,7 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         Reading reading = Reading::TryNext;
         if (loadSummary(mode, fatal)) {
             m_loadMode = mode;
-            DM_INFO("Ready to load contents in [%s] ...\n", getLoadMode(mode));
+            TD_INFO("Ready to load contents in [%s] ...\n", getLoadMode(mode));
             reading = readCopy(mode);
         }
         if (reading == Reading::Done)
@@ -799,19 +799,19 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
         }
         mode = stateChanged(mode);
         if (mode == INVALID_LOAD) {
-            DM_ERROR("load file [%s] failed.\n", m_path.load());
+            TD_ERROR("load file [%s] failed.\n", m_path.load());
             logWhere();
             return false;
         }
     }
-    DM_INFO("load file [%s] completely, cache data size = %d, elpased time = %d (ms).\n", m_path.load(), m_dataSize,
+    TD_INFO("load file [%s] completely, cache data size = %d, elpased time = %d (ms).\n", m_path.load(), m_dataSize,
             elapsedMilliseconds());
     if (m_loadMode == NORMAL_LOAD)
         return true;
-    DM_INFO("it is necessary to switch to NORMAL_LOAD.\n");
+    TD_INFO("it is necessary to switch to NORMAL_LOAD.\n");
     if (switchToNormal())
         return true;
-    DM_WARNING("switch to normal load failed.\n");
+    TD_WARNING("switch to normal load failed.\n");
     logWhere();
     return false;
 }
@@ -819,14 +819,14 @@ bool AbstractFileOperator::loadFirstGoodCopy() {
 bool AbstractFileOperator::staysUnread() const {
     if (m_readError == 0 || m_readError == EIO)
         return false;
-    DM_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(), std::strerror(m_readError));
+    TD_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(), std::strerror(m_readError));
     logWhere();
     return true;
 }
 
 /// Nothing is recovered, merged or written meanwhile.
 bool AbstractFileOperator::serveFromMemory() {
-    DM_WARNING("[%s]: another process keeps the lock of file [%s], so the first good copy is read without it, and "
+    TD_WARNING("[%s]: another process keeps the lock of file [%s], so the first good copy is read without it, and "
                "nothing is written before the lock can be had.\n",
                categoryName(), m_fileName);
     for (const _LOAD_FILE_MODE mode : {NORMAL_LOAD, BACKUP_LOAD, MANUFACTORY_LOAD}) {
@@ -835,14 +835,14 @@ bool AbstractFileOperator::serveFromMemory() {
         m_otaLoading = false;
         if (!read)
             continue;
-        DM_INFO("load file [%s] without its lock.\n", m_path.load());
+        TD_INFO("load file [%s] without its lock.\n", m_path.load());
         closeFile();
         m_loadMode = NORMAL_LOAD;
         setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
         m_servesMemory = true;
         return true;
     }
-    DM_ERROR("load file [%s] failed.\n", m_path.load());
+    TD_ERROR("load file [%s] failed.\n", m_path.load());
     return false;
 }
 
@@ -860,12 +860,12 @@ bool AbstractFileOperator::loadAgain() {
     if (FileUtil::isStray(current.c_str())) {
         if (!FileUtil::moveAside(current.c_str(), aside))
             return false;
-        DM_WARNING("[%s]: [%s] was moved out of the way and is [%s] now.\n", categoryName(), current.c_str(),
+        TD_WARNING("[%s]: [%s] was moved out of the way and is [%s] now.\n", categoryName(), current.c_str(),
                    aside.c_str());
     }
     if (!loadFromFiles() || m_servesMemory)
         return false;
-    DM_INFO("[%s]: file [%s] is loaded again.\n", categoryName(), m_path.load());
+    TD_INFO("[%s]: file [%s] is loaded again.\n", categoryName(), m_path.load());
     return true;
 }
 
@@ -885,14 +885,14 @@ void AbstractFileOperator::tryAgain() {
         done = done && writeFailed();
     } catch (const std::exception& error) {
         done = false;
-        DM_WARNING("unexpected exception: %s\n", error.what());
+        TD_WARNING("unexpected exception: %s\n", error.what());
     }
     const int cause = done ? 0 : errno != 0 ? errno : EIO;
     if (done && hadFailed) {
-        DM_INFO("[%s]: what could not be written to file [%s] is written now.\n", categoryName(), m_path.load());
+        TD_INFO("[%s]: what could not be written to file [%s] is written now.\n", categoryName(), m_path.load());
         setBackupReq(true);
     } else if (!done && cause != m_retryError) {
-        DM_WARNING("[%s]: what was stored is not in file [%s] yet (%s), it is tried again from time to time.\n",
+        TD_WARNING("[%s]: what was stored is not in file [%s] yet (%s), it is tried again from time to time.\n",
                    categoryName(), m_path.load(), std::strerror(cause));
     }
     m_retryError = cause;
@@ -917,20 +917,20 @@ AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mod
         return readForMerge();
     if (!loadContents()) {
         noteIfUnreadable();
-        DM_WARNING("load contents from file [%s] failed.\n", m_path.load());
+        TD_WARNING("load contents from file [%s] failed.\n", m_path.load());
         logWhere();
         return mode == MANUFACTORY_LOAD ? Reading::Failed : Reading::TryNext;
     }
     if (mode == NORMAL_LOAD)
         return Reading::Done;
     if (mode == MANUFACTORY_LOAD)
-        DM_INFO("load file [%s] completely.\n", m_path.load());
+        TD_INFO("load file [%s] completely.\n", m_path.load());
     closeFile();
     if (recoverFile())
         return Reading::Done;
     const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
     if (FileUtil::isStray(current.c_str())) {
-        DM_WARNING("[%s]: file [%s] cannot be made where something else stands, so its values are served from memory, "
+        TD_WARNING("[%s]: file [%s] cannot be made where something else stands, so its values are served from memory, "
                    "and nothing is written before that has gone.\n",
                    categoryName(), current.c_str());
         m_servesMemory = true;
@@ -939,7 +939,7 @@ AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mod
         return Reading::Done;
     }
     if (mode == MANUFACTORY_LOAD) {
-        DM_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_path.load());
+        TD_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_path.load());
         logWhere();
     }
     return Reading::Failed;
@@ -948,24 +948,24 @@ AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mod
 // --- merging a copy of another version ---
 
 AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
-    DM_INFO("#################### load OTA data flow begin. ###################.\n");
-    DM_INFO("1. load contents from file [%s] ...\n", m_path.load());
+    TD_INFO("#################### load OTA data flow begin. ###################.\n");
+    TD_INFO("1. load contents from file [%s] ...\n", m_path.load());
     if (!loadContents()) {
-        DM_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        TD_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_path.load());
         logWhere();
         return Reading::Failed;
     }
     closeFile();
-    DM_INFO("load contents from file [%s] completely elpased time = %d (ms).\n", m_path.load(), elapsedMilliseconds());
-    DM_INFO("load manufactory data file completely.\n");
+    TD_INFO("load contents from file [%s] completely elpased time = %d (ms).\n", m_path.load(), elapsedMilliseconds());
+    TD_INFO("load manufactory data file completely.\n");
 
-    DM_INFO("2. load current data file in OTA mode ... \n");
+    TD_INFO("2. load current data file in OTA mode ... \n");
     if (loadCurrentFile() || (m_readError != 0 && loadCurrentFile())) {
-        DM_INFO("load current data file in OTA mode completely \n");
+        TD_INFO("load current data file in OTA mode completely \n");
     } else {
         if (staysUnread())
             return Reading::Failed;
-        DM_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
+        TD_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
         logWhere();
         if (!mergeBackup() && !(m_readError != 0 && mergeBackup())) {
             if (staysUnread() || !readFactoryTable())
@@ -980,24 +980,24 @@ AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
 
 bool AbstractFileOperator::loadCurrentFile() {
     const SectionStep step(m_criticalSection);
-    DM_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n",
+    TD_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n",
             (getWorkPath(NORMAL_LOAD) + m_fileName).c_str());
     m_versionCheck = false;
     if (!switchToNormal()) {
-        DM_WARNING("switch to normal failed when load OTA data.\n");
+        TD_WARNING("switch to normal failed when load OTA data.\n");
         logWhere();
         return false;
     }
     // A copy that ends before its checksum has not been verified and has nothing to merge.
     if (m_crcLineLength == 0 || !loadContents_OTA()) {
         noteIfUnreadable();
-        DM_WARNING("load contents from file [%s] failed when load OTA data.\n", m_path.load());
+        TD_WARNING("load contents from file [%s] failed when load OTA data.\n", m_path.load());
         logWhere();
         closeFile();
         return false;
     }
     closeFile();
-    DM_INFO("loading current file [%s] completely when load OTA data.  \n", m_path.load());
+    TD_INFO("loading current file [%s] completely when load OTA data.  \n", m_path.load());
     return true;
 }
 
@@ -1011,7 +1011,7 @@ bool AbstractFileOperator::mergeBackup() {
         noteIfUnreadable();
         return false;
     }
-    DM_INFO("load backup data file [%s] in OTA mode completely \n", backup.c_str());
+    TD_INFO("load backup data file [%s] in OTA mode completely \n", backup.c_str());
     return true;
 }
 
@@ -1032,11 +1032,11 @@ void AbstractFileOperator::startMergeThread() {
         m_mergeThread = handle;
     } else {
         m_criticalSection.keepFiles(false);
-        DM_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
+        TD_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
         logWhere();
         writeMerged();
     }
-    DM_INFO("#################### load OTA data flow end. ###################.\n");
+    TD_INFO("#################### load OTA data flow end. ###################.\n");
 }
 
 void* AbstractFileOperator::mergeProc(void* self) {
@@ -1051,7 +1051,7 @@ void AbstractFileOperator::writeMerged() {
     try {
         createFileProc(this);
     } catch (...) {
-        DM_ERROR("create file (%s) failed when load OTA data.\n", m_path.load());
+        TD_ERROR("create file (%s) failed when load OTA data.\n", m_path.load());
         logWhere();
         m_mergeUnwritten = true;
         m_versionCheck = true;
@@ -1065,28 +1065,28 @@ void* AbstractFileOperator::createFileProc(void* self) TD_NO_THREAD_SAFETY_ANALY
     if (op == nullptr || op->m_parent == nullptr)
         return nullptr;
     const SectionStep step(op->m_criticalSection);
-    DM_INFO("################### start to create new current file in OTA mode ... ###################.\n");
-    DM_INFO("@@@@@ start background thread to create NEW current file (%s) when load OTA data.\n", op->m_path.load());
+    TD_INFO("################### start to create new current file in OTA mode ... ###################.\n");
+    TD_INFO("@@@@@ start background thread to create NEW current file (%s) when load OTA data.\n", op->m_path.load());
     op->createFile();
     op->m_otaLoading = false;
-    DM_INFO("@@@@@ background thread terminal to create NEW current file (%s) when load OTA data.\n",
+    TD_INFO("@@@@@ background thread terminal to create NEW current file (%s) when load OTA data.\n",
             op->m_path.load());
     return nullptr;
 }
 
 bool AbstractFileOperator::createFile() {
     const SectionStep step(m_criticalSection);
-    DM_INFO("start to create NEW current file (%s) when load OTA data.\n", m_path.load());
+    TD_INFO("start to create NEW current file (%s) when load OTA data.\n", m_path.load());
     m_mergeUnwritten = !writeNewFile(false);
     if (m_mergeUnwritten) {
         // The current copy is still of the other version: read again, it has to be merged again.
         m_versionCheck = true;
         m_pending->mergeFailed();
-        DM_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
+        TD_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
         logWhere();
         return false;
     }
-    DM_INFO("#################### load OTA data flow end. ###################.\n");
+    TD_INFO("#################### load OTA data flow end. ###################.\n");
     return true;
 }
 
@@ -1121,7 +1121,7 @@ bool AbstractFileOperator::switchToNormal() {
     // Only a load may begin a merge: nobody would write the file here and end it.
     m_otaLoading = merging;
     if (!loaded) {
-        DM_WARNING("Load summary from current file [%s] failed.\n", m_path.load());
+        TD_WARNING("Load summary from current file [%s] failed.\n", m_path.load());
         logWhere();
     }
     return loaded;
@@ -1134,7 +1134,7 @@ bool AbstractFileOperator::switchToManufactory() {
     bool fatal = false;
     const bool loaded = loadSummary(MANUFACTORY_LOAD, fatal);
     if (!loaded) {
-        DM_WARNING("Load summary from manufactory file [%s] failed.\n", m_path.load());
+        TD_WARNING("Load summary from manufactory file [%s] failed.\n", m_path.load());
         logWhere();
     }
     return loaded;
@@ -1145,12 +1145,12 @@ bool AbstractFileOperator::loadFile(const char* path) {
     const std::string before = m_path.load();
     bool loaded = loadSummary(path);
     if (!loaded) {
-        DM_WARNING("load summary failed from file [%s].\n", textOrEmpty(path));
+        TD_WARNING("load summary failed from file [%s].\n", textOrEmpty(path));
         logWhere();
     } else {
         loaded = loadTable(Stores::Dropped, [this]() TD_REQUIRES(m_criticalSection) { return loadContents(); });
         if (!loaded) {
-            DM_WARNING("load contents failed from file [%s].\n", path);
+            TD_WARNING("load contents failed from file [%s].\n", path);
             logWhere();
         }
     }
@@ -1161,15 +1161,15 @@ bool AbstractFileOperator::loadFile(const char* path) {
 
 bool AbstractFileOperator::refreshDataFromManufactory() {
     SectionLock lock(m_criticalSection);
-    DM_INFO("Load file from manufactory.\n");
+    TD_INFO("Load file from manufactory.\n");
     const bool loaded = loadTable(Stores::Dropped, [this]() TD_REQUIRES(m_criticalSection) {
         return switchToManufactory() && m_file.setPos(contentPosition()) && loadContents();
     });
     if (loaded) {
-        DM_INFO("Load file from manufactory successfully.\n");
+        TD_INFO("Load file from manufactory successfully.\n");
         tableRefreshed();
     } else {
-        DM_WARNING("Load file from manufactory failed.\n");
+        TD_WARNING("Load file from manufactory failed.\n");
         logWhere();
     }
     switchToNormal();
@@ -1179,14 +1179,14 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
 
 bool AbstractFileOperator::refreshDataFromCurrent() {
     SectionLock lock(m_criticalSection);
-    DM_INFO("Load file from manufactory.\n");
+    TD_INFO("Load file from manufactory.\n");
     const bool loaded = loadTable(Stores::Dropped, [this]() TD_REQUIRES(m_criticalSection) {
         return openCurrent() && m_file.setPos(contentPosition()) && loadContents();
     });
     if (loaded)
-        DM_INFO("Load file from manufactory successfully.\n");
+        TD_INFO("Load file from manufactory successfully.\n");
     else {
-        DM_WARNING("Load file from manufactory failed.\n");
+        TD_WARNING("Load file from manufactory failed.\n");
         logWhere();
     }
     closeIfReleased();
@@ -1216,7 +1216,7 @@ bool AbstractFileOperator::resetForLoadFile() {
     SectionLock lock(m_criticalSection);
     m_loaded = false;
     closeFile();
-    DM_INFO("@@@@@@@@@@ close file [%s] when reset \n", m_path.load());
+    TD_INFO("@@@@@@@@@@ close file [%s] when reset \n", m_path.load());
     return true;
 }
 
@@ -1230,7 +1230,7 @@ bool AbstractFileOperator::initFile(bool defaults) {
 bool AbstractFileOperator::writeNewFile(bool defaults) {
     takeFiles();
     if (m_criticalSection.filesUnsure()) {
-        DM_WARNING("create file [%s] failed, for another process is at work on it.\n", m_fileName);
+        TD_WARNING("create file [%s] failed, for another process is at work on it.\n", m_fileName);
         return false;
     }
     closeFile();
@@ -1239,24 +1239,24 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     const std::string directory = getWorkPath(NORMAL_LOAD);
     const std::string path = directory + m_fileName;
     setPath(path);
-    DM_INFO("======================= start to init file =====================\n");
-    DM_INFO("init file [%s] ...\n", path.c_str());
+    TD_INFO("======================= start to init file =====================\n");
+    TD_INFO("init file [%s] ...\n", path.c_str());
     if (!FileUtil::checkPath(directory.c_str(), true)) {
-        DM_WARNING("init failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        TD_WARNING("init failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
         logWhere();
         return false;
     }
     if (!makeRoom(path))
         return false;
     if (defaults && FileUtil::checkFile(path.c_str())) {
-        DM_WARNING("init failed -- file [%s] exist.\n", path.c_str());
+        TD_WARNING("init failed -- file [%s] exist.\n", path.c_str());
         logWhere();
         return false;
     }
     const std::string temporary = path + FileUtil::TEMPORARY_SUFFIX;
     FileUtil::makeWay(temporary.c_str());
     if (!openFile(temporary, "w+x")) {
-        DM_WARNING("create file [%s] failed.\n", path.c_str());
+        TD_WARNING("create file [%s] failed.\n", path.c_str());
         logWhere();
         return false;
     }
@@ -1264,7 +1264,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
     bool written = writeWholeText(defaults) && m_file.takeModeAndOwner(path.c_str());
     closeFile();
     written = written && FileUtil::commitTemporary(temporary.c_str(), path.c_str());
-    DM_INFO("init file [%s] completely, elpased time = %d (ms).\n", path.c_str(), elapsedMilliseconds());
+    TD_INFO("init file [%s] completely, elpased time = %d (ms).\n", path.c_str(), elapsedMilliseconds());
     if (!written) {
         logWhere();
         FileUtil::removeSingleFile(temporary.c_str());
@@ -1300,22 +1300,22 @@ struct AbstractFileOperator::CreatingScope {
 bool AbstractFileOperator::writeWholeText(bool defaults) {
     const CreatingScope creating(*this);
     if (!m_file.resetStartPos()) {
-        DM_WARNING("reset file position of [%s] failed.\n", m_path.load());
+        TD_WARNING("reset file position of [%s] failed.\n", m_path.load());
         return false;
     }
     forgetLengths();
     if (!buildComments()) {
-        DM_WARNING("write file comments to file [%s] failed.\n", m_path.load());
+        TD_WARNING("write file comments to file [%s] failed.\n", m_path.load());
         logWhere();
         return false;
     }
     if (!buildSummary(true)) {
-        DM_WARNING("write file summary to file [%s] failed.\n", m_path.load());
+        TD_WARNING("write file summary to file [%s] failed.\n", m_path.load());
         logWhere();
         return false;
     }
     if (!buildContents(defaults)) {
-        DM_WARNING("write file contents to file [%s] failed.\n", m_path.load());
+        TD_WARNING("write file contents to file [%s] failed.\n", m_path.load());
         logWhere();
         return false;
     }
@@ -1325,29 +1325,29 @@ bool AbstractFileOperator::writeWholeText(bool defaults) {
 bool AbstractFileOperator::recoverFile() {
     const SectionStep step(m_criticalSection);
     if (m_loadMode == NORMAL_LOAD) {
-        DM_INFO("current load mode [%s] is 'NORMAL_LOAD' and needn't recover file.\n", getLoadMode(m_loadMode));
+        TD_INFO("current load mode [%s] is 'NORMAL_LOAD' and needn't recover file.\n", getLoadMode(m_loadMode));
         return true;
     }
     if (m_loadMode != BACKUP_LOAD && m_loadMode != MANUFACTORY_LOAD) {
-        DM_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(m_loadMode));
+        TD_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(m_loadMode));
         logWhere();
         return false;
     }
     takeFiles();
-    DM_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(m_loadMode));
+    TD_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(m_loadMode));
     const std::string directory = getWorkPath(NORMAL_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
-        DM_WARNING("recover failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        TD_WARNING("recover failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
         logWhere();
         return false;
     }
     const std::string target = directory + m_fileName;
     if (hasReadableSize(m_path) && makeRoom(target) && FileUtil::replaceFile(m_path, target.c_str())) {
         m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
-        DM_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
+        TD_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
         return true;
     }
-    DM_WARNING("recover file [%s] from file [%s] failed.\n", target.c_str(), m_path.load());
+    TD_WARNING("recover file [%s] from file [%s] failed.\n", target.c_str(), m_path.load());
     logWhere();
     return false;
 }
@@ -1355,14 +1355,14 @@ bool AbstractFileOperator::recoverFile() {
 bool AbstractFileOperator::backupFile(bool alsoFactory) {
     const SectionStep step(m_criticalSection);
     if (m_loadMode != NORMAL_LOAD) {
-        DM_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(m_loadMode));
+        TD_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(m_loadMode));
         logWhere();
         return false;
     }
     takeFiles();
     const std::string directory = getWorkPath(BACKUP_LOAD);
     if (!FileUtil::checkPath(directory.c_str(), true)) {
-        DM_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
+        TD_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
         logWhere();
         return false;
     }
@@ -1373,28 +1373,28 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
         closeFile();
     unsigned int stored = 0;
     if (readStoredChecksum(backup.c_str(), stored) && stored == m_crc) {
-        DM_INFO("Backup file crc code [%s] is the same as current file and NEEDN'T generate backup file.\n",
+        TD_INFO("Backup file crc code [%s] is the same as current file and NEEDN'T generate backup file.\n",
                 backup.c_str());
         return true;
     }
     // Invariant 1: only a current copy that verifies goes over the backup.
     if (!fileVerifies(current.c_str(), nullptr) || !makeRoom(backup) ||
         !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
-        DM_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
+        TD_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
         logWhere();
         return true;
     }
     m_backupOutdated = false;
     if (enableDebugLog() != 0)
-        DM_DETAIL("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
+        TD_DETAIL("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
     if (!alsoFactory)
         return true;
     const std::string factory = getWorkPath(MANUFACTORY_LOAD) + m_fileName;
     if (!isNoFile(factory) && FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
         FileUtil::replaceFile(current.c_str(), factory.c_str()))
-        DM_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
+        TD_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
     else {
-        DM_WARNING("create file [%s] from file [%s] failed.\n", factory.c_str(), current.c_str());
+        TD_WARNING("create file [%s] from file [%s] failed.\n", factory.c_str(), current.c_str());
         logWhere();
     }
     return true;
@@ -1418,7 +1418,7 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
     } else {
         logWhere();
     }
-    DM_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
+    TD_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
     return true;
 }
 
@@ -1450,7 +1450,7 @@ bool AbstractFileOperator::removeCopy(const std::string& path) {
     setPath(path);
     if (FileUtil::removeSingleFile(path.c_str()) == 0)
         return true;
-    DM_WARNING("remove file [%s] failed.\n", path.c_str());
+    TD_WARNING("remove file [%s] failed.\n", path.c_str());
     logWhere();
     return false;
 }
@@ -1471,7 +1471,7 @@ bool AbstractFileOperator::buildSummary(bool withHeader) {
 
 AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
     if (id == nullptr || !m_file.isOpend() || !m_file.resetStartPos()) {
-        DM_WARNING("reset file [%s] pointer to start pos failed when searchSection(%s).\n", m_path.load(),
+        TD_WARNING("reset file [%s] pointer to start pos failed when searchSection(%s).\n", m_path.load(),
                    textOrEmpty(id));
         logWhere();
         return Found::Failed;
@@ -1488,7 +1488,7 @@ AbstractFileOperator::Found AbstractFileOperator::scanFor(const char* id) {
         if (std::strcmp(line, id) == 0)
             return Found::Yes;
         if (enableDebugLog() != 0)
-            DM_DETAIL("[READ LINE]: %s", line);
+            TD_DETAIL("[READ LINE]: %s", line);
     }
     return m_file.reachEnd() ? Found::EndOfFile : Found::Failed;
 }
@@ -1500,19 +1500,19 @@ bool AbstractFileOperator::searchSectionId(const char* id) {
 
 bool AbstractFileOperator::updateSummary() {
     const SectionStep step(m_criticalSection);
-    DM_INFO("update summary info for file [%s] ...\n", m_path.load());
+    TD_INFO("update summary info for file [%s] ...\n", m_path.load());
     takeFiles();
     // The lines are rewritten in place, so the ones that stand there must have the written widths (invariant 3).
     if ((!m_creating && !openCurrent()) || scanFor(text::SUMMARY_HEADER) != Found::Yes ||
         m_summaryLength != text::SUMMARY_LENGTH) {
-        DM_WARNING("Update summay info for file [%s] failed because of finding section ID [%s] failed.\n",
+        TD_WARNING("Update summay info for file [%s] failed because of finding section ID [%s] failed.\n",
                    m_path.load(), text::SUMMARY_HEADER);
         logWhere();
         return false;
     }
     unsigned int crc = 0;
     if (!contentChecksum(crc)) {
-        DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        TD_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
         logWhere();
         return false;
     }
@@ -1520,7 +1520,7 @@ bool AbstractFileOperator::updateSummary() {
     const int linesPosition = static_cast<int>(m_commentText.size() + std::strlen(text::SUMMARY_HEADER));
     const bool written = m_file.setPos(linesPosition) && buildSummary(false);
     if (!written) {
-        DM_WARNING("Update summay info for file [%s] failed because writting.\n", m_path.load());
+        TD_WARNING("Update summay info for file [%s] failed because writting.\n", m_path.load());
         logWhere();
     }
     if (!m_creating) {
@@ -1538,7 +1538,7 @@ bool AbstractFileOperator::updateCrcCode() {
     takeFiles();
     const bool opened = openCurrent();
     if (!opened) {
-        DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+        TD_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
         logWhere();
     }
     const bool updated = opened && rewriteChecksumLine();
@@ -1571,7 +1571,7 @@ bool AbstractFileOperator::writeSections() {
                     checksumAfter(m_open.path, m_redo, m_redo.crc)) &&
                    storeRedo(m_open.path, m_redo);
     if (!m_redoStored)
-        DM_INFO("no redo record for file [%s], the store goes on without.\n", m_open.path.c_str());
+        TD_INFO("no redo record for file [%s], the store goes on without.\n", m_open.path.c_str());
     // Whoever put the file in its place may have ended before the directory was on the disk.
     if (!m_nameSynced)
         m_nameSynced = FileUtil::syncPath(getWorkPath(NORMAL_LOAD).c_str()) &&
@@ -1598,12 +1598,12 @@ bool AbstractFileOperator::writeSections() {
 bool AbstractFileOperator::rewriteChecksumLine() {
     unsigned int crc = m_redo.crc;
     if (!m_redoStored && !contentChecksum(crc)) {
-        DM_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
+        TD_WARNING("Update summay info for file [%s] failed because of crc code.\n", m_path.load());
         logWhere();
         return false;
     }
     if (m_crcLineLength != text::CRC_LINE_LENGTH || !m_file.setPos(m_crcPosition)) {
-        DM_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
+        TD_WARNING("Update summay info for file [%s] failed because of set pos.\n", m_path.load());
         logWhere();
         return false;
     }
@@ -1629,16 +1629,16 @@ bool hasChecksumLine(const Summary& summary, SummaryState state) {
     switch (state) {
     case SummaryState::NotReadable:
     case SummaryState::BadHeader:
-        DM_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
+        TD_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadTvType:
-        DM_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
+        TD_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::BadVersion:
-        DM_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
+        TD_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
         return false;
     case SummaryState::EndOfFile:
-        DM_WARNING("read line failed for tv %s.\n", !summary.hasTvType    ? "type"
+        TD_WARNING("read line failed for tv %s.\n", !summary.hasTvType    ? "type"
                                                     : !summary.hasVersion ? "version"
                                                                           : "crc");
         return false;
@@ -1648,7 +1648,7 @@ bool hasChecksumLine(const Summary& summary, SummaryState state) {
     }
     if (summary.crcLineLength == text::CRC_LINE_LENGTH)
         return true;
-    DM_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
+    TD_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
     return false;
 }
 
@@ -1669,15 +1669,15 @@ bool rewriteCrcOf(FileUtil& file, const char* path) {
         return false;
     unsigned int crc = 0;
     if (!contentChecksum(path, summary.contentPosition(), crc)) {
-        DM_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
+        TD_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
         return false;
     }
     if (!file.setPos(summary.crcPosition)) {
-        DM_WARNING("Failed to set pos when write CRC code of data file [%s].\n", path);
+        TD_WARNING("Failed to set pos when write CRC code of data file [%s].\n", path);
         return false;
     }
     if (!file.writeFile(text::crcLine(crc).c_str(), true)) {
-        DM_WARNING("Failed to write CRC code of data file [%s].\n", path);
+        TD_WARNING("Failed to write CRC code of data file [%s].\n", path);
         return false;
     }
     return true;
@@ -1688,14 +1688,14 @@ bool rewriteCrcOf(FileUtil& file, const char* path) {
 bool AbstractFileOperator::generateCRC32(const char* path) {
     const NoCancel noCancel;
     if (path == nullptr || !FileUtil::checkFile(path)) {
-        DM_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
+        TD_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
         return false;
     }
     const std::string name = path;
     const std::string lockFile = paths::lockFile(name.substr(name.find_last_of('/') + 1));
     FileLock lock;
     if (!takeFilesOf(lockFile, lock)) {
-        DM_WARNING("the lock of file [%s] cannot be had now, so its CRC code stays as it is.\n", path);
+        TD_WARNING("the lock of file [%s] cannot be had now, so its CRC code stays as it is.\n", path);
         return false;
     }
     CRC32Util::instance()->init_crc_table();
@@ -1705,12 +1705,12 @@ bool AbstractFileOperator::generateCRC32(const char* path) {
     if (redoIsPending(name))
         replayRedo(name, ended, &failure);
     if (failure != 0) {
-        DM_WARNING("a store in file [%s] was cut short and could not be ended.\n", path);
+        TD_WARNING("a store in file [%s] was cut short and could not be ended.\n", path);
         return false;
     }
     FileUtil file;
     if (!file.openFile(path, "r+")) {
-        DM_WARNING("open file [%s] failed.\n", path);
+        TD_WARNING("open file [%s] failed.\n", path);
         return false;
     }
     return rewriteCrcOf(file, path);

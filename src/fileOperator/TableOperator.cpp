@@ -85,12 +85,12 @@ void TableOperator::logIndices(DebugOutput::Level level, const char* format, con
 bool TableOperator::checkRequest(const std::vector<int>& dims) const {
     const int expected = m_layout.dimensionCount();
     if (static_cast<int>(dims.size()) != expected) {
-        DM_WARNING("The dimensions size [%d] is invalid ,expected size is: %d.\n", static_cast<int>(dims.size()),
+        TD_WARNING("The dimensions size [%d] is invalid ,expected size is: %d.\n", static_cast<int>(dims.size()),
                    expected);
         return false;
     }
     if (!m_layout.accepts(dims.data())) {
-        DM_WARNING("The dimension value is invalid.\n");
+        TD_WARNING("The dimension value is invalid.\n");
         return false;
     }
     return true;
@@ -114,7 +114,7 @@ bool TableOperator::loadData(const std::vector<int>& dims, std::vector<_Argument
 
 bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_Argument_t>& args) {
     if (!getStoreFileFlag()) {
-        DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+        TD_INFO("store flag is false (maybe in store mode), so discard this request.\n");
         return true;
     }
     TimeUtil::instance()->start();
@@ -128,7 +128,7 @@ bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_A
         SectionLock lock(m_criticalSection);
         // Again: whoever forbade storing meanwhile has dropped what was pending, and this would come after it.
         if (!getStoreFileFlag()) {
-            DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+            TD_INFO("store flag is false (maybe in store mode), so discard this request.\n");
             return true;
         }
         const int record = m_layout.recordIndex(dims.data());
@@ -140,13 +140,13 @@ bool TableOperator::storeData(const std::vector<int>& dims, const std::vector<_A
         if (changed)
             postRecord(dims.data(), fields);
         else
-            DM_INFO("No field value is changed,so NEEDN'T store.\n");
+            TD_INFO("No field value is changed,so NEEDN'T store.\n");
         logIndices(DebugOutput::Level::Info, messages.updated, dims);
         dumpRecord(dims.data());
     }
     TimeUtil::instance()->end();
     if (messages.completed != nullptr)
-        DM_INFO(messages.completed, TimeUtil::instance()->getElapsed());
+        TD_INFO(messages.completed, TimeUtil::instance()->getElapsed());
     if (m_layout.applyFlag != nullptr && getApplySettingFlag(PICTURE_GLOBAL, m_layout.applyFlag))
         applySettingForAllSources(dims);
     return true;
@@ -164,7 +164,7 @@ void TableOperator::getFields(const int* record, std::vector<_Argument_t>& args)
         if (field != nullptr)
             argument.value = record[field->position];
         else
-            DM_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
+            TD_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
     }
 }
 
@@ -173,7 +173,7 @@ std::uint64_t TableOperator::putFields(const std::vector<_Argument_t>& args, int
     for (const _Argument_t& argument : args) {
         const Field* field = m_names.find(argument.name);
         if (field == nullptr) {
-            DM_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
+            TD_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
             continue;
         }
         named |= PendingStores::fieldAt(field->position);
@@ -191,7 +191,7 @@ void TableOperator::putField(const char* key, int value, int* record) const {
     if (field != nullptr)
         record[field->position] = value;
     else if (!byKey)
-        DM_WARNING("The field [%s] is invalid for this version.\n", textOrEmpty(key));
+        TD_WARNING("The field [%s] is invalid for this version.\n", textOrEmpty(key));
 }
 
 void TableOperator::dumpRecord(const int* indices) {
@@ -206,7 +206,7 @@ void TableOperator::dumpRecord(const int* indices) {
         line += " = " + std::to_string(record[field.position]);
         separator = ", ";
     }
-    DM_DETAIL("%s%s", line.c_str(), m_layout.dumpEnd);
+    TD_DETAIL("%s%s", line.c_str(), m_layout.dumpEnd);
 }
 
 void TableOperator::dumpId(const int* indices) {
@@ -312,7 +312,7 @@ bool TableOperator::restoreSettingFromCurrent(const std::vector<int>& dims) {
         return false;
     SectionLock lock(m_criticalSection);
     if (!loadDataFromCurrentFile(dims)) {
-        DM_WARNING(m_layout.restoreFromCurrentFailed, getFileFullPath());
+        TD_WARNING(m_layout.restoreFromCurrentFailed, getFileFullPath());
         logWhere();
         return false;
     }
@@ -326,14 +326,14 @@ bool TableOperator::loadDataFromManufactoryFile(const std::vector<int>& dims) {
     dumpId(dims.data());
     if (!m_factoryVerified && !switchToManufactory())
         return false;
-    DM_INFO("Load data from file [%s] when restore setting\n", getFileFullPath());
+    TD_INFO("Load data from file [%s] when restore setting\n", getFileFullPath());
     return readSectionAt(dims);
 }
 
 bool TableOperator::loadDataFromCurrentFile(const std::vector<int>& dims) {
     const SectionStep step(m_criticalSection);
     const bool opened = openCurrent();
-    DM_INFO("Load data from file [%s] when restore setting from current.\n", getFileFullPath());
+    TD_INFO("Load data from file [%s] when restore setting from current.\n", getFileFullPath());
     const bool read = opened && readSectionAt(dims);
     closeIfReleased();
     return read;
@@ -343,7 +343,7 @@ bool TableOperator::readSectionAt(const std::vector<int>& dims) {
     if (!searchSectionId(dims))
         return false;
     if (!sectionIsInFile() || !keysMatch() || !readRecord(recordAt(m_layout.recordIndex(dims.data())))) {
-        DM_WARNING("dimension info %s is not matched , maybe the file content is not completed !!!\n",
+        TD_WARNING("dimension info %s is not matched , maybe the file content is not completed !!!\n",
                    idText(dims.data()).c_str());
         logWhere();
         return false;
@@ -423,7 +423,7 @@ bool TableOperator::restoreChanged(const std::vector<int>& dims) {
     const int given = m_layout.recordIndex(dims.data());
     for (AxisSweep sweep(m_layout, dims.data(), m_layout.restoreForAllSources.axes); !sweep.done(); sweep.next()) {
         if (!factory.load(sweep.indices())) {
-            DM_WARNING("Load data from file [%s] failed when restore setting\n", m_layout.file);
+            TD_WARNING("Load data from file [%s] failed when restore setting\n", m_layout.file);
             logWhere();
             closeIfReleased();
             return false;
@@ -458,11 +458,11 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
     if (!AbstractFileOperator::loadData(dims, none))
         return false;
     if (!getStoreFileFlag()) {
-        DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+        TD_INFO("store flag is false (maybe in store mode), so discard this request.\n");
         return true;
     }
     if (copy.startMessage != nullptr)
-        DM_INFO("%s", copy.startMessage);
+        TD_INFO("%s", copy.startMessage);
     TimeUtil::instance()->start();
     {
         SectionLock lock(m_criticalSection);
@@ -476,7 +476,7 @@ bool TableOperator::copyToOthers(const BulkCopy& copy, const std::vector<int>& d
         if (copy.writesAtOnce)
             setBackupReq(true);
     }
-    DM_INFO(copy.endMessage, elapsedMilliseconds());
+    TD_INFO(copy.endMessage, elapsedMilliseconds());
     return true;
 }
 
@@ -514,7 +514,7 @@ void TableOperator::addAtOnce(const int* indices) {
 void TableOperator::writeAtOnce() {
     // No checksum makes good what is not all written: that is left to the redo record, or to the backup.
     if (!writeSections()) {
-        DM_WARNING("write sections for file [%s] failed!\n", getFileFullPath());
+        TD_WARNING("write sections for file [%s] failed!\n", getFileFullPath());
         logWhere();
         return;
     }
@@ -639,12 +639,12 @@ bool TableOperator::writeSnapshot(const Event& event, const int* record, bool at
     dumpId(dims.data());
     takeFiles();
     if (!openCurrent()) {
-        DM_WARNING("open file [%s] failed for storing data.\n", getFileFullPath());
+        TD_WARNING("open file [%s] failed for storing data.\n", getFileFullPath());
         logWhere();
         return false;
     }
     if (!searchSectionId(dims) || !sectionIsInFile()) {
-        DM_WARNING("search dimension failed , maybe the file content is not completed !!!\n");
+        TD_WARNING("search dimension failed , maybe the file content is not completed !!!\n");
         logWhere();
         closeIfReleased();
         return false;
@@ -659,7 +659,7 @@ bool TableOperator::writeSnapshot(const Event& event, const int* record, bool at
         }
     }
     if (!added) {
-        DM_WARNING("write section %s for file [%s] failed!\n", idText(dims.data()).c_str(), getFileFullPath());
+        TD_WARNING("write section %s for file [%s] failed!\n", idText(dims.data()).c_str(), getFileFullPath());
         logWhere();
         if (!atOnce)
             writeEnded(false);
@@ -714,14 +714,14 @@ bool TableOperator::sectionIsInFile() {
 int TableOperator::formatId(const int* indices, char* out, int size) {
     const int length = text::formatSectionId(m_layout, indices, out, size);
     if (enableDebugLog() != 0)
-        DM_DETAIL("Section ID is: %s", out);
+        TD_DETAIL("Section ID is: %s", out);
     return length;
 }
 
 int TableOperator::formatContent(const int* record, char* out, int size) {
     const int length = text::formatSection(m_layout, record, out, size);
     if (enableDebugLog() != 0)
-        DM_DETAIL("section content:\n%s", out);
+        TD_DETAIL("section content:\n%s", out);
     return length;
 }
 
@@ -785,7 +785,7 @@ void TableOperator::appendSection(std::string& text, int record) {
         text += line;
     }
     if (!fits) {
-        DM_WARNING("write section %s for file [%s] failed!\n", idText(indices).c_str(), getFileFullPath());
+        TD_WARNING("write section %s for file [%s] failed!\n", idText(indices).c_str(), getFileFullPath());
         logWhere();
     }
 }
@@ -796,7 +796,7 @@ bool TableOperator::searchSectionId(const std::vector<int>& dims) {
     if (!checkRequest(dims))
         return false;
     if (!isLoaded()) {
-        DM_WARNING("search file [%s] failed when searchSection%s because of loading file not finished.\n",
+        TD_WARNING("search file [%s] failed when searchSection%s because of loading file not finished.\n",
                    getFileFullPath(), searchText(dims.data()).c_str());
         logWhere();
         return false;
@@ -805,7 +805,7 @@ bool TableOperator::searchSectionId(const std::vector<int>& dims) {
         contentPosition() + m_layout.headerLength() + m_layout.sectionLength() * m_layout.recordIndex(dims.data());
     if (m_file.setPos(position))
         return true;
-    DM_WARNING("set file [%s] to position [%d] bytes failed when searchSection%s.\n", getFileFullPath(), position,
+    TD_WARNING("set file [%s] to position [%d] bytes failed when searchSection%s.\n", getFileFullPath(), position,
                searchText(dims.data()).c_str());
     logWhere();
     return false;
@@ -868,20 +868,20 @@ bool TableOperator::loadSectionsByLine(int* indices) {
     char line[text::LINE_BUFFER];
     while (m_file.isOpend() && m_file.readLine(line, sizeof line)) {
         if (std::strchr(line, '[') == nullptr) {
-            DM_WARNING("read section [%s] from file [%s] failed, Maybe the file format is wrong !!!\n", line,
+            TD_WARNING("read section [%s] from file [%s] failed, Maybe the file format is wrong !!!\n", line,
                        getFileFullPath());
             return false;
         }
         if (!text::parseSectionId(m_layout, line, indices)) {
-            DM_WARNING("parse section [%s] for file [%s] failed.\n", line, getFileFullPath());
+            TD_WARNING("parse section [%s] for file [%s] failed.\n", line, getFileFullPath());
             return false;
         }
         if (!m_layout.accepts(indices)) {
-            DM_WARNING("The dimension value is invalid when load content.\n");
+            TD_WARNING("The dimension value is invalid when load content.\n");
             return false;
         }
         if (!readRecord(recordAt(m_layout.recordIndex(indices)))) {
-            DM_WARNING("read section [%s] from file [%s] failed, Maybe the file format is wrong !!!\n", line,
+            TD_WARNING("read section [%s] from file [%s] failed, Maybe the file format is wrong !!!\n", line,
                        getFileFullPath());
             return false;
         }
@@ -903,7 +903,7 @@ bool TableOperator::loadContents_OTA() {
         if (!atHeader)
             continue;
         if (!text::parseSectionId(m_layout, line, indices)) {
-            DM_WARNING("parse section [%s] for file [%s] failed.\n", line, getFileFullPath());
+            TD_WARNING("parse section [%s] for file [%s] failed.\n", line, getFileFullPath());
             return false;
         }
         // A section outside the ranges of this version is read and dropped (invariant 6).

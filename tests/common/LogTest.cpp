@@ -16,7 +16,7 @@ using test::LogCapture;
 TEST(Log, PrefixesTheLineWithItsOrigin) {
     const LogCapture log;
     const int line = __LINE__ + 1;
-    DM_WARNING("value %d of [%s]\n", 5, "name");
+    TD_WARNING("value %d of [%s]\n", 5, "name");
     ASSERT_EQ(log.lines().size(), 1U);
     EXPECT_EQ(log.lines()[0].level, DebugOutput::Level::Warning);
     EXPECT_EQ(log.lines()[0].text,
@@ -38,13 +38,13 @@ TEST(Log, MakesNoLineThatNobodyWants) {
     const LogCapture log;
     int evaluated = 0;
     DebugOutput::setLevel(DebugOutput::Level::Warning);
-    DM_INFO("%d", ++evaluated);
+    TD_INFO("%d", ++evaluated);
     TD_LOG(DebugOutput::Level::Debug, "%d", ++evaluated);
     EXPECT_EQ(evaluated, 0);
-    DM_ERROR("%d", ++evaluated);
+    TD_ERROR("%d", ++evaluated);
     EXPECT_EQ(evaluated, 1);
     DebugOutput::setLevel(DebugOutput::Level::Info);
-    DM_INFO("%d", ++evaluated);
+    TD_INFO("%d", ++evaluated);
     EXPECT_EQ(evaluated, 2);
     EXPECT_EQ(log.lines().size(), 2U);
 }

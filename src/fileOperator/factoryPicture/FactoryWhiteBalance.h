@@ -137,12 +137,12 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadContents() {
     m_bin = isBin(bin) ? bin : NO_BIN;
     if (factoryState) {
         m_bin = ALL_BINS;
-        DM_INFO("%s", m_messages.loadAllBins);
+        TD_INFO("%s", m_messages.loadAllBins);
     }
     // The file that a merge has yet to write holds all bins, whatever the state.
     if (factoryState || this->mergePending() || this->mergeUnwritten())
         return loadAllBins();
-    DM_INFO("load factory-wb data in simple mode in user state for bin -- [%d].\n", bin);
+    TD_INFO("load factory-wb data in simple mode in user state for bin -- [%d].\n", bin);
     m_inMemory.assign(m_inMemory.size(), false);
     forgetOtherBins();
     // A set in user state starts with what could be read of its bin.
@@ -165,11 +165,11 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadDataFromCurrentFile(int b
     if (!this->m_file.isOpend() && !this->openCurrent())
         return false;
     if (!isBin(bin)) {
-        DM_WARNING(" BIN [%d] is invalid when system starting and loading WB data from file [%s] in USER mode.\n", bin,
+        TD_WARNING(" BIN [%d] is invalid when system starting and loading WB data from file [%s] in USER mode.\n", bin,
                    this->getFileFullPath());
         return false;
     }
-    DM_INFO("  BIN is [%d] when when system starting and loading WB data from file [%s] in USER mode.\n", bin,
+    TD_INFO("  BIN is [%d] when when system starting and loading WB data from file [%s] in USER mode.\n", bin,
             this->getFileFullPath());
     const int first[whitebalance::AXIS_COUNT] = {bin, 0, 0, 0, 0};
     for (AxisSweep sweep(this->layoutOf(), first, ALL_OF_A_BIN); !sweep.done(); sweep.next()) {
@@ -186,16 +186,16 @@ bool FactoryWhiteBalance<Self, Record, EventType>::readSlot(const int* indices) 
     const int position = this->contentPosition() + layout.headerLength() + layout.sectionLength() * record;
     const std::string id = this->idText(indices);
     if (!this->m_file.setPos(position)) {
-        DM_WARNING("set file [%s] to position [%d] bytes failed when searchSection[%1x%1x%1x].\n",
+        TD_WARNING("set file [%s] to position [%d] bytes failed when searchSection[%1x%1x%1x].\n",
                    this->getFileFullPath(), position, static_cast<unsigned int>(indices[0]),
                    static_cast<unsigned int>(indices[1]), static_cast<unsigned int>(indices[2]));
-        DM_WARNING(" dimension info %s is not matched , maybe the file [%s] content is not completed !!!\n", id.c_str(),
+        TD_WARNING(" dimension info %s is not matched , maybe the file [%s] content is not completed !!!\n", id.c_str(),
                    this->getFileFullPath());
         this->logWhere();
         return false;
     }
     if (!this->readRecord(this->recordAt(record))) {
-        DM_WARNING(" read section %s from file [%s] failed, Maybe the file format is wrong!!!\n", id.c_str(),
+        TD_WARNING(" read section %s from file [%s] failed, Maybe the file format is wrong!!!\n", id.c_str(),
                    this->getFileFullPath());
         this->logWhere();
         return false;
@@ -232,7 +232,7 @@ template <class Self, class Record, class EventType>
 bool FactoryWhiteBalance<Self, Record, EventType>::completeRecord(const std::vector<int>& dims) {
     const std::size_t record = at(this->layoutOf().recordIndex(dims.data()));
     if (!loadDataFromCurrentFile(dims)) {
-        DM_WARNING("store to section %s is refused, for its other fields couldn't be read from file [%s].\n",
+        TD_WARNING("store to section %s is refused, for its other fields couldn't be read from file [%s].\n",
                    this->idText(dims.data()).c_str(), this->getFileFullPath());
         this->logWhere();
         return false;
@@ -305,7 +305,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadDataForGroup(const std::v
     if (!this->checkRequest(dims) ||
         !whitebalance::acceptsList(this->layoutOf(), whitebalance::COLOUR_TEMPERATURE, list, std::size(data[0])))
         return false;
-    DM_INFO("%s", m_messages.groupLoadStart);
+    TD_INFO("%s", m_messages.groupLoadStart);
     TimeUtil::instance()->start();
     {
         SectionLock lock(m_criticalSection);
@@ -319,7 +319,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadDataForGroup(const std::v
         }
     }
     TimeUtil::instance()->end();
-    DM_INFO("%s", m_messages.groupLoadEnd);
+    TD_INFO("%s", m_messages.groupLoadEnd);
     return true;
 }
 
@@ -328,7 +328,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForGroup(const std::
                                                                      const std::vector<int>& list,
                                                                      const std::vector<int>& list2, GroupArray& data) {
     if (!this->getStoreFileFlag()) {
-        DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+        TD_INFO("store flag is false (maybe in store mode), so discard this request.\n");
         return true;
     }
     if (!this->checkRequest(dims) ||
@@ -336,7 +336,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForGroup(const std::
         !whitebalance::acceptsList(this->layoutOf(), whitebalance::DYNAMIC_RANGE, list2,
                                    std::extent_v<SelfDefinedGroupArray, 1>))
         return false;
-    DM_INFO("%s", m_messages.groupStoreStart);
+    TD_INFO("%s", m_messages.groupStoreStart);
     TimeUtil::instance()->start();
     {
         SectionLock lock(m_criticalSection);
@@ -355,7 +355,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForGroup(const std::
             }
         }
     }
-    DM_INFO(m_messages.groupStoreTime, elapsedMilliseconds());
+    TD_INFO(m_messages.groupStoreTime, elapsedMilliseconds());
     return true;
 }
 
@@ -366,15 +366,15 @@ bool FactoryWhiteBalance<Self, Record, EventType>::loadDataForSelfDefinedGroup(c
     using namespace whitebalance;
     if (!acceptsCorners(this->layoutOf(), start, end))
         return false;
-    DM_INFO("%s", m_messages.rangeLoadStart);
+    TD_INFO("%s", m_messages.rangeLoadStart);
     TimeUtil::instance()->start();
     {
         SectionLock lock(m_criticalSection);
         for (const Indices& i : recordsBetween(start, end))
             getRow(i.data(), data[i[SOURCE]][i[DYNAMIC_RANGE]][i[COLOUR_TEMPERATURE]]);
     }
-    DM_INFO("%s", m_messages.rangeLoadEnd);
-    DM_INFO(m_messages.rangeLoadTime, elapsedMilliseconds());
+    TD_INFO("%s", m_messages.rangeLoadEnd);
+    TD_INFO(m_messages.rangeLoadTime, elapsedMilliseconds());
     return true;
 }
 
@@ -384,12 +384,12 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForSelfDefinedGroup(
                                                                                 SelfDefinedGroupArray& data) {
     using namespace whitebalance;
     if (!this->getStoreFileFlag()) {
-        DM_INFO("store flag is false (maybe in store mode), so discard this request.\n");
+        TD_INFO("store flag is false (maybe in store mode), so discard this request.\n");
         return true;
     }
     if (!acceptsCorners(this->layoutOf(), start, end))
         return false;
-    DM_INFO("%s", m_messages.rangeStoreStart);
+    TD_INFO("%s", m_messages.rangeStoreStart);
     TimeUtil::instance()->start();
     {
         SectionLock lock(m_criticalSection);
@@ -399,7 +399,7 @@ bool FactoryWhiteBalance<Self, Record, EventType>::storeDataForSelfDefinedGroup(
         for (const Indices& i : recordsBetween(start, end))
             putRow(i.data(), data[i[SOURCE]][i[DYNAMIC_RANGE]][i[COLOUR_TEMPERATURE]]);
     }
-    DM_INFO(m_messages.rangeStoreTime, elapsedMilliseconds());
+    TD_INFO(m_messages.rangeStoreTime, elapsedMilliseconds());
     return true;
 }
 

@@ -13,9 +13,9 @@ bool inFactoryState() {
     // Four characters tell "On" from every longer text.
     char value[4 + 1] = {};
     if (FlashFieldStore::readField(FIELD, value, sizeof value))
-        DM_INFO("load field -- '%s' from flash success, value = %s\n", FIELD, value);
+        TD_INFO("load field -- '%s' from flash success, value = %s\n", FIELD, value);
     else
-        DM_WARNING("load field -- '%s' from flash failed.\n", FIELD);
+        TD_WARNING("load field -- '%s' from flash failed.\n", FIELD);
     return std::strcmp(value, "On") == 0;
 }
 
@@ -23,7 +23,7 @@ int panelBin() {
     const std::string path = underRootPrefix(paths::FACTORY_SERVICE_FILE);
     int bin = 0;
     if (!ConfigReader::readInt(path.c_str(), "FactoryWB", "BIN", bin))
-        DM_WARNING("load field -- 'BIN' failed from file [%s], use default value (0).\n", path.c_str());
+        TD_WARNING("load field -- 'BIN' failed from file [%s], use default value (0).\n", path.c_str());
     return bin;
 }
 
@@ -33,26 +33,26 @@ bool acceptsList(const CategoryLayout& layout, Axis axis, const std::vector<int>
                               return index >= 0 && index < count;
                           });
     if (!accepted)
-        DM_WARNING("The dimension value is invalid.\n");
+        TD_WARNING("The dimension value is invalid.\n");
     return accepted;
 }
 
 bool acceptsCorners(const CategoryLayout& layout, const std::vector<int>& start, const std::vector<int>& end) {
     if (start.size() != AXIS_COUNT || end.size() != AXIS_COUNT) {
-        DM_WARNING("The dimensions nStartDim size [%d] or nEndDim size [%d] is invalid ,expected size is: %d.\n",
+        TD_WARNING("The dimensions nStartDim size [%d] or nEndDim size [%d] is invalid ,expected size is: %d.\n",
                    static_cast<int>(start.size()), static_cast<int>(end.size()), AXIS_COUNT);
         return false;
     }
-    DM_INFO("bin_s[%d] source_s[%d] dr_s[%d] sig_s[%d] color_tmp_s[%d].\n", start[BIN], start[SOURCE],
+    TD_INFO("bin_s[%d] source_s[%d] dr_s[%d] sig_s[%d] color_tmp_s[%d].\n", start[BIN], start[SOURCE],
             start[DYNAMIC_RANGE], start[SIGNAL], start[COLOUR_TEMPERATURE]);
-    DM_INFO("bin_e[%d] source_e[%d] dr_e[%d] sig_e[%d] color_tmp_e[%d].\n", end[BIN], end[SOURCE], end[DYNAMIC_RANGE],
+    TD_INFO("bin_e[%d] source_e[%d] dr_e[%d] sig_e[%d] color_tmp_e[%d].\n", end[BIN], end[SOURCE], end[DYNAMIC_RANGE],
             end[SIGNAL], end[COLOUR_TEMPERATURE]);
     if (!layout.accepts(start.data())) {
-        DM_WARNING("The group start dimension value is invalid.\n");
+        TD_WARNING("The group start dimension value is invalid.\n");
         return false;
     }
     if (!layout.accepts(end.data())) {
-        DM_WARNING("The group end dimension value is invalid.\n");
+        TD_WARNING("The group end dimension value is invalid.\n");
         return false;
     }
     return true;

@@ -32,14 +32,14 @@ bool loadFlag(IDataSeparateManagerInner* manager, int& value) {
 bool applyModeToSource(IDataSeparateManagerInner* manager) {
     int value = 0;
     if (!loadFlag(manager, value)) {
-        DM_WARNING("load [%s] from sound_global failed.\n", FLAG);
+        TD_WARNING("load [%s] from sound_global failed.\n", FLAG);
         return false;
     }
     if (value == 0) {
-        DM_INFO(" load [%s] value is 0.\n", FLAG);
+        TD_INFO(" load [%s] value is 0.\n", FLAG);
         return false;
     }
-    DM_INFO("Apply Setting For All Sources successfully.\n");
+    TD_INFO("Apply Setting For All Sources successfully.\n");
     return true;
 }
 

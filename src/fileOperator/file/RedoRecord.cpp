@@ -260,13 +260,13 @@ bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure
     errno = 0;
     if (!writeBack(settingsFile, record)) {
         error = errno != 0 ? errno : EIO;
-        DM_WARNING("a store in file [%s] was cut short and could not be ended.\n", settingsFile.c_str());
+        TD_WARNING("a store in file [%s] was cut short and could not be ended.\n", settingsFile.c_str());
         return false;
     }
     clearRedo(settingsFile);
     if (verifies)
         return false;
-    DM_INFO("a store in file [%s] was cut short and has been ended.\n", settingsFile.c_str());
+    TD_INFO("a store in file [%s] was cut short and has been ended.\n", settingsFile.c_str());
     crc = record.crc;
     return true;
 }

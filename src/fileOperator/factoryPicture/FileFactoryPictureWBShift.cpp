@@ -58,12 +58,12 @@ bool FileFactoryPictureWBShift::isAUCountry() const {
     const std::string path = underRootPrefix(paths::CRITICAL_FILE);
     int country = 0;
     if (!ConfigReader::readInt(path.c_str(), "Critical", "Country", country)) {
-        DM_WARNING("load field -- 'Country' failed from file [%s] when load WB data.\n", path.c_str());
+        TD_WARNING("load field -- 'Country' failed from file [%s] when load WB data.\n", path.c_str());
         return false;
     }
     if ((country & ~COUNTRY_VARIANT) != AU_COUNTRY)
         return false;
-    DM_INFO("load manufactory country [%d] is AU country when load WB data, so will load AU WB data.\n", country);
+    TD_INFO("load manufactory country [%d] is AU country when load WB data, so will load AU WB data.\n", country);
     return true;
 }
 

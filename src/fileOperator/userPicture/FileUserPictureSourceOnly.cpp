@@ -35,13 +35,13 @@ const char* factoryFileOf(int country) {
 void logChoice(int country, const char* file) {
     switch (country) {
     case UK:
-        DM_INFO(" user country is UK , and will used the source-only file:[%s] \n", file);
+        TD_INFO(" user country is UK , and will used the source-only file:[%s] \n", file);
         break;
     case CROATIA:
-        DM_INFO(" user country is CROTIA , and will used the source-only file:[%s] \n", file);
+        TD_INFO(" user country is CROTIA , and will used the source-only file:[%s] \n", file);
         break;
     default:
-        DM_INFO(" user country is:%d, and will used the source-only file:[%s] \n", country, file);
+        TD_INFO(" user country is:%d, and will used the source-only file:[%s] \n", country, file);
         break;
     }
 }
@@ -78,7 +78,7 @@ std::string FileUserPictureSourceOnly::factoryFileName() {
     if (file == nullptr)
         return CategoryOperator::factoryFileName();
     if (!FileUtil::checkFile((getWorkPath(MANUFACTORY_LOAD) + file).c_str())) {
-        DM_INFO("source-only file [%s] isn't exist, and will used the ordinary one.\n", file);
+        TD_INFO("source-only file [%s] isn't exist, and will used the ordinary one.\n", file);
         return CategoryOperator::factoryFileName();
     }
     logChoice(country, file);
