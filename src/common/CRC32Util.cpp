@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include <dataModule/common/Log.h>
+#include <dataModule/common/Mutex.h>
 
 namespace td {
 namespace {
@@ -142,6 +143,10 @@ private:
 
 } // namespace
 
+CRC32Util::CRC32Util() : m_fileMutex(std::make_unique<Mutex>(LockRank::Checksum)) {}
+
+CRC32Util::~CRC32Util() = default;
+
 CRC32Util* CRC32Util::instance() {
     static auto* const util = new CRC32Util;
     return util;
@@ -172,7 +177,7 @@ bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {
         return false;
     }
     const NoCancel noCancel;
-    const MutexLock lock(m_fileMutex);
+    const MutexLock lock(*m_fileMutex);
     crc = INITIAL;
     const InputFile file(path);
     if (!file.isOpen() || !file.seek(offset)) {

@@ -4,17 +4,19 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 
-#include <dataModule/common/Mutex.h>
 #include <dataModule/Export.h>
 
 namespace td {
+
+class Mutex;
 
 class DATAMODULE_API CRC32Util {
 public:
     /// The one instance of the process. It is never destroyed, so that a thread still running at exit may use it.
     static CRC32Util* instance();
-    virtual ~CRC32Util() = default;
+    virtual ~CRC32Util();
     CRC32Util(const CRC32Util&) = delete;
     CRC32Util& operator=(const CRC32Util&) = delete;
 
@@ -27,17 +29,17 @@ public:
     /// Checksums a file from byte `offset` to its end. False, and `crc` untouched, before init_crc_table. Otherwise
     /// true, also when the file cannot be opened, positioned or read: `crc` is then 0xFFFFFFFF, the checksum of
     /// nothing. Files are checksummed one after another.
-    bool calc_file_crc(const char* path, int offset, unsigned int& crc) TD_EXCLUDES(m_fileMutex);
+    bool calc_file_crc(const char* path, int offset, unsigned int& crc);
 
     /// The value before the first byte.
     static constexpr unsigned int INITIAL = 0xFFFFFFFFU;
 
 private:
     friend class Fork;
-    CRC32Util() = default;
+    CRC32Util();
 
     std::atomic<bool> m_initialised{false};
-    Mutex m_fileMutex{LockRank::Checksum}; ///< one file at a time
+    const std::unique_ptr<Mutex> m_fileMutex; ///< one file at a time
 };
 
 } // namespace td

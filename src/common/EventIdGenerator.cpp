@@ -8,13 +8,11 @@ EventIdGenerator* EventIdGenerator::instance() {
 }
 
 int EventIdGenerator::createNextEventId() {
-    const MutexLock lock(m_mutex);
     return static_cast<int>(m_counter++);
 }
 
 int EventIdGenerator::peekNextEventId() {
-    const MutexLock lock(m_mutex);
-    return static_cast<int>(m_counter);
+    return static_cast<int>(m_counter.load());
 }
 
 } // namespace td

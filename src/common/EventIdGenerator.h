@@ -1,9 +1,9 @@
 /// Numbers events, so that a later one has the higher number within the process. Any thread.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
-#include <dataModule/common/Mutex.h>
 #include <dataModule/Export.h>
 
 namespace td {
@@ -16,16 +16,14 @@ public:
     EventIdGenerator& operator=(const EventIdGenerator&) = delete;
 
     /// The next id, from 0.
-    int createNextEventId() TD_EXCLUDES(m_mutex);
+    int createNextEventId();
     /// The id that the next event will get.
-    int peekNextEventId() TD_EXCLUDES(m_mutex);
+    int peekNextEventId();
 
 private:
-    friend class Fork;
     EventIdGenerator() = default;
 
-    Mutex m_mutex;
-    std::uint32_t m_counter TD_GUARDED_BY(m_mutex) = 0;
+    std::atomic<std::uint32_t> m_counter{0};
 };
 
 } // namespace td

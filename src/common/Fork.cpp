@@ -82,9 +82,8 @@ void Fork::inChild() TD_NO_THREAD_SAFETY_ANALYSIS {
     files.descriptors.clear();
     files.mutex.unlock();
     s_generation.fetch_add(1, std::memory_order_relaxed);
-    // They guard nothing that a thread could have left half done.
-    EventIdGenerator::instance()->m_mutex.renew();
-    CRC32Util::instance()->m_fileMutex.renew();
+    // It guards nothing that a thread could have left half done.
+    CRC32Util::instance()->m_fileMutex->renew();
 }
 
 } // namespace td

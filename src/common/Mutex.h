@@ -9,8 +9,7 @@
 ///   5. the lock between processes on the category's lock file
 ///   6. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
 ///   7. CRC32Util's file mutex
-///   8. the leaves: Thread's exit mutex, an operator's backup-request mutex, EventIdGenerator's mutex, a manager's TV
-///      types, the list of open lock files, the log's
+///   8. the leaves: an operator's backup-request mutex, a manager's TV types, the list of open lock files, the log's
 ///
 /// A build with DATAMODULE_CHECK_LOCKS ends the program where this does not hold (LockOrder.cpp).
 #pragma once

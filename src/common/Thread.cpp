@@ -1,15 +1,17 @@
 #include <dataModule/common/Thread.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
-#include <memory>
-#include <utility>
+#include <deque>
 
 #include <dataModule/common/Deadline.h>
 #include <dataModule/common/Event.h>
 #include <dataModule/common/Log.h>
+#include <dataModule/common/Mutex.h>
 #include <dataModule/IDataSeparateManagerInner.h>
+#include <dataModule/platform/OsalThreads.h>
 
 namespace td {
 
@@ -31,101 +33,230 @@ bool handledWell(Event& event) {
     }
 }
 
+void* runWorker(void* self) {
+    auto* const thread = static_cast<Thread*>(self);
+    t_current = thread;
+    thread->run();
+    return nullptr;
+}
+
+/// The events that wait for the worker, and how many came and went.
+class EventQueue {
+public:
+    /// False once closed: the caller still owns the event.
+    bool push(Event* event) TD_EXCLUDES(m_mutex);
+    /// Wakes the worker; nothing is taken in from then on, and no idle work begins.
+    void close() TD_EXCLUDES(m_mutex);
+    bool isClosed() const { return m_closed; }
+
+    enum class Work { Event, Idle, End };
+    /// Waits for the next event, which may be null, or until there has been none for so long.
+    Work next(Event*& event, int idleSeconds) TD_EXCLUDES(m_mutex);
+    /// What next() gave has been handled and deleted.
+    void noteHandled() TD_EXCLUDES(m_mutex);
+    /// Does the idle work under the mutex, unless there is something to do again.
+    template <typename Action>
+    void whenIdle(Action action) TD_EXCLUDES(m_mutex);
+    /// Deletes what waits.
+    void drop() TD_EXCLUDES(m_mutex);
+
+    bool waitHandled(int milliseconds) TD_EXCLUDES(m_mutex);
+    /// Events that were left at the last next(); 0 after idle work.
+    std::uint32_t left() const { return m_left; }
+
+private:
+    Mutex m_mutex{LockRank::Queue};
+    Condition m_filled;
+    Condition m_handled;
+    std::deque<Event*> m_events TD_GUARDED_BY(m_mutex);
+    std::uint64_t m_postedCount TD_GUARDED_BY(m_mutex) = 0; ///< events ever queued
+    std::uint64_t m_doneCount TD_GUARDED_BY(m_mutex) = 0;   ///< events ever handled or dropped
+    std::atomic<std::uint32_t> m_left{0};                   ///< changes under the mutex, read freely
+    std::atomic<bool> m_closed{false};                      ///< the same
+};
+
+bool EventQueue::push(Event* event) {
+    if (m_closed)
+        return false;
+    {
+        const MutexLock lock(m_mutex);
+        // Again: the queue may have been emptied for the last time since.
+        if (m_closed)
+            return false;
+        m_events.push_back(event);
+        ++m_postedCount;
+    }
+    // Not under the mutex, which the worker would wake up only to wait for.
+    m_filled.signal();
+    return true;
+}
+
+void EventQueue::close() {
+    const MutexLock lock(m_mutex);
+    m_closed = true;
+    m_filled.broadcast();
+}
+
+EventQueue::Work EventQueue::next(Event*& event, int idleSeconds) {
+    const MutexLock lock(m_mutex);
+    const timespec deadline = idleDeadline(idleSeconds);
+    while (m_events.empty()) {
+        if (m_closed)
+            return Work::End;
+        const int result = m_filled.waitUntil(m_mutex, deadline);
+        if (m_closed)
+            return Work::End;
+        if (result == ETIMEDOUT && m_events.empty())
+            return Work::Idle;
+    }
+    event = m_events.front();
+    m_events.pop_front();
+    m_left = static_cast<std::uint32_t>(m_events.size());
+    return Work::Event;
+}
+
+void EventQueue::noteHandled() {
+    const MutexLock lock(m_mutex);
+    ++m_doneCount;
+    m_handled.broadcast();
+}
+
+template <typename Action>
+void EventQueue::whenIdle(Action action) {
+    const MutexLock lock(m_mutex);
+    if (!m_events.empty() || m_closed)
+        return;
+    m_left = 0;
+    action();
+}
+
+void EventQueue::drop() {
+    std::deque<Event*> dropped;
+    {
+        const MutexLock lock(m_mutex);
+        dropped.swap(m_events);
+        m_doneCount = m_postedCount;
+        m_handled.broadcast();
+    }
+    for (const Event* event : dropped)
+        delete event;
+}
+
+bool EventQueue::waitHandled(int milliseconds) {
+    const timespec deadline = deadlineIn(milliseconds > 0 ? milliseconds : 0);
+    const MutexLock lock(m_mutex);
+    const std::uint64_t target = m_postedCount;
+    while (m_doneCount < target) {
+        if (m_handled.waitUntil(m_mutex, deadline) == ETIMEDOUT)
+            return m_doneCount >= target;
+    }
+    return true;
+}
+
 } // namespace
 
-Thread::Thread(const char* name, int idleSeconds) : m_idleSeconds(idleSeconds) {
-    std::snprintf(m_name, sizeof m_name, "%s", name == nullptr ? "" : name);
-}
+struct Thread::State {
+    static constexpr int NAME_SIZE = 32;
+
+    State(const char* text, int seconds) : idleSeconds(seconds) {
+        std::snprintf(name, sizeof name, "%s", text == nullptr ? "" : text);
+    }
+
+    void handleEvent(Event& event) TD_EXCLUDES(statisticsMutex);
+    void askForBackup();
+    void askToTryAgain();
+
+    char name[NAME_SIZE] = {};
+    const int idleSeconds;
+    IDataSeparateManagerInner* owner = nullptr; ///< set before start(); not owned
+
+    Mutex lifeMutex{LockRank::Life}; ///< one start or stop at a time, joining included; the worker never takes it
+    OsalThreads::Handle handle TD_GUARDED_BY(lifeMutex) = OsalThreads::INVALID_HANDLE;
+    std::atomic<bool> running{false}; ///< from start() until the thread is joined
+
+    EventQueue queue;
+
+    Mutex statisticsMutex{LockRank::Statistics}; ///< held while an event is handled
+    /// But for `queued`, which changes with the queue.
+    _ThreadStaticInfo_t statistics TD_GUARDED_BY(statisticsMutex) = {};
+};
+
+Thread::Thread(const char* name, int idleSeconds) : m_state(std::make_unique<State>(name, idleSeconds)) {}
 
 Thread::~Thread() {
     Thread::stop();
 }
 
 bool Thread::start() {
-    const MutexLock lock(m_lifeMutex);
-    if (m_running)
+    State& state = *m_state;
+    const MutexLock lock(state.lifeMutex);
+    if (state.running)
         return true;
-    if (isExit() || !OsalThreads::create(m_name, mainProc, this, m_handle)) {
-        TD_ERROR("Create pthread [%s] failed.\n", m_name);
+    if (isExit() || !OsalThreads::create(state.name, runWorker, this, state.handle)) {
+        TD_ERROR("Create pthread [%s] failed.\n", state.name);
         return false;
     }
-    m_running = true;
-    TD_INFO("Create pthread [%s] success ,id = %d \n", m_name, static_cast<int>(m_handle));
+    state.running = true;
+    TD_INFO("Create pthread [%s] success ,id = %d \n", state.name, static_cast<int>(state.handle));
     return true;
 }
 
 bool Thread::stop() {
     const NoCancel noCancel;
+    State& state = *m_state;
     // Held to the end, so that a second stop() too returns only when the worker has ended.
-    const MutexLock life(m_lifeMutex);
-    {
-        // Under the queue mutex, which an idle backup needs to begin.
-        const MutexLock queue(m_queueMutex);
-        const MutexLock exit(m_exitMutex);
-        m_exit = true;
-        m_queueCondition.broadcast();
+    const MutexLock life(state.lifeMutex);
+    state.queue.close();
+    if (state.running) {
+        OsalThreads::join(state.handle);
+        state.handle = OsalThreads::INVALID_HANDLE;
     }
-    if (m_running) {
-        OsalThreads::join(m_handle);
-        m_handle = OsalThreads::INVALID_HANDLE;
-    }
-    dropQueue();
-    m_running = false;
+    state.queue.drop();
+    state.running = false;
     return true;
 }
 
 bool Thread::post(Event* event) {
-    if (m_exit)
-        return false;
-    {
-        const MutexLock lock(m_queueMutex);
-        // Again: stop() may have emptied the queue for the last time since.
-        if (m_exit)
-            return false;
-        m_queue.push_back(event);
-        ++m_postedCount;
-    }
-    // Not under the mutex, which the worker would wake up only to wait for.
-    m_queueCondition.signal();
-    return true;
+    return m_state->queue.push(event);
 }
 
 void Thread::run() {
-    timespec nextTry = idleDeadline(m_idleSeconds);
+    using Work = EventQueue::Work;
+    State& state = *m_state;
+    timespec nextTry = idleDeadline(state.idleSeconds);
     while (!isExit()) {
         Event* next = nullptr;
-        const Work work = waitForWork(next);
+        const Work work = state.queue.next(next, state.idleSeconds);
         if (work == Work::End)
             return;
         std::unique_ptr<Event> event(next);
         if (event)
-            handleEvent(*event);
+            state.handleEvent(*event);
         event.reset();
         if (work == Work::Event)
-            noteHandled();
+            state.queue.noteHandled();
         // On a worker that is never idle as well.
         if (work == Work::Idle || hasPassed(nextTry)) {
-            askToTryAgain();
-            nextTry = idleDeadline(m_idleSeconds);
+            state.askToTryAgain();
+            nextTry = idleDeadline(state.idleSeconds);
         }
         if (work == Work::Idle)
-            askForBackup();
+            state.queue.whenIdle([&] { state.askForBackup(); });
     }
 }
 
 bool Thread::isExit() const {
-    const MutexLock lock(m_exitMutex);
-    return m_exit;
+    return m_state->queue.isClosed();
 }
 
 void Thread::getStaticsInfo(_ThreadStaticInfo_t& info) {
-    const MutexLock lock(m_statisticsMutex);
-    info = m_statistics;
-    info.queued = m_queuedCount;
+    const MutexLock lock(m_state->statisticsMutex);
+    info = m_state->statistics;
+    info.queued = m_state->queue.left();
 }
 
 void Thread::setOwner(IDataSeparateManagerInner* owner) {
-    m_owner = owner;
+    m_state->owner = owner;
 }
 
 bool Thread::isCurrent() const {
@@ -133,94 +264,38 @@ bool Thread::isCurrent() const {
 }
 
 bool Thread::waitHandled(int milliseconds) {
-    if (!m_running || isCurrent())
-        return true;
-    const timespec deadline = deadlineIn(milliseconds > 0 ? milliseconds : 0);
-    const MutexLock lock(m_queueMutex);
-    const std::uint64_t target = m_postedCount;
-    while (m_doneCount < target) {
-        if (m_handledCondition.waitUntil(m_queueMutex, deadline) == ETIMEDOUT)
-            return m_doneCount >= target;
-    }
-    return true;
+    return !m_state->running || isCurrent() || m_state->queue.waitHandled(milliseconds);
 }
 
-void* Thread::mainProc(void* self) {
-    auto* const thread = static_cast<Thread*>(self);
-    t_current = thread;
-    thread->run();
-    return nullptr;
-}
-
-Thread::Work Thread::waitForWork(Event*& event) {
-    const MutexLock lock(m_queueMutex);
-    const timespec deadline = idleDeadline(m_idleSeconds);
-    while (m_queue.empty()) {
-        if (isExit())
-            return Work::End;
-        const int result = m_queueCondition.waitUntil(m_queueMutex, deadline);
-        if (isExit())
-            return Work::End;
-        if (result == ETIMEDOUT && m_queue.empty())
-            return Work::Idle;
-    }
-    event = m_queue.front();
-    m_queue.pop_front();
-    m_queuedCount = static_cast<std::uint32_t>(m_queue.size());
-    return Work::Event;
-}
-
-void Thread::askForBackup() {
-    const MutexLock lock(m_queueMutex);
-    if (!m_queue.empty() || isExit())
-        return;
-    m_queuedCount = 0;
-    if (m_owner == nullptr)
+void Thread::State::askForBackup() {
+    if (owner == nullptr)
         return;
     try {
-        m_owner->backupData();
+        owner->backupData();
     } catch (...) {
-        TD_ERROR("backup of [%s] ended by an exception\n", m_name);
+        TD_ERROR("backup of [%s] ended by an exception\n", name);
     }
 }
 
-void Thread::askToTryAgain() {
-    if (m_owner == nullptr)
+void Thread::State::askToTryAgain() {
+    if (owner == nullptr)
         return;
     try {
-        m_owner->retryFailedStores();
+        owner->retryFailedStores();
     } catch (...) {
-        TD_ERROR("retry of [%s] ended by an exception\n", m_name);
+        TD_ERROR("retry of [%s] ended by an exception\n", name);
     }
 }
 
-void Thread::handleEvent(Event& event) {
-    const MutexLock lock(m_statisticsMutex);
+void Thread::State::handleEvent(Event& event) {
+    const MutexLock lock(statisticsMutex);
     if (handledWell(event)) {
-        ++m_statistics.succeeded;
+        ++statistics.succeeded;
     } else {
         TD_WARNING("work thread handle event (id = %d) failed! \n", event.id());
-        ++m_statistics.failed;
+        ++statistics.failed;
     }
-    ++m_statistics.handled;
-}
-
-void Thread::noteHandled() {
-    const MutexLock lock(m_queueMutex);
-    ++m_doneCount;
-    m_handledCondition.broadcast();
-}
-
-void Thread::dropQueue() {
-    std::deque<Event*> dropped;
-    {
-        const MutexLock lock(m_queueMutex);
-        dropped.swap(m_queue);
-        m_doneCount = m_postedCount;
-        m_handledCondition.broadcast();
-    }
-    for (const Event* event : dropped)
-        delete event;
+    ++statistics.handled;
 }
 
 } // namespace td

@@ -3,13 +3,10 @@
 /// written.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <deque>
+#include <memory>
 
-#include <dataModule/common/Mutex.h>
 #include <dataModule/Export.h>
-#include <dataModule/platform/OsalThreads.h>
 
 namespace td {
 
@@ -49,56 +46,22 @@ public:
     Thread& operator=(const Thread&) = delete;
 
     /// Whether stop() was called.
-    bool isExit() const TD_EXCLUDES(m_exitMutex);
+    bool isExit() const;
     /// Copies the counters; waits for the event in hand.
-    void getStaticsInfo(_ThreadStaticInfo_t& info) TD_EXCLUDES(m_statisticsMutex);
+    void getStaticsInfo(_ThreadStaticInfo_t& info);
     /// Who is asked for backups; set before start().
     void setOwner(IDataSeparateManagerInner* owner);
     /// Waits, at most `milliseconds`, until every event queued on entry has been handled or dropped, whatever became of
     /// it; false when the time ran out. True at once when no thread runs and on the worker's own thread. Hold no
     /// operator's critical section.
-    bool waitHandled(int milliseconds) TD_EXCLUDES(m_queueMutex);
+    bool waitHandled(int milliseconds);
 
     /// Whether the calling thread is this worker.
     bool isCurrent() const;
 
 private:
-    static void* mainProc(void* self);
-    enum class Work { Event, Idle, End };
-    /// Waits for the next event, which may be null, or until there has been none for long.
-    Work waitForWork(Event*& event) TD_EXCLUDES(m_queueMutex);
-    /// Unless there is something to do again.
-    void askForBackup() TD_EXCLUDES(m_queueMutex);
-    void askToTryAgain();
-    void handleEvent(Event& event) TD_EXCLUDES(m_statisticsMutex);
-    void noteHandled() TD_EXCLUDES(m_queueMutex);
-    void dropQueue() TD_EXCLUDES(m_queueMutex);
-
-    static constexpr int NAME_SIZE = 32;
-
-    char m_name[NAME_SIZE] = {};
-    const int m_idleSeconds;
-
-    Mutex m_lifeMutex{LockRank::Life}; ///< one start or stop at a time, joining included; the worker never takes it
-    OsalThreads::Handle m_handle TD_GUARDED_BY(m_lifeMutex) = OsalThreads::INVALID_HANDLE;
-    std::atomic<bool> m_running{false}; ///< from start() until the thread is joined
-
-    std::atomic<bool> m_exit{false}; ///< written under queue and exit mutex, read freely
-    mutable Mutex m_exitMutex;
-
-    Mutex m_queueMutex{LockRank::Queue}; ///< queue, its conditions and the two counters
-    Condition m_queueCondition;
-    Condition m_handledCondition;
-    std::deque<Event*> m_queue TD_GUARDED_BY(m_queueMutex);
-    std::uint64_t m_postedCount TD_GUARDED_BY(m_queueMutex) = 0; ///< events ever queued
-    std::uint64_t m_doneCount TD_GUARDED_BY(m_queueMutex) = 0;   ///< events ever handled or dropped
-
-    Mutex m_statisticsMutex{LockRank::Statistics}; ///< handled, succeeded and failed; held while an event is handled
-    _ThreadStaticInfo_t m_statistics TD_GUARDED_BY(m_statisticsMutex) = {};
-    /// _ThreadStaticInfo_t::queued; it changes under the queue mutex, which comes after the statistics mutex.
-    std::atomic<std::uint32_t> m_queuedCount{0};
-
-    IDataSeparateManagerInner* m_owner = nullptr; ///< set before start(); not owned
+    struct State;
+    const std::unique_ptr<State> m_state;
 };
 
 } // namespace td
