@@ -6,10 +6,7 @@
 /// Requests take no lock of the manager: the registry is written only by init() and stop().
 #pragma once
 
-#include <atomic>
-#include <map>
 #include <memory>
-#include <set>
 #include <vector>
 
 #include <dataModule/IDataSeparateManager.h>
@@ -18,10 +15,6 @@
 
 namespace td {
 
-class FileLock;
-class Mutex;
-class PendingStores;
-class Thread;
 struct _ThreadStaticInfo_t;
 
 class DATAMODULE_API FileDataSeparateManager : public IDataSeparateManager, public IDataSeparateManagerInner {
@@ -137,54 +130,12 @@ protected:
     virtual IFileOperator* makeOperator(_DataCategory_t category);
 
 private:
-    class TvType;
-
-    /// Whether a parent process made it, from which this one was forked: with a line under the caller's name.
-    bool isInherited(const char* function = __builtin_FUNCTION(), int line = __builtin_LINE()) const;
     template <typename Request>
     bool route(const _DataCategory_t& category, Request request, const char* function = __builtin_FUNCTION(),
                int line = __builtin_LINE());
-    void initForAll();
-    void initForBiz();
-    void initForDvbmain();
-    bool registerScope(_DS_Scope_t scope);
-    static void startDetailLogListener(FileDataSeparateManager* manager);
-    void registerCategories(const _DataCategory_t* categories, int count);
-    void setParents();
-    /// Deletes the operators and empties the registry by category. The worker must not run.
-    void deleteOperators();
-    /// Empties both registries, for another init().
-    void discardOperators();
-    /// Loads every registered file and sums up the bytes of the tables.
-    bool loadInParallel(int& dataSize);
-    /// Lets what was queued until now reach the files, so that no load reads older ones.
-    void settleStores();
-    void dropStores();
-    bool backupIfRequested(IFileOperator& op);
-    /// Walks the operators that are the library's, or derived from its base.
-    template <typename Action>
-    void forEachOwn(Action action);
-    /// Walks the set; nothing after stop().
-    template <typename Action>
-    void forEachInSet(Action action);
 
-    static constexpr int PATH_SIZE = 256;
-
-    const unsigned int m_generation;                           ///< of forks, when it was made
-    std::map<_DataCategory_t, IFileOperator*> m_fileOperators; ///< owns the operators
-    std::set<const IFileOperator*> m_operatorSet;              ///< the same ones; not walked after stop()
-    std::unique_ptr<TvType> m_tvType;
-    std::atomic<bool> m_reservedFlag{false};
-    std::unique_ptr<Thread> m_worker;
-    std::vector<std::shared_ptr<PendingStores>> m_pendingStores; ///< the operators'; not changed between init and end
-    std::unique_ptr<FileLock> m_processesLock;                   ///< held from init() to stop(), for tools to see
-    std::atomic<bool> m_inited{false};
-    std::unique_ptr<Mutex> m_loadingMutex; ///< a load of all files is not reset in its middle
-    std::atomic<bool> m_allLoaded{false};
-    std::atomic<bool> m_stopped{false};
-    char m_manufactoryPath[PATH_SIZE] = {};
-    std::atomic<bool> m_storeFileFlag{true};
-    std::atomic<int> m_reservedValue{0};
+    struct State;
+    const std::unique_ptr<State> m_state;
 };
 
 } // namespace td

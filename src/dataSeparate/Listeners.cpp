@@ -15,6 +15,7 @@
 #include <dataModule/common/ListenerNames.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/platform/OsalThreads.h>
 
 #include "DetailLogSwitch.h"
 #include "LiveManagers.h"
@@ -25,6 +26,10 @@ namespace {
 
 /// The switch, attached; null before. Whoever reads it may do so at any time, so it is never detached.
 std::atomic<int*> g_detailLogSwitch{nullptr};
+std::atomic<bool> s_listening{true};
+std::atomic<bool> s_detailLogListened{false};
+
+constexpr const char* LISTENER_NAME = "DataModuleDetailLog";
 
 constexpr long START_DELAY_MILLISECONDS = 500;
 constexpr long RETRY_DELAY_MILLISECONDS = 300;
@@ -203,12 +208,37 @@ bool followSwitch() {
     return false;
 }
 
+/// The detail-log listener's thread. It ends only where there is no shared memory or no semaphore to be had.
+void* listenUntilRefused(void* manager) {
+    FileDataSeparateManager::listenDetailLogSwitch(manager);
+    s_detailLogListened = false;
+    TD_INFO("nobody listens for the detail log switch, the next manager starts it again.\n");
+    return nullptr;
+}
+
 } // namespace
 
+void startDetailLogListener(FileDataSeparateManager* manager) {
+    if (!s_listening || s_detailLogListened.exchange(true))
+        return;
+    OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
+    if (OsalThreads::create(LISTENER_NAME, listenUntilRefused, manager, handle)) {
+        OsalThreads::detach(handle);
+        return;
+    }
+    TD_WARNING(" FileDataSeparateManager create listen detail log switch thread failed.\n");
+    s_detailLogListened = false;
+}
+
 void leaveDetailLogSwitch() {
+    s_detailLogListened = false;
     const int* const word = g_detailLogSwitch.exchange(nullptr);
     if (word != nullptr)
         shmdt(word);
+}
+
+void FileDataSeparateManager::setListening(bool listen) {
+    s_listening = listen;
 }
 
 void* FileDataSeparateManager::listenSTDSignal(void* manager) {
