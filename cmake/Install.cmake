@@ -18,6 +18,8 @@ foreach(folder src/common src/fileOperator platform)
   install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dataModule/${name} COMPONENT headers)
 endforeach()
 
+install(FILES ${DATAMODULE_EVENT_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dataModule/common COMPONENT headers)
+
 install(EXPORT dataModuleTargets NAMESPACE dataModule:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/dataModuleConfig.cmake.in dataModuleConfig.cmake
   INSTALL_DESTINATION ${package_dir} NO_SET_AND_CHECK_MACRO)
