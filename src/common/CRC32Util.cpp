@@ -11,9 +11,9 @@
 #endif
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <dataModule/common/Descriptor.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/common/Mutex.h>
 
@@ -106,41 +106,6 @@ std::uint32_t product(std::uint32_t one, std::uint32_t other) {
     return sum;
 }
 
-/// A descriptor for reading a regular file, closed at the end of the block.
-class InputFile {
-public:
-    explicit InputFile(const char* path) : m_descriptor(openAtOnce(path)), m_isRegular(isRegular(m_descriptor)) {}
-    ~InputFile() {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-    }
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
-
-    bool isOpen() const { return m_isRegular; }
-    bool seek(int offset) const { return lseek(m_descriptor, offset, SEEK_SET) >= 0; }
-    ssize_t readBlock(unsigned char (&block)[BLOCK_SIZE]) const { return read(m_descriptor, block, sizeof block); }
-
-private:
-    /// Without waiting for the other end of a FIFO.
-    static int openAtOnce(const char* path) {
-        if (path == nullptr)
-            errno = EINVAL;
-        return path == nullptr ? -1 : open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    }
-    static bool isRegular(int descriptor) {
-        struct stat status {};
-        if (descriptor < 0 || fstat(descriptor, &status) != 0)
-            return false;
-        if (!S_ISREG(status.st_mode))
-            errno = EINVAL;
-        return S_ISREG(status.st_mode);
-    }
-
-    const int m_descriptor;
-    const bool m_isRegular;
-};
-
 } // namespace
 
 CRC32Util::CRC32Util() : m_fileMutex(std::make_unique<Mutex>(LockRank::Checksum)) {}
@@ -179,14 +144,15 @@ bool CRC32Util::calc_file_crc(const char* path, int offset, unsigned int& crc) {
     const NoCancel noCancel;
     const MutexLock lock(*m_fileMutex);
     crc = INITIAL;
-    const InputFile file(path);
-    if (!file.isOpen() || !file.seek(offset)) {
+    errno = EINVAL;
+    const Descriptor file(path == nullptr ? -1 : openAtOnce(path, O_RDONLY, &isRegular));
+    if (!file.isOpen() || lseek(file.get(), offset, SEEK_SET) < 0) {
         TD_WARNING("CRC Code: open file [%s] failed, error = %s.\n", path == nullptr ? "" : path, std::strerror(errno));
         return true;
     }
     unsigned char block[BLOCK_SIZE];
     ssize_t bytes = 0;
-    while ((bytes = file.readBlock(block)) > 0)
+    while ((bytes = read(file.get(), block, sizeof block)) > 0)
         crc = crc32(crc, block, static_cast<unsigned int>(bytes));
     if (bytes < 0) {
         crc = INITIAL; // a part of a file has no checksum of its own
