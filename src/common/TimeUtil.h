@@ -48,4 +48,10 @@ private:
     Point m_end;
 };
 
+/// Ends the shared measurement and tells how long it took, as getElapsed() does.
+inline int elapsedMilliseconds() {
+    TimeUtil::instance()->end();
+    return TimeUtil::instance()->getElapsed();
+}
+
 } // namespace td

@@ -39,11 +39,6 @@ bool isSame(const struct stat& one, const struct stat& other) {
            sameTime(one.st_mtim, other.st_mtim) && sameTime(one.st_ctim, other.st_ctim);
 }
 
-int elapsedMilliseconds() {
-    TimeUtil::instance()->end();
-    return TimeUtil::instance()->getElapsed();
-}
-
 } // namespace
 
 // --- construction, names and flags ---

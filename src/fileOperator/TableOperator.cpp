@@ -29,11 +29,6 @@ const char* textOrEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
 
-int elapsedMilliseconds() {
-    TimeUtil::instance()->end();
-    return TimeUtil::instance()->getElapsed();
-}
-
 /// The fields of a whole-record answer. It is in record order, which is not always the order of the key lines.
 std::vector<const Field*> listedFields(const CategoryLayout& layout) {
     std::vector<const Field*> fields;

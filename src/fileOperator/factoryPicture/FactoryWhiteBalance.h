@@ -109,10 +109,6 @@ private:
 
     bool isBin(int bin) const { return bin >= 0 && bin < this->layoutOf().dimensions[whitebalance::BIN].count; }
     static std::size_t at(int index) { return static_cast<std::size_t>(index); }
-    static int elapsedMilliseconds() {
-        TimeUtil::instance()->end();
-        return TimeUtil::instance()->getElapsed();
-    }
 
     bool loadAllBins() TD_REQUIRES(m_criticalSection);
     void forgetOtherBins() TD_REQUIRES(m_criticalSection);
