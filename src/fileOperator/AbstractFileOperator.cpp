@@ -14,6 +14,7 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
 #include <dataModule/fileOperator/CategoryLayout.h>
+#include <dataModule/fileOperator/ChecksumRepair.h>
 #include <dataModule/fileOperator/LoadBudget.h>
 #include <dataModule/fileOperator/Loader.h>
 #include <dataModule/fileOperator/PendingStores.h>
@@ -498,29 +499,17 @@ CopyState AbstractFileOperator::checkSummaryLines(const Summary& summary, Summar
     if (summary.hasVersion && mode != nullptr && versions == Versions::OwnOnly && m_merge.comparesVersions() &&
         m_parent != nullptr && std::strcmp(summary.version, m_version) != 0)
         return otherVersion(summary, *mode);
-    switch (state) {
-    case SummaryState::NotReadable: {
+    if (state == SummaryState::NotReadable) {
         const CopyState unreadable = CopyState::unreadable(errno);
         TD_WARNING("reset file position of [%s] failed.\n", m_path.load());
         return unreadable;
     }
-    case SummaryState::BadHeader:
-        TD_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
+    if (const char* const part = badPart(state)) {
+        TD_WARNING("Summary section %s (%s) is invalid.\n", part, summary.badLine);
         return {Verdict::Damaged};
-    case SummaryState::BadTvType:
-        TD_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
-        return {Verdict::Damaged};
-    case SummaryState::BadVersion:
-        TD_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
-        return {Verdict::Damaged};
-    case SummaryState::BadCrc:
-        TD_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
-        return {Verdict::Damaged};
-    case SummaryState::EndOfFile:
-        return {};
-    case SummaryState::Complete:
-        break;
     }
+    if (state == SummaryState::EndOfFile)
+        return {};
     return checkChecksum(summary, mode);
 }
 
@@ -582,27 +571,13 @@ bool AbstractFileOperator::readStoredChecksum(const char* path, unsigned int& cr
         return false;
     }
     Summary summary;
-    switch (readSummary(m_file, summary)) {
-    case SummaryState::NotReadable:
+    const SummaryState state = readSummary(m_file, summary);
+    if (state == SummaryState::NotReadable)
         TD_INFO("reset file position of [%s] failed.\n", path);
+    if (const char* const part = badPart(state))
+        TD_INFO("Summary section %s (%s) is invalid.\n", part, summary.badLine);
+    if (state != SummaryState::Complete)
         return false;
-    case SummaryState::BadHeader:
-        TD_INFO("Summary section subject (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadTvType:
-        TD_INFO("Summary section SN Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadVersion:
-        TD_INFO("Summary section VER Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadCrc:
-        TD_INFO("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::EndOfFile:
-        return false;
-    case SummaryState::Complete:
-        break;
-    }
     TD_INFO("read CRC Field [0x%08x] from data file '%s' successfully.\n", summary.crc, path);
     crc = summary.crc;
     return true;
@@ -1389,99 +1364,8 @@ bool AbstractFileOperator::rewriteChecksumLine() {
     return true;
 }
 
-namespace {
-
-/// Whether the file has a place for a checksum: whole lines as every reader takes them, and a last one of the length
-/// of the one that is to stand there (invariant 3). What stands in that one does not matter.
-bool hasChecksumLine(const Summary& summary, SummaryState state) {
-    switch (state) {
-    case SummaryState::NotReadable:
-    case SummaryState::BadHeader:
-        TD_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadTvType:
-        TD_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadVersion:
-        TD_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::EndOfFile:
-        TD_WARNING("read line failed for tv %s.\n", !summary.hasTvType    ? "type"
-                                                    : !summary.hasVersion ? "version"
-                                                                          : "crc");
-        return false;
-    case SummaryState::BadCrc:
-    case SummaryState::Complete:
-        break;
-    }
-    if (summary.crcLineLength == text::CRC_LINE_LENGTH)
-        return true;
-    TD_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
-    return false;
-}
-
-/// Keeps all others off the files: as part of the critical section in which the calling thread is at work on them, or
-/// with `lock`. False when that cannot be had for now.
-bool takeFilesOf(const std::string& lockFile, FileLock& lock) TD_NO_THREAD_SAFETY_ANALYSIS {
-    CriticalSection* const section = CriticalSection::claimedHere(lockFile);
-    if (section == nullptr)
-        return lock.lock(lockFile, FileLock::Kind::Exclusive) || !lock.failedForNow();
-    section->takeFiles(lockFile);
-    return !section->filesUnsure();
-}
-
-bool rewriteCrcOf(FileUtil& file, const char* path) {
-    Summary summary;
-    const SummaryState state = readSummary(file, summary);
-    if (!hasChecksumLine(summary, state))
-        return false;
-    unsigned int crc = 0;
-    if (!contentChecksum(path, summary.contentPosition(), crc)) {
-        TD_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
-        return false;
-    }
-    if (!file.setPos(summary.crcPosition)) {
-        TD_WARNING("Failed to set pos when write CRC code of data file [%s].\n", path);
-        return false;
-    }
-    if (!file.writeFile(text::crcLine(crc).c_str(), true)) {
-        TD_WARNING("Failed to write CRC code of data file [%s].\n", path);
-        return false;
-    }
-    return true;
-}
-
-} // namespace
-
 bool AbstractFileOperator::generateCRC32(const char* path) {
-    const NoCancel noCancel;
-    if (path == nullptr || !FileUtil::checkFile(path)) {
-        TD_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
-        return false;
-    }
-    const std::string name = path;
-    const std::string lockFile = paths::lockFile(name.substr(name.find_last_of('/') + 1));
-    FileLock lock;
-    if (!takeFilesOf(lockFile, lock)) {
-        TD_WARNING("the lock of file [%s] cannot be had now, so its CRC code stays as it is.\n", path);
-        return false;
-    }
-    CRC32Util::instance()->init_crc_table();
-    // With a right checksum a store that was cut short would pass for a whole one (invariant 7).
-    unsigned int ended = 0;
-    int failure = 0;
-    if (redoIsPending(name))
-        replayRedo(name, ended, &failure);
-    if (failure != 0) {
-        TD_WARNING("a store in file [%s] was cut short and could not be ended.\n", path);
-        return false;
-    }
-    FileUtil file;
-    if (!file.openFile(path, "r+")) {
-        TD_WARNING("open file [%s] failed.\n", path);
-        return false;
-    }
-    return rewriteCrcOf(file, path);
+    return repairChecksum(path);
 }
 
 } // namespace td
