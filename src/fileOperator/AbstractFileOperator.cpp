@@ -242,8 +242,7 @@ bool AbstractFileOperator::applySettingForAllMode(const std::vector<int>&) {
 // --- the open file ---
 
 void AbstractFileOperator::setPath(const std::string& path) {
-    if (path != m_path.load())
-        m_path = m_paths.insert(path).first->c_str();
+    m_path.set(path);
 }
 
 bool AbstractFileOperator::openFile(const std::string& path, const char* mode) {
@@ -398,7 +397,8 @@ CopyState AbstractFileOperator::verifyCopy(_LOAD_FILE_MODE mode, Versions versio
 
 CopyState AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
     const std::string path = m_path.load();
-    const CopyState there = isNoFile(path) ? CopyState{Verdict::Missing} : lookFor(path.c_str());
+    const CopyState there =
+        Copies::isNoFile(path, categoryName()) ? CopyState{Verdict::Missing} : lookFor(path.c_str());
     if (!there.isGood()) {
         TD_WARNING("load file failed -- file [%s] isn't exist.\n", path.c_str());
         return there;
@@ -430,24 +430,10 @@ CopyState AbstractFileOperator::lookFor(const char* path) const {
     return CopyState::unreadable(error);
 }
 
-bool AbstractFileOperator::isNoFile(const std::string& path) const {
-    if (!FileUtil::isStray(path.c_str()))
-        return false;
-    TD_WARNING("[%s]: what stands at [%s] is no file.\n", categoryName(), path.c_str());
-    return true;
-}
-
-bool AbstractFileOperator::makeRoom(const std::string& path) {
-    std::string aside;
-    if (!FileUtil::isStray(path.c_str()))
-        return true;
-    if (!FileUtil::moveAside(path.c_str(), aside)) {
-        TD_ERROR("[%s]: what stands at [%s] is no file and cannot be moved aside (%s), so none is made there.\n",
-                 categoryName(), path.c_str(), std::strerror(errno));
-        return false;
-    }
-    TD_WARNING("[%s]: what stood at [%s] is no file; it is [%s] now.\n", categoryName(), path.c_str(), aside.c_str());
-    return true;
+Copies AbstractFileOperator::copies(std::string factory) {
+    return {{getWorkPath(NORMAL_LOAD) + m_fileName, getWorkPath(BACKUP_LOAD) + m_fileName, std::move(factory)},
+            categoryName(),
+            m_path};
 }
 
 bool AbstractFileOperator::loadSummary(const char* path) {
@@ -461,7 +447,7 @@ CopyState AbstractFileOperator::verifyFile(const char* path) {
     if (path == nullptr || std::strlen(path) >= static_cast<std::size_t>(paths::PATH_SIZE))
         return {Verdict::Missing};
     setPath(path);
-    CopyState state = isNoFile(path) ? CopyState{Verdict::Missing} : lookFor(path);
+    CopyState state = Copies::isNoFile(path, categoryName()) ? CopyState{Verdict::Missing} : lookFor(path);
     if (!state.isGood()) {
         TD_WARNING("load file failed -- file [%s] isn't exist.\n", path);
         logWhere();
@@ -989,7 +975,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         logWhere();
         return false;
     }
-    if (!makeRoom(path))
+    if (!Copies::makeRoom(path, categoryName()))
         return false;
     if (defaults && FileUtil::checkFile(path.c_str())) {
         TD_WARNING("init failed -- file [%s] exist.\n", path.c_str());
@@ -1078,21 +1064,10 @@ bool AbstractFileOperator::recoverFile() {
     }
     takeFiles();
     TD_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(m_loadMode));
-    const std::string directory = getWorkPath(NORMAL_LOAD);
-    if (!FileUtil::checkPath(directory.c_str(), true)) {
-        TD_WARNING("recover failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
-        logWhere();
+    if (!copies().recoverFrom(m_path.load()))
         return false;
-    }
-    const std::string target = directory + m_fileName;
-    if (hasReadableSize(m_path) && makeRoom(target) && FileUtil::replaceFile(m_path, target.c_str())) {
-        m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
-        TD_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
-        return true;
-    }
-    TD_WARNING("recover file [%s] from file [%s] failed.\n", target.c_str(), m_path.load());
-    logWhere();
-    return false;
+    m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
+    return true;
 }
 
 bool AbstractFileOperator::backupFile(bool alsoFactory) {
@@ -1103,13 +1078,10 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
         return false;
     }
     takeFiles();
-    const std::string directory = getWorkPath(BACKUP_LOAD);
-    if (!FileUtil::checkPath(directory.c_str(), true)) {
-        TD_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
-        logWhere();
+    const Copies copies = this->copies(getWorkPath(MANUFACTORY_LOAD) + m_fileName);
+    if (!copies.makeBackupDirectory())
         return false;
-    }
-    const std::string backup = directory + m_fileName;
+    const std::string backup = getWorkPath(BACKUP_LOAD) + m_fileName;
     const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
     // The checksum is read from the open file, which may be the current copy, opened again since it was written.
     if (m_backupOutdated)
@@ -1120,26 +1092,13 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
                 backup.c_str());
         return true;
     }
-    // Invariant 1: only a current copy that verifies goes over the backup.
-    if (!fileVerifies(current.c_str(), nullptr) || !makeRoom(backup) ||
-        !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
-        TD_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
-        logWhere();
+    if (!copies.backUp())
         return true;
-    }
     m_backupOutdated = false;
     if (enableDebugLog() != 0)
         TD_DETAIL("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
-    if (!alsoFactory)
-        return true;
-    const std::string factory = getWorkPath(MANUFACTORY_LOAD) + m_fileName;
-    if (!isNoFile(factory) && FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
-        FileUtil::replaceFile(current.c_str(), factory.c_str()))
-        TD_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
-    else {
-        TD_WARNING("create file [%s] from file [%s] failed.\n", factory.c_str(), current.c_str());
-        logWhere();
-    }
+    if (alsoFactory)
+        static_cast<void>(copies.makeFactory());
     return true;
 }
 
@@ -1151,15 +1110,11 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
     closeFile();
     setPath(current);
     m_nameSynced = false;
-    // Invariant 1.
-    if (fileVerifies(factory.c_str(), m_version) && makeRoom(current) &&
-        FileUtil::replaceFile(factory.c_str(), current.c_str())) {
+    if (copies(factory).resetFromFactory(m_version)) {
         outdateSnapshots();
         m_backupOutdated = true;
         setBackupReq(true);
         postChangesSinceRefresh();
-    } else {
-        logWhere();
     }
     TD_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
     return true;
@@ -1170,9 +1125,7 @@ bool AbstractFileOperator::removeFile() {
     takeFiles();
     closeFile();
     giveUpStores();
-    removeCopy(paths::defaultFactoryDirectory() + m_fileName);
-    removeCopy(getWorkPath(BACKUP_LOAD) + m_fileName);
-    return removeCurrentCopy();
+    return copies().removeAll(paths::defaultFactoryDirectory() + m_fileName);
 }
 
 bool AbstractFileOperator::removeCurrentFile() {
@@ -1180,22 +1133,7 @@ bool AbstractFileOperator::removeCurrentFile() {
     takeFiles();
     closeFile();
     giveUpStores();
-    return removeCurrentCopy();
-}
-
-bool AbstractFileOperator::removeCurrentCopy() {
-    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
-    FileUtil::removeSingleFile(redoPath(current).c_str());
-    return removeCopy(current);
-}
-
-bool AbstractFileOperator::removeCopy(const std::string& path) {
-    setPath(path);
-    if (FileUtil::removeSingleFile(path.c_str()) == 0)
-        return true;
-    TD_WARNING("remove file [%s] failed.\n", path.c_str());
-    logWhere();
-    return false;
+    return copies().removeCurrent();
 }
 
 // --- summary and checksum ---

@@ -33,6 +33,7 @@
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
+#include <dataModule/fileOperator/Copies.h>
 #include <dataModule/fileOperator/CriticalSection.h>
 #include <dataModule/fileOperator/KnownChecksum.h>
 #include <dataModule/fileOperator/NextCopy.h>
@@ -275,11 +276,8 @@ private:
     void writeMerged() TD_REQUIRES(m_criticalSection);
     static void* mergeProc(void* self);
 
-    /// Whether something stands there that will never be read as a file, which then is logged.
-    bool isNoFile(const std::string& path) const;
-    /// Moves such a thing aside, so that a copy can be made there; not followed, and its new name logged. False where
-    /// it cannot be moved.
-    bool makeRoom(const std::string& path);
+    /// `factory`: the path of the factory copy, where that counts.
+    Copies copies(std::string factory = {}) TD_REQUIRES(m_criticalSection);
     /// Whether a copy of another version is refused.
     enum class Versions { OwnOnly, Any };
     /// Opens and verifies a copy; as the slots loadSummary() and switchToNormal().
@@ -302,14 +300,9 @@ private:
     bool writeWholeText(bool defaults) TD_REQUIRES(m_criticalSection);
     bool rewriteChecksumLine() TD_REQUIRES(m_criticalSection);
     bool readStoredChecksum(const char* path, unsigned int& crc) TD_REQUIRES(m_criticalSection);
-    /// With its redo record, if there is one.
-    bool removeCurrentCopy() TD_REQUIRES(m_criticalSection);
-    bool removeCopy(const std::string& path) TD_REQUIRES(m_criticalSection);
     std::string factoryPath();
 
-    /// The copy being read or written. Points into m_paths, so that it may be read at any time.
-    std::atomic<const char*> m_path{""};
-    std::set<std::string> m_paths TD_GUARDED_BY(m_criticalSection); ///< every path ever set
+    CopyPath m_path; ///< of the copy being read or written
     std::atomic<bool> m_loaded{false};
     bool m_wasLoaded TD_GUARDED_BY(m_criticalSection) = false; ///< it was loaded before, whatever it is now
     /// The table is not known to be that of the current copy: nothing is written before it was loaded again.
