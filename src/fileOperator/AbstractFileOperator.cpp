@@ -14,7 +14,9 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
 #include <dataModule/fileOperator/CategoryLayout.h>
+#include <dataModule/fileOperator/ChecksumRepair.h>
 #include <dataModule/fileOperator/LoadBudget.h>
+#include <dataModule/fileOperator/Loader.h>
 #include <dataModule/fileOperator/PendingStores.h>
 
 namespace td {
@@ -29,14 +31,6 @@ const char* textOrEmpty(const char* text) {
 
 void copyBounded(const char* from, char* to, std::size_t size) {
     std::snprintf(to, size, "%s", textOrEmpty(from));
-}
-
-bool isSame(const struct stat& one, const struct stat& other) {
-    const auto sameTime = [](const timespec& first, const timespec& second) {
-        return first.tv_sec == second.tv_sec && first.tv_nsec == second.tv_nsec;
-    };
-    return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
-           sameTime(one.st_mtim, other.st_mtim) && sameTime(one.st_ctim, other.st_ctim);
 }
 
 } // namespace
@@ -131,7 +125,8 @@ bool AbstractFileOperator::tryEnterWithFiles() {
     bool entered = false;
     try {
         // A suspend image holds no open file.
-        entered = !m_otaLoading && !m_releasedLoaded && m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName));
+        entered =
+            !m_merge.isUnderWay() && !m_releasedLoaded && m_criticalSection.tryTakeFiles(paths::lockFile(m_fileName));
         if (entered)
             endPendingWrite();
     } catch (const std::exception& error) {
@@ -242,8 +237,7 @@ bool AbstractFileOperator::applySettingForAllMode(const std::vector<int>&) {
 // --- the open file ---
 
 void AbstractFileOperator::setPath(const std::string& path) {
-    if (path != m_path.load())
-        m_path = m_paths.insert(path).first->c_str();
+    m_path.set(path);
 }
 
 bool AbstractFileOperator::openFile(const std::string& path, const char* mode) {
@@ -343,7 +337,7 @@ void AbstractFileOperator::adoptSummary(const Summary& summary, SummaryState sta
 }
 
 bool AbstractFileOperator::openCurrent() {
-    if (m_otaLoading || m_servesMemory)
+    if (m_merge.isUnderWay() || m_servesMemory)
         return false;
     shareFiles();
     m_sectionSkipped = false;
@@ -371,197 +365,169 @@ bool AbstractFileOperator::openCurrent() {
 // --- reading and verifying a summary ---
 
 bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
-    if (m_parent == nullptr)
-        return false;
     const SectionStep step(m_criticalSection);
+    const CopyState copy = verifyCopy(mode);
+    if (copy.verdict == Verdict::OtherVersion)
+        m_merge.begin();
+    fatal = fatal || copy.verdict == Verdict::Fatal;
+    return copy.isGood();
+}
+
+CopyState AbstractFileOperator::verifyCopy(_LOAD_FILE_MODE mode, Versions versions) {
+    if (m_parent == nullptr)
+        return {Verdict::Missing};
     shareFiles();
-    m_readError = 0;
-    if (m_criticalSection.filesUnsure() && !m_criticalSection.gaveUpWaiting()) {
-        noteUnreadable(EMFILE);
-        return false;
-    }
+    if (m_criticalSection.filesUnsure() && !m_criticalSection.gaveUpWaiting())
+        return CopyState::unreadable(EMFILE);
     const std::string path = mode == MANUFACTORY_LOAD ? factoryPath() : getWorkPath(mode) + m_fileName;
     closeFile();
     setPath(path);
     TD_INFO("current load mode is: [%s] and ready to load data file is: [%s] ...\n", getLoadMode(mode), path.c_str());
-    if (openForSummary(mode))
-        return verifySummary(&mode, fatal);
+    const CopyState opened = openForSummary(mode);
+    if (opened.isGood())
+        return verifySummary(&mode, versions);
     logWhere();
-    return false;
+    return opened;
 }
 
-bool AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
+CopyState AbstractFileOperator::openForSummary(_LOAD_FILE_MODE mode) {
     const std::string path = m_path.load();
-    if (isNoFile(path) || !isThere(path.c_str())) {
+    const CopyState there =
+        Copies::isNoFile(path, categoryName()) ? CopyState{Verdict::Missing} : lookFor(path.c_str());
+    if (!there.isGood()) {
         TD_WARNING("load file failed -- file [%s] isn't exist.\n", path.c_str());
-        return false;
+        return there;
     }
     errno = 0;
     m_fileSize = FileUtil::getFileSize(path.c_str());
-    if (m_fileSize < 0 && errno != 0)
-        noteUnreadable(errno);
+    const int error = m_fileSize < 0 ? errno : 0;
     // A size beyond an int reads as -1.
     if (m_fileSize > text::MAX_FILE_SIZE || m_fileSize < 0) {
         TD_WARNING("the file [%s] size is [%d] and exception%s.\n", path.c_str(), m_fileSize,
                    mode == MANUFACTORY_LOAD ? "" : ", so will RECOVER it from manufactory");
-        return false;
+        return error != 0 ? CopyState::unreadable(error) : CopyState{Verdict::Damaged};
     }
     // What cannot be written to can be read at least.
     if (openFile(path, mode == MANUFACTORY_LOAD ? "r" : "r+") || openFile(path, "r"))
-        return true;
-    noteUnreadable(errno);
+        return {};
+    const CopyState refused = CopyState::unreadable(errno);
     TD_WARNING("open file [%s] failed.\n", path.c_str());
-    return false;
+    return refused;
 }
 
-void AbstractFileOperator::noteUnreadable(int error) {
-    m_readError = error != 0 ? error : EIO;
-}
-
-bool AbstractFileOperator::isThere(const char* path) {
+CopyState AbstractFileOperator::lookFor(const char* path) const {
     errno = 0;
     if (FileUtil::checkFile(path))
-        return true;
+        return {};
     const int error = errno;
-    if (error != ENOENT && error != ENOTDIR && !FileUtil::isStray(path))
-        noteUnreadable(error);
-    return false;
+    if (error == ENOENT || error == ENOTDIR || FileUtil::isStray(path))
+        return {Verdict::Missing};
+    return CopyState::unreadable(error);
 }
 
-bool AbstractFileOperator::isNoFile(const std::string& path) const {
-    if (!FileUtil::isStray(path.c_str()))
-        return false;
-    TD_WARNING("[%s]: what stands at [%s] is no file.\n", categoryName(), path.c_str());
-    return true;
-}
-
-bool AbstractFileOperator::makeRoom(const std::string& path) {
-    std::string aside;
-    if (!FileUtil::isStray(path.c_str()))
-        return true;
-    if (!FileUtil::moveAside(path.c_str(), aside)) {
-        TD_ERROR("[%s]: what stands at [%s] is no file and cannot be moved aside (%s), so none is made there.\n",
-                 categoryName(), path.c_str(), std::strerror(errno));
-        return false;
-    }
-    TD_WARNING("[%s]: what stood at [%s] is no file; it is [%s] now.\n", categoryName(), path.c_str(), aside.c_str());
-    return true;
-}
-
-void AbstractFileOperator::noteIfUnreadable() {
-    if (m_file.isOpend() && m_file.readFailed())
-        noteUnreadable(EIO);
+Copies AbstractFileOperator::copies(std::string factory) {
+    return {{getWorkPath(NORMAL_LOAD) + m_fileName, getWorkPath(BACKUP_LOAD) + m_fileName, std::move(factory)},
+            categoryName(),
+            m_path};
 }
 
 bool AbstractFileOperator::loadSummary(const char* path) {
     const SectionStep step(m_criticalSection);
+    return verifyFile(path).isGood();
+}
+
+CopyState AbstractFileOperator::verifyFile(const char* path) {
     shareFiles();
     closeFile();
     if (path == nullptr || std::strlen(path) >= static_cast<std::size_t>(paths::PATH_SIZE))
-        return false;
+        return {Verdict::Missing};
     setPath(path);
-    m_readError = 0;
-    if (isNoFile(path) || !isThere(path)) {
+    CopyState state = Copies::isNoFile(path, categoryName()) ? CopyState{Verdict::Missing} : lookFor(path);
+    if (!state.isGood()) {
         TD_WARNING("load file failed -- file [%s] isn't exist.\n", path);
         logWhere();
-        return false;
+        return state;
     }
     if (!openFile(path, "r")) {
-        noteUnreadable(errno);
+        state = CopyState::unreadable(errno);
         TD_WARNING("open file [%s] failed.\n", path);
         logWhere();
-        return false;
+        return state;
     }
-    bool fatal = false;
-    return verifySummary(nullptr, fatal);
+    return verifySummary(nullptr, Versions::Any);
 }
 
-bool AbstractFileOperator::verifySummary(const _LOAD_FILE_MODE* mode, bool& fatal) {
+CopyState AbstractFileOperator::verifySummary(const _LOAD_FILE_MODE* mode, Versions versions) {
     forgetLengths();
     Summary summary;
-    const SummaryState state = readSummary(m_file, summary);
-    adoptSummary(summary, state);
-    if (!checkSummaryLines(summary, state, mode, fatal)) {
+    const SummaryState lines = readSummary(m_file, summary);
+    adoptSummary(summary, lines);
+    const CopyState state = checkSummaryLines(summary, lines, mode, versions);
+    if (!state.isGood()) {
         logWhere();
         closeFile();
-        return false;
-    }
-    if (state == SummaryState::Complete)
+    } else if (lines == SummaryState::Complete) {
         TD_INFO("SummaryInfo -- SN:[%s] VER:[%s] SIZE:[%d].\n", m_fileType, m_version, m_fileSize);
-    return true;
+    }
+    return state;
 }
 
-bool AbstractFileOperator::checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode,
-                                             bool& fatal) {
+CopyState AbstractFileOperator::checkSummaryLines(const Summary& summary, SummaryState state,
+                                                  const _LOAD_FILE_MODE* mode, Versions versions) {
     if (summary.hasTvType && m_parent != nullptr && std::strcmp(summary.tvType, m_parent->getTvType()) != 0)
         TD_WARNING("The Tv type [%s] of data file [%s] is not matched as defined [%s] .\n", summary.tvType,
                    m_path.load(), m_parent->getTvType());
-    if (summary.hasVersion && mode != nullptr && !versionMatches(summary, *mode, fatal))
-        return false;
-    switch (state) {
-    case SummaryState::NotReadable:
-        noteUnreadable(errno);
+    if (summary.hasVersion && mode != nullptr && versions == Versions::OwnOnly && m_merge.comparesVersions() &&
+        m_parent != nullptr && std::strcmp(summary.version, m_version) != 0)
+        return otherVersion(summary, *mode);
+    if (state == SummaryState::NotReadable) {
+        const CopyState unreadable = CopyState::unreadable(errno);
         TD_WARNING("reset file position of [%s] failed.\n", m_path.load());
-        return false;
-    case SummaryState::BadHeader:
-        TD_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadTvType:
-        TD_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadVersion:
-        TD_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadCrc:
-        TD_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::EndOfFile:
-        return true;
-    case SummaryState::Complete:
-        break;
+        return unreadable;
     }
-    return checksumMatches(summary, mode, fatal);
+    if (const char* const part = badPart(state)) {
+        TD_WARNING("Summary section %s (%s) is invalid.\n", part, summary.badLine);
+        return {Verdict::Damaged};
+    }
+    if (state == SummaryState::EndOfFile)
+        return {};
+    return checkChecksum(summary, mode);
 }
 
-bool AbstractFileOperator::versionMatches(const Summary& summary, _LOAD_FILE_MODE mode, bool& fatal) {
-    if (!m_versionCheck || m_parent == nullptr || std::strcmp(summary.version, m_version) == 0)
-        return true;
+CopyState AbstractFileOperator::otherVersion(const Summary& summary, _LOAD_FILE_MODE mode) {
     TD_WARNING("The Tv Version [%s] of data file [%s] is not matched defined of SW [%s] in [%s].\n", summary.version,
                m_path.load(), m_version, getLoadMode(mode));
     if (mode == MANUFACTORY_LOAD) {
-        fatal = true;
         TD_ERROR("dataModule will terminal loading-data Flow because of  version not matched from manufactory data "
                  "files.\n");
-    } else {
-        m_otaLoading = true;
-        TD_INFO("dataModule will load data as OTA Flow in [%s].\n", getLoadMode(mode));
+        return {Verdict::Fatal};
     }
-    return false;
+    TD_INFO("dataModule will load data as OTA Flow in [%s].\n", getLoadMode(mode));
+    return {Verdict::OtherVersion};
 }
 
-bool AbstractFileOperator::checksumMatches(const Summary& summary, const _LOAD_FILE_MODE* mode, bool& fatal) {
+CopyState AbstractFileOperator::checkChecksum(const Summary& summary, const _LOAD_FILE_MODE* mode) {
     unsigned int computed = 0;
     if (!contentChecksum(computed)) {
-        noteUnreadable(errno);
+        const CopyState unreadable = CopyState::unreadable(errno);
         TD_WARNING("Failed to Calculate CRC code of data file [%s].\n", m_path.load());
-        return false;
+        return unreadable;
     }
     if (computed == summary.crc) {
         m_crc = computed;
-        return true;
+        return {};
     }
     TD_WARNING("The CRC [0x%08x] of data file [%s] is not matched actually [0x%08x] ...\n", summary.crc, m_path.load(),
                computed);
     if (mode == nullptr)
-        return false;
+        return {Verdict::Damaged};
     if (*mode == MANUFACTORY_LOAD) {
-        fatal = true;
         TD_ERROR("dataModule will terminal loading-data Flow because of  CRC checking not passed from manufactory data "
                  "files.\n");
-    } else {
-        TD_WARNING("dataModule will load data as RECOVER flow in [%s].\n", getLoadMode(*mode));
+        return {Verdict::Fatal};
     }
-    return false;
+    TD_WARNING("dataModule will load data as RECOVER flow in [%s].\n", getLoadMode(*mode));
+    return {Verdict::Damaged};
 }
 
 bool AbstractFileOperator::contentChecksum(unsigned int& crc) {
@@ -586,27 +552,13 @@ bool AbstractFileOperator::readStoredChecksum(const char* path, unsigned int& cr
         return false;
     }
     Summary summary;
-    switch (readSummary(m_file, summary)) {
-    case SummaryState::NotReadable:
+    const SummaryState state = readSummary(m_file, summary);
+    if (state == SummaryState::NotReadable)
         TD_INFO("reset file position of [%s] failed.\n", path);
+    if (const char* const part = badPart(state))
+        TD_INFO("Summary section %s (%s) is invalid.\n", part, summary.badLine);
+    if (state != SummaryState::Complete)
         return false;
-    case SummaryState::BadHeader:
-        TD_INFO("Summary section subject (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadTvType:
-        TD_INFO("Summary section SN Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadVersion:
-        TD_INFO("Summary section VER Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadCrc:
-        TD_INFO("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::EndOfFile:
-        return false;
-    case SummaryState::Complete:
-        break;
-    }
     TD_INFO("read CRC Field [0x%08x] from data file '%s' successfully.\n", summary.crc, path);
     crc = summary.crc;
     return true;
@@ -623,7 +575,7 @@ _LOAD_FILE_MODE AbstractFileOperator::stateChanged(_LOAD_FILE_MODE mode) const {
     _LOAD_FILE_MODE next = INVALID_LOAD;
     switch (mode) {
     case NORMAL_LOAD:
-        next = m_otaLoading ? MANUFACTORY_LOAD : BACKUP_LOAD;
+        next = m_merge.isUnderWay() ? MANUFACTORY_LOAD : BACKUP_LOAD;
         break;
     case BACKUP_LOAD:
         next = MANUFACTORY_LOAD;
@@ -641,22 +593,6 @@ _LOAD_FILE_MODE AbstractFileOperator::stateChanged(_LOAD_FILE_MODE mode) const {
     TD_INFO("@@@@@ The state is changed from [%s] to [%s] @@@@@ .\n", getLoadMode(mode), getLoadMode(next));
     return next;
 }
-
-/// A merge that does not come to its end, whatever ended it, is to be made again.
-struct AbstractFileOperator::MergeScope {
-    explicit MergeScope(AbstractFileOperator& loading) : op(loading) {}
-    ~MergeScope() {
-        if (goesOn || !op.m_otaLoading)
-            return;
-        op.m_versionCheck = true;
-        op.m_otaLoading = false;
-    }
-    MergeScope(const MergeScope&) = delete;
-    MergeScope& operator=(const MergeScope&) = delete;
-
-    AbstractFileOperator& op;
-    bool goesOn = false;
-};
 
 /// A table that is served from memory is until a load has taken its place.
 struct AbstractFileOperator::MemoryScope {
@@ -678,14 +614,14 @@ bool AbstractFileOperator::loadFile() {
     TimeUtil::instance()->start();
     const timespec deadline = LoadBudget::deadline();
     // Asked before the lock too, which the thread that writes the merged file holds.
-    if (!m_otaLoading) {
+    if (!m_merge.isUnderWay()) {
         SectionLock lock(m_criticalSection);
         m_criticalSection.limitWaits(deadline);
         if (checkReloadFile() && m_loaded) {
             TD_INFO("file [%s] already load yet, NEEDN'T load again.\n", m_path.load());
             return true;
         }
-        if (!m_otaLoading)
+        if (!m_merge.isUnderWay())
             return loadFromFiles();
     }
     TD_WARNING("Forbidden load flle [%s] in OTA LOAD STATUS.\n", m_path.load());
@@ -695,15 +631,15 @@ bool AbstractFileOperator::loadFile() {
 
 bool AbstractFileOperator::loadFromFiles() {
     // A merge that could not be written is in the table alone; if it still cannot be, it is made again.
-    if (m_mergeUnwritten && !mergedByOther())
+    if (m_merge.isUnwritten() && !mergedByOther())
         createFile();
     {
-        MergeScope merge(*this);
+        VersionMerge::Attempt merge(m_merge);
         MemoryScope memory(*this);
         const bool wasServed = memory.wasServed;
         const Stores stores = wasServed || (m_wasLoaded && !m_loaded) ? Stores::Kept : Stores::Dropped;
-        const auto load = [this]() TD_REQUIRES(m_criticalSection) {
-            if (!loadFirstGoodCopy())
+        const auto load = [this, &merge]() TD_REQUIRES(m_criticalSection) {
+            if (!Loader(*this, merge).load())
                 return false;
             m_loaded = true;
             return true;
@@ -711,11 +647,11 @@ bool AbstractFileOperator::loadFromFiles() {
         if (!loadTable(stores, load))
             return false;
         memory.hasEnded = true;
-        merge.goesOn = m_otaLoading;
+        merge.goesOn();
     }
     m_wasLoaded = true;
     m_releasedLoaded = false;
-    if (m_otaLoading)
+    if (m_merge.isUnderWay())
         startMergeThread();
     return true;
 }
@@ -753,94 +689,6 @@ void AbstractFileOperator::dropStores() {
     giveUpStores();
 }
 
-bool AbstractFileOperator::loadFirstGoodCopy() {
-    shareFiles();
-    if (m_criticalSection.gaveUpWaiting())
-        return serveFromMemory();
-    _LOAD_FILE_MODE mode = NORMAL_LOAD;
-    _LOAD_FILE_MODE triedAgain = INVALID_LOAD;
-    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
-    for (;;) {
-        struct stat found = {};
-        stat(current.c_str(), &found);
-        bool fatal = false;
-        Reading reading = Reading::TryNext;
-        if (loadSummary(mode, fatal)) {
-            m_loadMode = mode;
-            TD_INFO("Ready to load contents in [%s] ...\n", getLoadMode(mode));
-            reading = readCopy(mode);
-        }
-        if (reading == Reading::Done)
-            break;
-        if (fatal || reading == Reading::Failed)
-            return false;
-        if (m_readError != 0 && std::exchange(triedAgain, mode) != mode)
-            continue;
-        if (staysUnread())
-            return false;
-        if (mode == NORMAL_LOAD && currentWasMended(found)) {
-            m_otaLoading = false;
-            continue;
-        }
-        if (m_criticalSection.gaveUpWaiting()) {
-            m_otaLoading = false;
-            return serveFromMemory();
-        }
-        if (mode == NORMAL_LOAD && m_pendingError != 0) {
-            // With the write that is pending it would be whole.
-            noteUnreadable(m_pendingError);
-            if (staysUnread())
-                return false;
-        }
-        mode = stateChanged(mode);
-        if (mode == INVALID_LOAD) {
-            TD_ERROR("load file [%s] failed.\n", m_path.load());
-            logWhere();
-            return false;
-        }
-    }
-    TD_INFO("load file [%s] completely, cache data size = %d, elpased time = %d (ms).\n", m_path.load(), m_dataSize,
-            elapsedMilliseconds());
-    if (m_loadMode == NORMAL_LOAD)
-        return true;
-    TD_INFO("it is necessary to switch to NORMAL_LOAD.\n");
-    if (switchToNormal())
-        return true;
-    TD_WARNING("switch to normal load failed.\n");
-    logWhere();
-    return false;
-}
-
-bool AbstractFileOperator::staysUnread() const {
-    if (m_readError == 0 || m_readError == EIO)
-        return false;
-    TD_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_path.load(), std::strerror(m_readError));
-    logWhere();
-    return true;
-}
-
-/// Nothing is recovered, merged or written meanwhile.
-bool AbstractFileOperator::serveFromMemory() {
-    TD_WARNING("[%s]: another process keeps the lock of file [%s], so the first good copy is read without it, and "
-               "nothing is written before the lock can be had.\n",
-               categoryName(), m_fileName);
-    for (const _LOAD_FILE_MODE mode : {NORMAL_LOAD, BACKUP_LOAD, MANUFACTORY_LOAD}) {
-        bool fatal = false;
-        const bool read = loadSummary(mode, fatal) && loadContents();
-        m_otaLoading = false;
-        if (!read)
-            continue;
-        TD_INFO("load file [%s] without its lock.\n", m_path.load());
-        closeFile();
-        m_loadMode = NORMAL_LOAD;
-        setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
-        m_servesMemory = true;
-        return true;
-    }
-    TD_ERROR("load file [%s] failed.\n", m_path.load());
-    return false;
-}
-
 bool AbstractFileOperator::loadAgain() {
     // Whoever reads the table meanwhile would wait too, and so would the worker's other categories.
     m_criticalSection.limitWaits(deadlineIn(0));
@@ -865,7 +713,7 @@ bool AbstractFileOperator::loadAgain() {
 }
 
 bool AbstractFileOperator::hasFailed() const {
-    return m_servesMemory || m_mergeUnwritten || m_pending->hasFailed();
+    return m_servesMemory || m_merge.isUnwritten() || m_pending->hasFailed();
 }
 
 void AbstractFileOperator::tryAgain() {
@@ -876,7 +724,7 @@ void AbstractFileOperator::tryAgain() {
     bool hadFailed = false;
     try {
         done = makeUpForLoad();
-        hadFailed = m_mergeUnwritten || m_pending->hasFailed();
+        hadFailed = m_merge.isUnwritten() || m_pending->hasFailed();
         done = done && writeFailed();
     } catch (const std::exception& error) {
         done = false;
@@ -894,138 +742,22 @@ void AbstractFileOperator::tryAgain() {
     m_criticalSection.unlock();
 }
 
-/// Another process may have found the same damage, or the same old version, and be done with it. A pending write that
-/// could not be ended a moment ago may end now.
-bool AbstractFileOperator::currentWasMended(const struct stat& found) {
-    takeFiles();
-    const bool triesAgain = m_pendingError != 0;
-    if (triesAgain)
-        endPendingWrite();
-    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
-    struct stat now = {};
-    const bool hasChanged = stat(current.c_str(), &now) == 0 && !isSame(found, now);
-    return (hasChanged || (triesAgain && m_pendingError == 0)) && fileVerifies(current.c_str(), m_version);
-}
-
-AbstractFileOperator::Reading AbstractFileOperator::readCopy(_LOAD_FILE_MODE mode) {
-    if (mode == MANUFACTORY_LOAD && m_otaLoading)
-        return readForMerge();
-    if (!loadContents()) {
-        noteIfUnreadable();
-        TD_WARNING("load contents from file [%s] failed.\n", m_path.load());
-        logWhere();
-        return mode == MANUFACTORY_LOAD ? Reading::Failed : Reading::TryNext;
-    }
-    if (mode == NORMAL_LOAD)
-        return Reading::Done;
-    if (mode == MANUFACTORY_LOAD)
-        TD_INFO("load file [%s] completely.\n", m_path.load());
-    closeFile();
-    if (recoverFile())
-        return Reading::Done;
-    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
-    if (FileUtil::isStray(current.c_str())) {
-        TD_WARNING("[%s]: file [%s] cannot be made where something else stands, so its values are served from memory, "
-                   "and nothing is written before that has gone.\n",
-                   categoryName(), current.c_str());
-        m_servesMemory = true;
-        m_loadMode = NORMAL_LOAD;
-        setPath(current);
-        return Reading::Done;
-    }
-    if (mode == MANUFACTORY_LOAD) {
-        TD_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_path.load());
-        logWhere();
-    }
-    return Reading::Failed;
-}
-
 // --- merging a copy of another version ---
-
-AbstractFileOperator::Reading AbstractFileOperator::readForMerge() {
-    TD_INFO("#################### load OTA data flow begin. ###################.\n");
-    TD_INFO("1. load contents from file [%s] ...\n", m_path.load());
-    if (!loadContents()) {
-        TD_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_path.load());
-        logWhere();
-        return Reading::Failed;
-    }
-    closeFile();
-    TD_INFO("load contents from file [%s] completely elpased time = %d (ms).\n", m_path.load(), elapsedMilliseconds());
-    TD_INFO("load manufactory data file completely.\n");
-
-    TD_INFO("2. load current data file in OTA mode ... \n");
-    if (loadCurrentFile() || (m_readError != 0 && loadCurrentFile())) {
-        TD_INFO("load current data file in OTA mode completely \n");
-    } else {
-        if (staysUnread())
-            return Reading::Failed;
-        TD_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
-        logWhere();
-        if (!mergeBackup() && !(m_readError != 0 && mergeBackup())) {
-            if (staysUnread() || !readFactoryTable())
-                return Reading::Failed;
-        }
-    }
-    closeFile();
-    m_loadMode = NORMAL_LOAD;
-    setPath(getWorkPath(NORMAL_LOAD) + m_fileName);
-    return Reading::Done;
-}
 
 bool AbstractFileOperator::loadCurrentFile() {
     const SectionStep step(m_criticalSection);
-    TD_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n",
-            (getWorkPath(NORMAL_LOAD) + m_fileName).c_str());
-    m_versionCheck = false;
-    if (!switchToNormal()) {
-        TD_WARNING("switch to normal failed when load OTA data.\n");
-        logWhere();
-        return false;
-    }
-    // A copy that ends before its checksum has not been verified and has nothing to merge.
-    if (m_crcLineLength == 0 || !loadContents_OTA()) {
-        noteIfUnreadable();
-        TD_WARNING("load contents from file [%s] failed when load OTA data.\n", m_path.load());
-        logWhere();
-        closeFile();
-        return false;
-    }
-    closeFile();
-    TD_INFO("loading current file [%s] completely when load OTA data.  \n", m_path.load());
-    return true;
-}
-
-/// The current copy could not be merged, perhaps not to its end: the table starts from the factory values again.
-bool AbstractFileOperator::mergeBackup() {
-    const std::string backup = getWorkPath(BACKUP_LOAD) + m_fileName;
-    m_readError = 0;
-    if (!isThere(backup.c_str()) || !readFactoryTable() || !loadSummary(backup.c_str()) || m_crcLineLength == 0)
-        return false;
-    if (!loadContents_OTA()) {
-        noteIfUnreadable();
-        return false;
-    }
-    TD_INFO("load backup data file [%s] in OTA mode completely \n", backup.c_str());
-    return true;
-}
-
-bool AbstractFileOperator::readFactoryTable() {
-    return switchToManufactory() && loadContents();
+    m_merge.acceptAnyVersion();
+    VersionMerge::Attempt merge(m_merge);
+    merge.goesOn();
+    return Loader(*this, merge).mergeCurrent().isGood();
 }
 
 /// Called last by the load, which still holds the critical section: the thread starts writing when that is given back.
 void AbstractFileOperator::startMergeThread() {
     TimeUtil::instance()->start();
-    OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
-    // An earlier merge has long ended, as no load begins while one runs.
-    if (m_mergeThread != OsalThreads::INVALID_HANDLE)
-        OsalThreads::join(std::exchange(m_mergeThread, OsalThreads::INVALID_HANDLE));
     // No other process may merge the same file, or store in it, before this one has written what it read.
     m_criticalSection.keepFiles(true);
-    if (OsalThreads::create("DataModuleMerge", mergeProc, this, handle)) {
-        m_mergeThread = handle;
-    } else {
+    if (!m_merge.startThread(mergeProc, this)) {
         m_criticalSection.keepFiles(false);
         TD_WARNING("no thread to create NEW current file (%s), so create it at once.\n", m_path.load());
         logWhere();
@@ -1048,9 +780,7 @@ void AbstractFileOperator::writeMerged() {
     } catch (...) {
         TD_ERROR("create file (%s) failed when load OTA data.\n", m_path.load());
         logWhere();
-        m_mergeUnwritten = true;
-        m_versionCheck = true;
-        m_otaLoading = false;
+        m_merge.failed();
         m_pending->mergeFailed();
     }
 }
@@ -1063,7 +793,6 @@ void* AbstractFileOperator::createFileProc(void* self) TD_NO_THREAD_SAFETY_ANALY
     TD_INFO("################### start to create new current file in OTA mode ... ###################.\n");
     TD_INFO("@@@@@ start background thread to create NEW current file (%s) when load OTA data.\n", op->m_path.load());
     op->createFile();
-    op->m_otaLoading = false;
     TD_INFO("@@@@@ background thread terminal to create NEW current file (%s) when load OTA data.\n",
             op->m_path.load());
     return nullptr;
@@ -1072,15 +801,15 @@ void* AbstractFileOperator::createFileProc(void* self) TD_NO_THREAD_SAFETY_ANALY
 bool AbstractFileOperator::createFile() {
     const SectionStep step(m_criticalSection);
     TD_INFO("start to create NEW current file (%s) when load OTA data.\n", m_path.load());
-    m_mergeUnwritten = !writeNewFile(false);
-    if (m_mergeUnwritten) {
+    if (!writeNewFile(false)) {
         // The current copy is still of the other version: read again, it has to be merged again.
-        m_versionCheck = true;
+        m_merge.failed();
         m_pending->mergeFailed();
         TD_WARNING("create file (%s) failed when load OTA data.\n", m_path.load());
         logWhere();
         return false;
     }
+    m_merge.written();
     TD_INFO("#################### load OTA data flow end. ###################.\n");
     return true;
 }
@@ -1089,7 +818,7 @@ bool AbstractFileOperator::mergedByOther() {
     takeFiles();
     if (!fileVerifies((getWorkPath(NORMAL_LOAD) + m_fileName).c_str(), m_version))
         return false;
-    m_mergeUnwritten = false;
+    m_merge.wasWrittenElsewhere();
     return true;
 }
 
@@ -1098,7 +827,7 @@ void AbstractFileOperator::waitForMerge() {
     OsalThreads::Handle handle = OsalThreads::INVALID_HANDLE;
     {
         SectionLock lock(m_criticalSection);
-        std::swap(handle, m_mergeThread);
+        handle = m_merge.takeThread();
     }
     if (handle != OsalThreads::INVALID_HANDLE)
         OsalThreads::join(handle);
@@ -1106,28 +835,28 @@ void AbstractFileOperator::waitForMerge() {
 
 // --- switching copies ---
 
+/// Only a load may begin a merge: nobody would write the file here and end it.
 bool AbstractFileOperator::switchToNormal() {
     const SectionStep step(m_criticalSection);
+    return openNormal().isGood();
+}
+
+CopyState AbstractFileOperator::openNormal(Versions versions) {
     closeFile();
     m_loadMode = NORMAL_LOAD;
-    const bool merging = m_otaLoading;
-    bool fatal = false;
-    const bool loaded = loadSummary(NORMAL_LOAD, fatal);
-    // Only a load may begin a merge: nobody would write the file here and end it.
-    m_otaLoading = merging;
-    if (!loaded) {
+    const CopyState state = verifyCopy(NORMAL_LOAD, versions);
+    if (!state.isGood()) {
         TD_WARNING("Load summary from current file [%s] failed.\n", m_path.load());
         logWhere();
     }
-    return loaded;
+    return state;
 }
 
 bool AbstractFileOperator::switchToManufactory() {
     const SectionStep step(m_criticalSection);
     closeFile();
     m_loadMode = MANUFACTORY_LOAD;
-    bool fatal = false;
-    const bool loaded = loadSummary(MANUFACTORY_LOAD, fatal);
+    const bool loaded = verifyCopy(MANUFACTORY_LOAD).isGood();
     if (!loaded) {
         TD_WARNING("Load summary from manufactory file [%s] failed.\n", m_path.load());
         logWhere();
@@ -1241,7 +970,7 @@ bool AbstractFileOperator::writeNewFile(bool defaults) {
         logWhere();
         return false;
     }
-    if (!makeRoom(path))
+    if (!Copies::makeRoom(path, categoryName()))
         return false;
     if (defaults && FileUtil::checkFile(path.c_str())) {
         TD_WARNING("init failed -- file [%s] exist.\n", path.c_str());
@@ -1330,21 +1059,10 @@ bool AbstractFileOperator::recoverFile() {
     }
     takeFiles();
     TD_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(m_loadMode));
-    const std::string directory = getWorkPath(NORMAL_LOAD);
-    if (!FileUtil::checkPath(directory.c_str(), true)) {
-        TD_WARNING("recover failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
-        logWhere();
+    if (!copies().recoverFrom(m_path.load()))
         return false;
-    }
-    const std::string target = directory + m_fileName;
-    if (hasReadableSize(m_path) && makeRoom(target) && FileUtil::replaceFile(m_path, target.c_str())) {
-        m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
-        TD_INFO("recover file [%s] from file [%s] successfully.\n", target.c_str(), m_path.load());
-        return true;
-    }
-    TD_WARNING("recover file [%s] from file [%s] failed.\n", target.c_str(), m_path.load());
-    logWhere();
-    return false;
+    m_backupOutdated = m_backupOutdated || m_loadMode == MANUFACTORY_LOAD;
+    return true;
 }
 
 bool AbstractFileOperator::backupFile(bool alsoFactory) {
@@ -1355,13 +1073,10 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
         return false;
     }
     takeFiles();
-    const std::string directory = getWorkPath(BACKUP_LOAD);
-    if (!FileUtil::checkPath(directory.c_str(), true)) {
-        TD_WARNING("backup failed -- data path [%s] not exist and couldn't create.\n", directory.c_str());
-        logWhere();
+    const Copies copies = this->copies(getWorkPath(MANUFACTORY_LOAD) + m_fileName);
+    if (!copies.makeBackupDirectory())
         return false;
-    }
-    const std::string backup = directory + m_fileName;
+    const std::string backup = getWorkPath(BACKUP_LOAD) + m_fileName;
     const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
     // The checksum is read from the open file, which may be the current copy, opened again since it was written.
     if (m_backupOutdated)
@@ -1372,26 +1087,13 @@ bool AbstractFileOperator::backupFile(bool alsoFactory) {
                 backup.c_str());
         return true;
     }
-    // Invariant 1: only a current copy that verifies goes over the backup.
-    if (!fileVerifies(current.c_str(), nullptr) || !makeRoom(backup) ||
-        !FileUtil::replaceFile(current.c_str(), backup.c_str())) {
-        TD_WARNING("Backup file [%s] from file [%s] failed.\n", backup.c_str(), current.c_str());
-        logWhere();
+    if (!copies.backUp())
         return true;
-    }
     m_backupOutdated = false;
     if (enableDebugLog() != 0)
         TD_DETAIL("backup file [%s] from file [%s] successfully.\n", backup.c_str(), current.c_str());
-    if (!alsoFactory)
-        return true;
-    const std::string factory = getWorkPath(MANUFACTORY_LOAD) + m_fileName;
-    if (!isNoFile(factory) && FileUtil::checkPath(getWorkPath(MANUFACTORY_LOAD).c_str(), true) &&
-        FileUtil::replaceFile(current.c_str(), factory.c_str()))
-        TD_INFO("create file [%s] from file [%s] successfully.'\n", factory.c_str(), current.c_str());
-    else {
-        TD_WARNING("create file [%s] from file [%s] failed.\n", factory.c_str(), current.c_str());
-        logWhere();
-    }
+    if (alsoFactory)
+        static_cast<void>(copies.makeFactory());
     return true;
 }
 
@@ -1403,15 +1105,11 @@ bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
     closeFile();
     setPath(current);
     m_nameSynced = false;
-    // Invariant 1.
-    if (fileVerifies(factory.c_str(), m_version) && makeRoom(current) &&
-        FileUtil::replaceFile(factory.c_str(), current.c_str())) {
+    if (copies(factory).resetFromFactory(m_version)) {
         outdateSnapshots();
         m_backupOutdated = true;
         setBackupReq(true);
         postChangesSinceRefresh();
-    } else {
-        logWhere();
     }
     TD_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
     return true;
@@ -1422,9 +1120,7 @@ bool AbstractFileOperator::removeFile() {
     takeFiles();
     closeFile();
     giveUpStores();
-    removeCopy(paths::defaultFactoryDirectory() + m_fileName);
-    removeCopy(getWorkPath(BACKUP_LOAD) + m_fileName);
-    return removeCurrentCopy();
+    return copies().removeAll(paths::defaultFactoryDirectory() + m_fileName);
 }
 
 bool AbstractFileOperator::removeCurrentFile() {
@@ -1432,22 +1128,7 @@ bool AbstractFileOperator::removeCurrentFile() {
     takeFiles();
     closeFile();
     giveUpStores();
-    return removeCurrentCopy();
-}
-
-bool AbstractFileOperator::removeCurrentCopy() {
-    const std::string current = getWorkPath(NORMAL_LOAD) + m_fileName;
-    FileUtil::removeSingleFile(redoPath(current).c_str());
-    return removeCopy(current);
-}
-
-bool AbstractFileOperator::removeCopy(const std::string& path) {
-    setPath(path);
-    if (FileUtil::removeSingleFile(path.c_str()) == 0)
-        return true;
-    TD_WARNING("remove file [%s] failed.\n", path.c_str());
-    logWhere();
-    return false;
+    return copies().removeCurrent();
 }
 
 // --- summary and checksum ---
@@ -1527,7 +1208,7 @@ bool AbstractFileOperator::updateSummary() {
 
 bool AbstractFileOperator::updateCrcCode() {
     const SectionStep step(m_criticalSection);
-    if (std::exchange(m_sectionSkipped, false) || m_otaLoading)
+    if (std::exchange(m_sectionSkipped, false) || m_merge.isUnderWay())
         return true;
     WriteScope write(*this);
     takeFiles();
@@ -1616,99 +1297,8 @@ bool AbstractFileOperator::rewriteChecksumLine() {
     return true;
 }
 
-namespace {
-
-/// Whether the file has a place for a checksum: whole lines as every reader takes them, and a last one of the length
-/// of the one that is to stand there (invariant 3). What stands in that one does not matter.
-bool hasChecksumLine(const Summary& summary, SummaryState state) {
-    switch (state) {
-    case SummaryState::NotReadable:
-    case SummaryState::BadHeader:
-        TD_WARNING("Summary section subject (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadTvType:
-        TD_WARNING("Summary section SN Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::BadVersion:
-        TD_WARNING("Summary section VER Field (%s) is invalid.\n", summary.badLine);
-        return false;
-    case SummaryState::EndOfFile:
-        TD_WARNING("read line failed for tv %s.\n", !summary.hasTvType    ? "type"
-                                                    : !summary.hasVersion ? "version"
-                                                                          : "crc");
-        return false;
-    case SummaryState::BadCrc:
-    case SummaryState::Complete:
-        break;
-    }
-    if (summary.crcLineLength == text::CRC_LINE_LENGTH)
-        return true;
-    TD_WARNING("Summary section CRC Field (%s) is invalid.\n", summary.badLine);
-    return false;
-}
-
-/// Keeps all others off the files: as part of the critical section in which the calling thread is at work on them, or
-/// with `lock`. False when that cannot be had for now.
-bool takeFilesOf(const std::string& lockFile, FileLock& lock) TD_NO_THREAD_SAFETY_ANALYSIS {
-    CriticalSection* const section = CriticalSection::claimedHere(lockFile);
-    if (section == nullptr)
-        return lock.lock(lockFile, FileLock::Kind::Exclusive) || !lock.failedForNow();
-    section->takeFiles(lockFile);
-    return !section->filesUnsure();
-}
-
-bool rewriteCrcOf(FileUtil& file, const char* path) {
-    Summary summary;
-    const SummaryState state = readSummary(file, summary);
-    if (!hasChecksumLine(summary, state))
-        return false;
-    unsigned int crc = 0;
-    if (!contentChecksum(path, summary.contentPosition(), crc)) {
-        TD_WARNING("Failed to Calculate CRC code of data file [%s].\n", path);
-        return false;
-    }
-    if (!file.setPos(summary.crcPosition)) {
-        TD_WARNING("Failed to set pos when write CRC code of data file [%s].\n", path);
-        return false;
-    }
-    if (!file.writeFile(text::crcLine(crc).c_str(), true)) {
-        TD_WARNING("Failed to write CRC code of data file [%s].\n", path);
-        return false;
-    }
-    return true;
-}
-
-} // namespace
-
 bool AbstractFileOperator::generateCRC32(const char* path) {
-    const NoCancel noCancel;
-    if (path == nullptr || !FileUtil::checkFile(path)) {
-        TD_WARNING("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
-        return false;
-    }
-    const std::string name = path;
-    const std::string lockFile = paths::lockFile(name.substr(name.find_last_of('/') + 1));
-    FileLock lock;
-    if (!takeFilesOf(lockFile, lock)) {
-        TD_WARNING("the lock of file [%s] cannot be had now, so its CRC code stays as it is.\n", path);
-        return false;
-    }
-    CRC32Util::instance()->init_crc_table();
-    // With a right checksum a store that was cut short would pass for a whole one (invariant 7).
-    unsigned int ended = 0;
-    int failure = 0;
-    if (redoIsPending(name))
-        replayRedo(name, ended, &failure);
-    if (failure != 0) {
-        TD_WARNING("a store in file [%s] was cut short and could not be ended.\n", path);
-        return false;
-    }
-    FileUtil file;
-    if (!file.openFile(path, "r+")) {
-        TD_WARNING("open file [%s] failed.\n", path);
-        return false;
-    }
-    return rewriteCrcOf(file, path);
+    return repairChecksum(path);
 }
 
 } // namespace td

@@ -33,14 +33,16 @@
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Mutex.h>
 #include <dataModule/common/SystemPaths.h>
+#include <dataModule/fileOperator/Copies.h>
 #include <dataModule/fileOperator/CriticalSection.h>
 #include <dataModule/fileOperator/KnownChecksum.h>
+#include <dataModule/fileOperator/NextCopy.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/SnapshotFloor.h>
 #include <dataModule/fileOperator/SummaryReader.h>
+#include <dataModule/fileOperator/VersionMerge.h>
 #include <dataModule/IDataSeparateManagerInner.h>
 #include <dataModule/IFileOperator.h>
-#include <dataModule/platform/OsalThreads.h>
 
 namespace td {
 
@@ -213,9 +215,9 @@ protected:
     /// Loads the table again if the load had to do without the files. Whether it is that of the files now.
     bool makeUpForLoad() TD_REQUIRES(m_criticalSection) { return !m_servesMemory || loadAgain(); }
     /// Whether a merged table is still to be written as a file.
-    bool mergePending() const { return m_otaLoading; }
+    bool mergePending() const { return m_merge.isUnderWay(); }
     /// Whether that failed once; the next store tries again.
-    bool mergeUnwritten() const { return m_mergeUnwritten; }
+    bool mergeUnwritten() const { return m_merge.isUnwritten(); }
     /// Whether another process has merged the file since, and may have stored in it: then nothing is left to write.
     bool mergedByOther() TD_REQUIRES(m_criticalSection);
     /// One line with category and path after a message that names neither.
@@ -244,8 +246,8 @@ private:
     };
     enum class Found { Yes, EndOfFile, Failed };
     struct CreatingScope;
-    struct MergeScope;
     struct MemoryScope;
+    friend class Loader;
 
     /// Once per critical section, as soon as it has the files for itself.
     void endPendingWrite() TD_REQUIRES(m_criticalSection);
@@ -262,50 +264,35 @@ private:
     enum class Stores { Kept, Dropped };
     /// What loadFile() does once it may.
     bool loadFromFiles() TD_REQUIRES(m_criticalSection);
-    bool loadFirstGoodCopy() TD_REQUIRES(m_criticalSection);
     /// Loads the table; after a failure it holds what was stored as before.
     template <typename Load>
     bool loadTable(Stores stores, Load load) TD_REQUIRES(m_criticalSection);
-    /// The load had to do without the lock between processes, or without a current copy that could be made.
-    bool serveFromMemory() TD_REQUIRES(m_criticalSection);
     /// Makes up for it. Whether the table is that of the files now.
     bool loadAgain() TD_REQUIRES(m_criticalSection);
     /// Whether the lock between processes could be had without waiting.
     bool tryEnterWithFiles() TD_TRY_ACQUIRE(true, m_criticalSection);
-    enum class Reading { Done, TryNext, Failed };
-    /// After a failure to load the current copy, which was `found` so, before another one takes its place: whether
-    /// another process mended it meanwhile.
-    bool currentWasMended(const struct stat& found) TD_REQUIRES(m_criticalSection);
-    Reading readCopy(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
-    Reading readForMerge() TD_REQUIRES(m_criticalSection);
-    bool mergeBackup() TD_REQUIRES(m_criticalSection);
-    bool readFactoryTable() TD_REQUIRES(m_criticalSection);
     void startMergeThread() TD_REQUIRES(m_criticalSection);
-    /// Whatever ends it.
+    /// Whatever is thrown on the way, the merge is then known to be written or not.
     void writeMerged() TD_REQUIRES(m_criticalSection);
     static void* mergeProc(void* self);
 
-    /// Notes that the copy at hand could not be read, which does not make it a bad one.
-    void noteUnreadable(int error) TD_REQUIRES(m_criticalSection);
-    /// The same after a read from the open file, if it was an error that ended it.
-    void noteIfUnreadable() TD_REQUIRES(m_criticalSection);
-    /// Whether something stands there that will never be read as a file, which then is logged.
-    bool isNoFile(const std::string& path) const;
-    /// Moves such a thing aside, so that a copy can be made there; not followed, and its new name logged. False where
-    /// it cannot be moved.
-    bool makeRoom(const std::string& path);
-    /// Whether there is a file; one that cannot be asked for is noted.
-    bool isThere(const char* path) TD_REQUIRES(m_criticalSection);
-    /// Whether the copy that could not be read is to stay as it is: it may be as good as ever, so nothing takes its
-    /// place but when the medium itself gave it up.
-    bool staysUnread() const TD_REQUIRES(m_criticalSection);
-    bool openForSummary(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
-    bool verifySummary(const _LOAD_FILE_MODE* mode, bool& fatal) TD_REQUIRES(m_criticalSection);
-    bool checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode, bool& fatal)
-        TD_REQUIRES(m_criticalSection);
-    bool versionMatches(const Summary& summary, _LOAD_FILE_MODE mode, bool& fatal) TD_REQUIRES(m_criticalSection);
-    bool checksumMatches(const Summary& summary, const _LOAD_FILE_MODE* mode, bool& fatal)
-        TD_REQUIRES(m_criticalSection);
+    /// `factory`: the path of the factory copy, where that counts.
+    Copies copies(std::string factory = {}) TD_REQUIRES(m_criticalSection);
+    /// Whether a copy of another version is refused.
+    enum class Versions { OwnOnly, Any };
+    /// Opens and verifies a copy; as the slots loadSummary() and switchToNormal().
+    CopyState verifyCopy(_LOAD_FILE_MODE mode, Versions versions = Versions::OwnOnly) TD_REQUIRES(m_criticalSection);
+    CopyState verifyFile(const char* path) TD_REQUIRES(m_criticalSection);
+    CopyState openNormal(Versions versions = Versions::OwnOnly) TD_REQUIRES(m_criticalSection);
+    /// Whether there is a file to open.
+    CopyState lookFor(const char* path) const;
+    CopyState openForSummary(_LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
+    /// `mode`: the copy that it is, if it is one.
+    CopyState verifySummary(const _LOAD_FILE_MODE* mode, Versions versions) TD_REQUIRES(m_criticalSection);
+    CopyState checkSummaryLines(const Summary& summary, SummaryState state, const _LOAD_FILE_MODE* mode,
+                                Versions versions) TD_REQUIRES(m_criticalSection);
+    CopyState otherVersion(const Summary& summary, _LOAD_FILE_MODE mode) TD_REQUIRES(m_criticalSection);
+    CopyState checkChecksum(const Summary& summary, const _LOAD_FILE_MODE* mode) TD_REQUIRES(m_criticalSection);
     /// The checksum of the open file's contents; false when it cannot be computed.
     bool contentChecksum(unsigned int& crc) TD_REQUIRES(m_criticalSection);
     Found scanFor(const char* id) TD_REQUIRES(m_criticalSection);
@@ -313,14 +300,9 @@ private:
     bool writeWholeText(bool defaults) TD_REQUIRES(m_criticalSection);
     bool rewriteChecksumLine() TD_REQUIRES(m_criticalSection);
     bool readStoredChecksum(const char* path, unsigned int& crc) TD_REQUIRES(m_criticalSection);
-    /// With its redo record, if there is one.
-    bool removeCurrentCopy() TD_REQUIRES(m_criticalSection);
-    bool removeCopy(const std::string& path) TD_REQUIRES(m_criticalSection);
     std::string factoryPath();
 
-    /// The copy being read or written. Points into m_paths, so that it may be read at any time.
-    std::atomic<const char*> m_path{""};
-    std::set<std::string> m_paths TD_GUARDED_BY(m_criticalSection); ///< every path ever set
+    CopyPath m_path; ///< of the copy being read or written
     std::atomic<bool> m_loaded{false};
     bool m_wasLoaded TD_GUARDED_BY(m_criticalSection) = false; ///< it was loaded before, whatever it is now
     /// The table is not known to be that of the current copy: nothing is written before it was loaded again.
@@ -334,8 +316,7 @@ private:
     int m_fileSize TD_GUARDED_BY(m_criticalSection) = 0;
     unsigned int m_crc TD_GUARDED_BY(m_criticalSection) = 0; ///< as last loaded or updated
     _LOAD_FILE_MODE m_loadMode TD_GUARDED_BY(m_criticalSection) = NORMAL_LOAD;
-    std::atomic<bool> m_otaLoading{false};  ///< a file of another version is being merged
-    std::atomic<bool> m_versionCheck{true}; ///< cleared once a merge has started, for good if it could be written
+    VersionMerge m_merge;
     mutable Mutex m_backupRequestMutex;
     bool m_backupRequest TD_GUARDED_BY(m_backupRequestMutex) = false;
     IDataSeparateManagerInner* m_parent = nullptr; ///< set before use
@@ -350,12 +331,9 @@ private:
     KnownChecksum m_knownChecksum TD_GUARDED_BY(m_criticalSection);
     OpenFile m_open TD_GUARDED_BY(m_criticalSection);
     bool m_creating TD_GUARDED_BY(m_criticalSection) = false; ///< the open file is being made
-    int m_readError TD_GUARDED_BY(m_criticalSection) = 0;     ///< errno when the last copy could not be read; else 0
     int m_pendingError TD_GUARDED_BY(m_criticalSection) = 0;  ///< errno when a pending write could not be ended; else 0
     bool m_sectionSkipped TD_GUARDED_BY(m_criticalSection) = false;
-    std::atomic<bool> m_mergeUnwritten{false};
     bool m_backupOutdated TD_GUARDED_BY(m_criticalSection) = false; ///< the current copy has changed since
-    OsalThreads::Handle m_mergeThread TD_GUARDED_BY(m_criticalSection) = OsalThreads::INVALID_HANDLE;
 };
 
 } // namespace td

@@ -75,6 +75,24 @@ SummaryState readSummary(FileUtil& file, Summary& summary) {
     return hasCrc ? SummaryState::Complete : SummaryState::BadCrc;
 }
 
+const char* badPart(SummaryState state) {
+    switch (state) {
+    case SummaryState::BadHeader:
+        return "subject";
+    case SummaryState::BadTvType:
+        return "SN Field";
+    case SummaryState::BadVersion:
+        return "VER Field";
+    case SummaryState::BadCrc:
+        return "CRC Field";
+    case SummaryState::NotReadable:
+    case SummaryState::EndOfFile:
+    case SummaryState::Complete:
+        break;
+    }
+    return nullptr;
+}
+
 bool contentChecksum(const char* path, int offset, unsigned int& crc) {
     unsigned int computed = 0;
     if (!CRC32Util::instance()->calc_file_crc(path, offset, computed))

@@ -39,6 +39,9 @@ struct Summary {
 /// was cut within it.
 SummaryState readSummary(FileUtil& file, Summary& summary);
 
+/// What log lines call the line that was something else, or null for the states without such a line.
+const char* badPart(SummaryState state);
+
 /// The checksum of the bytes of `path` from `offset` on. False, and `crc` untouched, when it cannot be computed: a
 /// value left at its start over a range that is not empty means that the file could not be read.
 bool contentChecksum(const char* path, int offset, unsigned int& crc);
