@@ -125,7 +125,7 @@ private:
     static constexpr std::size_t CRC_LINE = td::text::CRC_LINE_LENGTH;
 
     std::size_t sectionSize() const {
-        return static_cast<std::size_t>(m_layout.sectionLength() - m_layout.headerLength());
+        return static_cast<std::size_t>(m_layout.keyLinesLength());
     }
     static std::string path(const Setting& setting, const std::string& name) {
         fs::create_directories(setting.directory + "/bare");

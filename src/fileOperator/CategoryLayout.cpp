@@ -1,7 +1,11 @@
 #include <dataModule/fileOperator/CategoryLayout.h>
 
+#include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <set>
+#include <stdexcept>
+#include <string>
 
 #include <dataModule/fileOperator/TextLayout.h>
 
@@ -21,11 +25,70 @@ constexpr const char* CATEGORY_NAMES[] = {
 };
 static_assert(std::size(CATEGORY_NAMES) == CATEGORY_COUNT, "the list of categories has no gap");
 
+/// Records of the largest table that is taken for a sensible one.
+constexpr std::int64_t MOST_RECORDS = 1000000;
+/// Fields that a set of bits can name.
+constexpr std::size_t MOST_FIELDS = 64;
+
+bool isWord(const char* text, std::size_t longest) {
+    return text != nullptr && *text != '\0' && std::strlen(text) <= longest &&
+           std::strpbrk(text, " \t\r\n[]#=/") == nullptr;
+}
+
+/// What is wrong with the dimensions, or empty.
+std::string wrongDimensions(const std::vector<Dimension>& dimensions) {
+    if (dimensions.size() > static_cast<std::size_t>(MAX_DIMENSIONS))
+        return "has too many dimensions";
+    std::int64_t records = 1;
+    for (const Dimension& dimension : dimensions) {
+        const int most = dimension.digits == DigitForm::Hexadecimal ? 16 : 36;
+        if (dimension.name == nullptr || dimension.heading == nullptr)
+            return "has a dimension without a name or heading";
+        if (dimension.count < 1 || dimension.count > most)
+            return std::string("has a dimension [") + dimension.name + "] that one character cannot count";
+        records *= dimension.count;
+    }
+    return records > MOST_RECORDS ? "has too many records" : "";
+}
+
+std::string wrongFields(const CategoryLayout& layout) {
+    if (layout.fields.empty() || layout.fields.size() > MOST_FIELDS)
+        return "has no fields, or too many";
+    std::set<std::string> keys;
+    std::set<int> positions;
+    for (const Field& field : layout.fields) {
+        if (!isWord(field.key, static_cast<std::size_t>(text::keyWidth(layout.keyLine))))
+            return std::string("has a key [") + (field.key != nullptr ? field.key : "") +
+                   "] that does not fit its column";
+        if (field.position < 0 || field.position >= layout.fieldCount() || !positions.insert(field.position).second ||
+            !keys.insert(field.key).second)
+            return std::string("has the field [") + field.key + "] in the place, or by the name, of another";
+        if (!text::fitsColumns(layout.keyLine, field.defaultValue))
+            return std::string("has a default of [") + field.key + "] that does not fit its columns";
+    }
+    return layout.sectionLength() >= text::SECTION_BUFFER ? "has sections that are too long" : "";
+}
+
 } // namespace
 
 const char* categoryName(_DataCategory_t category) {
     const int value = category;
     return value >= 0 && value < CATEGORY_COUNT ? CATEGORY_NAMES[value] : "UNKNOWN_CATAGORY";
+}
+
+bool CategoryLayout::checked() const {
+    std::string wrong = wrongDimensions(dimensions);
+    if (wrong.empty())
+        wrong = wrongFields(*this);
+    const unsigned axes = applyToAllSources.axes | applyToAllModes.axes | restoreForAllSources.axes;
+    if (wrong.empty() && axes >> static_cast<unsigned>(dimensionCount()) != 0)
+        wrong = "sweeps over a dimension that it has not";
+    if (wrong.empty() &&
+        (!isWord(file, std::size_t{255}) || !isWord(version, text::VERSION_WIDTH - 1) || purpose == nullptr))
+        wrong = "has no usable file name, version or purpose";
+    if (!wrong.empty())
+        throw std::logic_error(std::string("the layout of ") + categoryName(category) + " " + wrong);
+    return true;
 }
 
 int CategoryLayout::recordCount() const {

@@ -124,6 +124,7 @@ enum class MergeNames {
 };
 
 /// What a category declares. Made once and never destroyed: threads of the library go by it while the process exits.
+/// One that cannot be kept in a file is refused when it is made: std::logic_error, which names the category.
 struct DATAMODULE_API CategoryLayout {
     _DataCategory_t category;
     const char* file;
@@ -146,6 +147,7 @@ struct DATAMODULE_API CategoryLayout {
     BulkCopy applyToAllModes = {};
     BulkRestore restoreForAllSources = {};
     bool restoresFromCurrent = true; ///< otherwise the base class answers
+    const bool isSound = checked();  ///< always; not to be given
 
     int dimensionCount() const { return static_cast<int>(dimensions.size()); }
     int fieldCount() const { return static_cast<int>(fields.size()); }
@@ -166,8 +168,14 @@ struct DATAMODULE_API CategoryLayout {
     int headerLength() const;
     int lineLength() const;
     int sectionLength() const { return headerLength() + fieldCount() * lineLength(); }
+    /// Where a record's key lines begin, from the first section on, and their bytes.
+    int keyLinesOffset(int record) const { return record * sectionLength() + headerLength(); }
+    int keyLinesLength() const { return fieldCount() * lineLength(); }
     /// Bytes of the content block of a complete file.
     int contentLength() const { return recordCount() * sectionLength(); }
+
+private:
+    bool checked() const;
 };
 
 /// The name of a category, or "UNKNOWN_CATAGORY" for what is none.

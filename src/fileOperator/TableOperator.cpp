@@ -670,7 +670,7 @@ void TableOperator::addFailed(int besides) {
     for (const PendingStores::Store& store : m_pending->failedOnes()) {
         if (m_inWrite.size() >= MOST)
             return;
-        const int position = contentPosition() + m_layout.headerLength() + m_layout.sectionLength() * store.record;
+        const int position = contentPosition() + m_layout.keyLinesOffset(store.record);
         // Over what the file holds: the table's other fields may be those of a load that failed halfway.
         if (store.record == besides || !m_file.setPos(position) || !sectionIsInFile() || !readRecord(record.data()) ||
             !m_file.setPos(position))
@@ -702,8 +702,7 @@ bool TableOperator::sectionIsInFile() {
     long position = 0;
     if (!m_file.getCurrentPos(position))
         return false;
-    const long lines = m_layout.sectionLength() - m_layout.headerLength();
-    return position + lines <= FileUtil::getFileSize(getFileFullPath());
+    return position + m_layout.keyLinesLength() <= FileUtil::getFileSize(getFileFullPath());
 }
 
 int TableOperator::formatId(const int* indices, char* out, int size) {
@@ -724,8 +723,7 @@ bool TableOperator::addRecord(const int* record) {
     char text[text::SECTION_BUFFER];
     const int length = formatContent(record, text, text::SECTION_BUFFER);
     // A widened line would run into the next section (invariant 3).
-    return length == m_layout.sectionLength() - m_layout.headerLength() && length < text::SECTION_BUFFER &&
-           addSection(text);
+    return length == m_layout.keyLinesLength() && length < text::SECTION_BUFFER && addSection(text);
 }
 
 bool TableOperator::writeRecord(const int* indices, const int* record, bool withHeader) {
@@ -734,7 +732,7 @@ bool TableOperator::writeRecord(const int* indices, const int* record, bool with
     const int header = withHeader ? formatId(indices, text, SIZE) : 0;
     const int length = formatContent(record, text + header, SIZE - header);
     // A widened line would run into the next section (invariant 3).
-    if (length != m_layout.sectionLength() - m_layout.headerLength() || header + length >= SIZE)
+    if (length != m_layout.keyLinesLength() || header + length >= SIZE)
         return false;
     return m_file.writeFile(text, true);
 }
@@ -796,8 +794,7 @@ bool TableOperator::searchSectionId(const std::vector<int>& dims) {
         logWhere();
         return false;
     }
-    const int position =
-        contentPosition() + m_layout.headerLength() + m_layout.sectionLength() * m_layout.recordIndex(dims.data());
+    const int position = contentPosition() + m_layout.keyLinesOffset(m_layout.recordIndex(dims.data()));
     if (m_file.setPos(position))
         return true;
     TD_WARNING("set file [%s] to position [%d] bytes failed when searchSection%s.\n", getFileFullPath(), position,

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cstring>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,6 +35,57 @@ const CategoryLayout& levelLayout() {
         .dimensions = {axis::source("source       scope:0~16"), axis::level(20, "level        scope:0~19")},
         .fields = {{"Red", 0}, {"Green", 1}}};
     return layout;
+}
+
+// --- what is no layout ---
+
+TEST(CategoryLayout, RefusesNonsenseByNameOfTheCategory) {
+    const Dimension four{.name = "four", .heading = "four", .count = 4};
+    Field overfull{"Red", 0};
+    overfull.defaultValue = 10000;
+    struct Case {
+        const char* says;
+        std::vector<Dimension> dimensions;
+        std::vector<Field> fields;
+        KeyLineForm keyLine = KeyLineForm::Decimal4;
+        unsigned axes = 0;
+        const char* version = "v0.1";
+    };
+    const char* const LONGEST = "ABCDEFGHIJKLMNOPQRSTUVWX";
+    const Case cases[] = {
+        {"", {four}, {{LONGEST, 0}}},
+        {"too many dimensions", {four, four, four, four, four, four}, {{"Red", 0}}},
+        {"one character", {{.name = "none", .heading = "none", .count = 0}}, {{"Red", 0}}},
+        {"one character", {{.name = "many", .heading = "many", .count = 17}}, {{"Red", 0}}},
+        {"without a name", {{.count = 4}}, {{"Red", 0}}},
+        {"no fields", {four}, {}},
+        {"its column", {four}, {{LONGEST, 0}}, KeyLineForm::Decimal5},
+        {"its column", {four}, {{"Two words", 0}}},
+        {"of another", {four}, {{"Red", 0}, {"Green", 0}}},
+        {"of another", {four}, {{"Red", 0}, {"Red", 1}}},
+        {"of another", {four}, {{"Red", 1}}},
+        {"its columns", {four}, {overfull}},
+        {"sweeps over", {four}, {{"Red", 0}}, KeyLineForm::Decimal4, axisBit(1)},
+        {"version", {four}, {{"Red", 0}}, KeyLineForm::Decimal4, 0, "v0.12345"},
+    };
+    for (const Case& one : cases) {
+        std::string said;
+        try {
+            const CategoryLayout layout{.category = PICTURE_YRANGE,
+                                        .file = "levels.ini",
+                                        .version = one.version,
+                                        .purpose = "The file is used by a test",
+                                        .dimensions = one.dimensions,
+                                        .fields = one.fields,
+                                        .keyLine = one.keyLine,
+                                        .applyToAllModes = {.axes = one.axes}};
+        } catch (const std::logic_error& error) {
+            said = error.what();
+        }
+        EXPECT_EQ(said.empty(), *one.says == '\0') << said;
+        EXPECT_NE(said.find(one.says), std::string::npos) << one.says << ": " << said;
+        EXPECT_EQ(said.empty(), said.find("PICTURE_YRANGE") == std::string::npos) << said;
+    }
 }
 
 // --- comment block ---

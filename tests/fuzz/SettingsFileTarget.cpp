@@ -139,8 +139,8 @@ bool fits(const CategoryLayout& layout, const Record& values) {
 void checkOnlySectionDiffers(const CategoryLayout& layout, const FileInspection& inspection, const std::string& before,
                              const std::string& after, int record) {
     require(before.size() == after.size(), "a store leaves the file's length");
-    const int first = inspection.contentOffset + record * layout.sectionLength() + layout.headerLength();
-    const int last = first + layout.sectionLength() - layout.headerLength();
+    const int first = inspection.contentOffset + layout.keyLinesOffset(record);
+    const int last = first + layout.keyLinesLength();
     for (int i = 0; i < static_cast<int>(before.size()); ++i) {
         const bool isChecksum = i >= inspection.checksumOffset && i < inspection.contentOffset;
         const bool isSection = i >= first && i < last;

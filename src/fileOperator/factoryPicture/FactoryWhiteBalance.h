@@ -179,7 +179,7 @@ template <class Self, class Record, class EventType>
 bool FactoryWhiteBalance<Self, Record, EventType>::readSlot(const int* indices) {
     const CategoryLayout& layout = this->layoutOf();
     const int record = layout.recordIndex(indices);
-    const int position = this->contentPosition() + layout.headerLength() + layout.sectionLength() * record;
+    const int position = this->contentPosition() + layout.keyLinesOffset(record);
     const std::string id = this->idText(indices);
     if (!this->m_file.setPos(position)) {
         TD_WARNING("set file [%s] to position [%d] bytes failed when searchSection[%1x%1x%1x].\n",

@@ -291,10 +291,9 @@ int valueByColumns(KeyLineForm form, const char* line) {
 }
 
 bool parseKeyLine(KeyLineForm form, const char* line, char* key, int& value) {
-    const int keyWidth = form == KeyLineForm::Decimal5 ? KEY_WIDTH - 1 : KEY_WIDTH;
     const char* start = skipBlanks(line);
     int length = 0;
-    while (length < keyWidth && start[length] != '\0' && !isBlank(start[length]))
+    while (length < keyWidth(form) && start[length] != '\0' && !isBlank(start[length]))
         ++length;
     if (length == 0)
         return false;

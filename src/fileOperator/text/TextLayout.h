@@ -28,6 +28,11 @@ constexpr int keyLineLength(KeyLineForm form) {
     return form == KeyLineForm::Hexadecimal5 ? 35 : 32;
 }
 
+/// Characters of the key in a key line.
+constexpr int keyWidth(KeyLineForm form) {
+    return form == KeyLineForm::Decimal5 ? KEY_WIDTH - 1 : KEY_WIDTH;
+}
+
 // --- comment block ---
 
 /// Whether a line belongs to the comment block: it holds a '#' anywhere.
