@@ -12,8 +12,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dmctl/inspect/FileInspection.h>
 
 #include "TemporaryDirectory.h"
 

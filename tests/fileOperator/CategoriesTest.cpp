@@ -14,9 +14,9 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 #include <dataModule/fileOperator/TextLayout.h>
+#include <dmctl/inspect/FileInspection.h>
 
 #include "FakeParent.h"
 #include "LogCapture.h"

@@ -7,10 +7,10 @@
 #include <dmctl/Exchange.h>
 #include <dmctl/Names.h>
 
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/TextLayout.h>
+#include <dmctl/inspect/FileInspection.h>
 
 #include "SettingsFileInput.h"
 

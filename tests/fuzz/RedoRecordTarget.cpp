@@ -9,11 +9,11 @@
 #include <cstdio>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/FileUserSoundMode.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/fileOperator/TextLayout.h>
+#include <dmctl/inspect/FileInspection.h>
 
 #include "Quiet.h"
 #include "ScratchRoot.h"

@@ -4,9 +4,9 @@
 #include <map>
 #include <vector>
 
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 #include <dataModule/fileOperator/TextLayout.h>
+#include <dmctl/inspect/FileInspection.h>
 
 namespace td::fuzz {
 

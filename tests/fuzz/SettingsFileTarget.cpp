@@ -6,9 +6,9 @@
 #include <set>
 #include <vector>
 
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 #include <dataModule/fileOperator/TextLayout.h>
+#include <dmctl/inspect/FileInspection.h>
 
 #include "FakeParent.h"
 #include "Quiet.h"

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
+#include <dmctl/inspect/FileInspection.h>
 
 #include "LogCapture.h"
 #include "OwnValues.h"

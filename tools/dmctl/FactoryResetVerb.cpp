@@ -5,7 +5,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/fileOperator/FileInspection.h>
+#include "inspect/FileInspection.h"
 #include <dataModule/fileOperator/OperatorFactory.h>
 
 #include "Names.h"

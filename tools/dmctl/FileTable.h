@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "inspect/FileInspection.h"
 #include <dataModule/fileOperator/CategoryLayout.h>
-#include <dataModule/fileOperator/FileInspection.h>
 
 #include "Names.h"
 #include "Session.h"

@@ -5,8 +5,8 @@
 
 #include <fmt/core.h>
 
+#include "inspect/FileInspection.h"
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
 
 #include "FileTable.h"

@@ -8,10 +8,10 @@
 
 #include <fmt/core.h>
 
+#include "inspect/FileInspection.h"
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/FileInspection.h>
 #include <dataModule/platform/DebugOutput.h>
 #include <dataModule/platform/RootPrefix.h>
 

@@ -4,7 +4,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/fileOperator/FileInspection.h>
+#include "inspect/FileInspection.h"
 #include <dataModule/fileOperator/RedoRecord.h>
 
 #include "FileTable.h"

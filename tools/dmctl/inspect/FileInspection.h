@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include <dataModule/Export.h>
 #include <dataModule/fileOperator/CategoryLayout.h>
 
 namespace td {
@@ -54,15 +53,14 @@ struct FileInspection {
 
     bool isGood() const { return faultCount == 0; }
     /// Different records that have a readable section.
-    DATAMODULE_API int readableRecords() const;
+    int readableRecords() const;
 };
 
 /// Inspects the bytes of one copy of the category's file.
-DATAMODULE_API FileInspection inspectFile(const CategoryLayout& layout, std::string_view bytes);
+FileInspection inspectFile(const CategoryLayout& layout, std::string_view bytes);
 /// Reads a readable section of the inspected bytes into `record` (fieldCount() integers). False, and nothing is
 /// touched, for any other.
-DATAMODULE_API bool readInspected(const CategoryLayout& layout, std::string_view bytes, const InspectedSection& section,
-                                  int* record);
+bool readInspected(const CategoryLayout& layout, std::string_view bytes, const InspectedSection& section, int* record);
 
 /// What a damaged copy still tells, value by value: both lists are row-major by record and position, as a table is.
 struct SalvagedTable {
@@ -72,18 +70,17 @@ struct SalvagedTable {
     bool proven = false;
 
     /// Readable values of a record.
-    DATAMODULE_API int readableFields(const CategoryLayout& layout, int record) const;
+    int readableFields(const CategoryLayout& layout, int record) const;
 };
 
 /// Reads every value whose key line stands whole where it belongs in its section, whatever is wrong around it, the
 /// version included. A section is looked for by its header; one whose header is damaged, at its place in the file.
-DATAMODULE_API SalvagedTable salvageFile(const CategoryLayout& layout, std::string_view bytes);
+SalvagedTable salvageFile(const CategoryLayout& layout, std::string_view bytes);
 
 /// The table of a new file: every record with its defaults, row-major.
-DATAMODULE_API std::vector<int> defaultTable(const CategoryLayout& layout);
+std::vector<int> defaultTable(const CategoryLayout& layout);
 /// The bytes of a file with this table. Empty when the table's size is not the category's, a value does not fit its
 /// columns or `tvType` does not fit the SN line.
-DATAMODULE_API std::string wholeFile(const CategoryLayout& layout, const std::string& tvType,
-                                     const std::vector<int>& table);
+std::string wholeFile(const CategoryLayout& layout, const std::string& tvType, const std::vector<int>& table);
 
 } // namespace td

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/FileInspection.h>
+#include <dmctl/inspect/FileInspection.h>
 
 #include <algorithm>
 #include <string>

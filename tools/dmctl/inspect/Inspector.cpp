@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/FileInspection.h>
+#include "inspect/Inspector.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -14,21 +14,8 @@ namespace {
 using Kind = FileProblem::Kind;
 using Severity = FileProblem::Severity;
 
-/// One line of the file; the text has its newline, if there is one.
-struct Line {
-    std::string_view text;
-    int number = 0;
-    int offset = 0;
-
-    int length() const { return static_cast<int>(text.size()); }
-    bool ended() const { return !text.empty() && text.back() == '\n'; }
-    bool opensSection() const { return !text.empty() && text.front() == '['; }
-    /// The text as the functions over single lines take it.
-    std::string terminated() const { return std::string(text); }
-};
-
 /// A piece of the file for a message: short, on one line, without bytes that a terminal would obey.
-std::string quoted(std::string_view text) {
+std::string shown(std::string_view text) {
     constexpr std::size_t SHOWN = 40;
     if (!text.empty() && text.back() == '\n')
         text.remove_suffix(1);
@@ -52,6 +39,12 @@ std::string inHexadecimal(unsigned int value) {
     return text;
 }
 
+bool isDigits(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+} // namespace
+
 unsigned int checksumOf(std::string_view bytes) {
     CRC32Util* const util = CRC32Util::instance();
     util->init_crc_table();
@@ -59,80 +52,6 @@ unsigned int checksumOf(std::string_view bytes) {
     auto* const start = reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data()));
     return util->crc32(CRC32Util::INITIAL, start, static_cast<unsigned int>(bytes.size()));
 }
-
-/// The bytes of a section, header and key lines.
-std::string sectionText(const CategoryLayout& layout, const int* indices, const int* record) {
-    char text[text::SECTION_BUFFER];
-    const int header = text::formatSectionId(layout, indices, text, text::SECTION_BUFFER);
-    text::formatSection(layout, record, text + header, text::SECTION_BUFFER - header);
-    return text;
-}
-
-bool isDigits(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
-class Inspector {
-public:
-    /// Whether the contents of a file of another version are looked at.
-    enum class OtherVersion { Refused, Taken };
-
-    Inspector(const CategoryLayout& layout, std::string_view bytes, FileInspection& result,
-              OtherVersion otherVersion = OtherVersion::Refused);
-    void inspect();
-    /// After inspect().
-    void salvage(SalvagedTable& table) const;
-
-private:
-    bool atEnd() const { return m_position >= m_bytes.size(); }
-    Line peek() const;
-    Line take();
-    void note(Kind kind, const Line& line, const std::string& text) { add(kind, Severity::Note, line, text); }
-    void fault(Kind kind, const Line& line, const std::string& text) { add(kind, Severity::Fault, line, text); }
-    void add(Kind kind, Severity severity, const Line& line, const std::string& text);
-    std::string ending(const Line& line) const;
-
-    void inspectComment();
-    void reportCommentDifference(std::string_view comment);
-    bool inspectSummary();
-    bool beginsSection(const Line& line) const;
-    static bool beginsSummaryLine(const Line& line);
-    bool takeSummaryLine(const char* word, Line& line);
-    void inspectTvType();
-    bool inspectVersion();
-    void inspectChecksumLine();
-    void compareChecksum(const Line& line);
-
-    void inspectContents();
-    void inspectSection();
-    int recordOfHeader(const Line& header);
-    void noteRecord(int record, const Line& header);
-    bool inspectKeyLines(const std::string& id);
-    bool takeSurplus(const std::string& id);
-    bool inspectKeyLine(const std::string& id, int& field);
-    bool isAsWritten(const Line& line, int field) const;
-    int fieldNamedBy(const Line& line) const;
-    std::string asWritten(const Line& line, int field) const;
-    Line atFirstDifference(const Line& line, int field) const;
-    void reportKeyLine(const Line& line, const std::string& id, int field);
-    std::string fieldRange(int first, int last) const;
-    void reportMissingSections();
-    std::string idOf(int record) const;
-
-    int placeOf(int record) const { return m_result.contentOffset + record * m_layout.sectionLength(); }
-    std::vector<int> keyLinesOf() const;
-    void salvageRecord(int record, int offset, SalvagedTable& table) const;
-
-    const CategoryLayout& m_layout;
-    const std::string_view m_bytes;
-    FileInspection& m_result;
-    const OtherVersion m_otherVersion;
-    std::size_t m_position = 0;
-    int m_lineNumber = 1;
-    std::vector<std::string> m_keyParts; ///< each field's line up to its value
-    std::vector<int> m_firstLine;        ///< of each record's section; 0: not seen yet
-    int m_previousRecord = -1;
-};
 
 Inspector::Inspector(const CategoryLayout& layout, std::string_view bytes, FileInspection& result,
                      OtherVersion otherVersion)
@@ -224,7 +143,7 @@ bool Inspector::inspectSummary() {
     if (header.text == text::SUMMARY_HEADER) {
         take();
     } else {
-        fault(Kind::Summary, header, "[Summary] belongs here, not " + quoted(header.text));
+        fault(Kind::Summary, header, "[Summary] belongs here, not " + shown(header.text));
         if (!beginsSection(header) && !beginsSummaryLine(header))
             take();
     }
@@ -258,7 +177,7 @@ bool Inspector::takeSummaryLine(const char* word, Line& line) {
     take();
     if (found && line.ended() && line.length() < text::LINE_BUFFER)
         return true;
-    fault(Kind::Summary, line, "the " + name + " line belongs here, not " + quoted(line.text) + ending(line));
+    fault(Kind::Summary, line, "the " + name + " line belongs here, not " + shown(line.text) + ending(line));
     return false;
 }
 
@@ -272,7 +191,7 @@ void Inspector::inspectTvType() {
     const std::string written = text::summary(value, "", 0, false);
     if (line.text != std::string_view(written).substr(0, written.find('\n') + 1))
         fault(Kind::Summary, line,
-              "the SN line is " + quoted(line.text) + " of " + std::to_string(line.length()) + " bytes; a rewrite of " +
+              "the SN line is " + shown(line.text) + " of " + std::to_string(line.length()) + " bytes; a rewrite of " +
                   "the summary would not put the same number of bytes there" + ending(line));
 }
 
@@ -285,7 +204,7 @@ bool Inspector::inspectVersion() {
     m_result.version = value;
     if (m_result.version != m_layout.version) {
         fault(Kind::Version, line,
-              "the version is " + quoted(value) + ", this library's is " + quoted(m_layout.version) +
+              "the version is " + shown(value) + ", this library's is " + shown(m_layout.version) +
                   "; the contents are not looked at");
         return m_otherVersion == OtherVersion::Taken;
     }
@@ -293,7 +212,7 @@ bool Inspector::inspectVersion() {
     const std::size_t start = lines.find('\n') + 1;
     if (line.text != std::string_view(lines).substr(start, lines.find('\n', start) + 1 - start))
         fault(Kind::Summary, line,
-              "the Version line is " + quoted(line.text) + " of " + std::to_string(line.length()) +
+              "the Version line is " + shown(line.text) + " of " + std::to_string(line.length()) +
                   " bytes; a rewrite of the summary would not put the same number of bytes there" + ending(line));
     return true;
 }
@@ -311,7 +230,7 @@ void Inspector::inspectChecksumLine() {
     if (m_result.hasChecksum)
         compareChecksum(line);
     else
-        fault(Kind::Checksum, line, "the CRC line states no checksum: " + quoted(line.text));
+        fault(Kind::Checksum, line, "the CRC line states no checksum: " + shown(line.text));
 }
 
 void Inspector::compareChecksum(const Line& line) {
@@ -320,7 +239,7 @@ void Inspector::compareChecksum(const Line& line) {
               "the CRC line has " + std::to_string(line.length()) + " bytes instead of " +
                   std::to_string(text::CRC_LINE_LENGTH) + ending(line));
     else if (line.text != text::crcLine(m_result.statedChecksum))
-        note(Kind::Checksum, line, "the CRC line is written " + quoted(line.text));
+        note(Kind::Checksum, line, "the CRC line is written " + shown(line.text));
     if (m_result.statedChecksum != m_result.computedChecksum)
         fault(Kind::Checksum, line,
               "the CRC line states " + inHexadecimal(m_result.statedChecksum) + ", but the contents have " +
@@ -336,7 +255,7 @@ void Inspector::inspectContents() {
             continue;
         }
         const Line line = take();
-        fault(Kind::Section, line, quoted(line.text) + " stands before the first section");
+        fault(Kind::Section, line, shown(line.text) + " stands before the first section");
         while (!atEnd() && !peek().opensSection())
             take();
     }
@@ -349,7 +268,7 @@ void Inspector::inspectSection() {
     if (record >= 0)
         noteRecord(record, header);
     const int valuesAt = static_cast<int>(m_position);
-    const bool readable = inspectKeyLines(record >= 0 ? idOf(record) : quoted(header.text));
+    const bool readable = inspectKeyLines(record >= 0 ? idOf(record) : shown(header.text));
     m_result.sections.push_back({record, header.number, header.offset, valuesAt, readable});
 }
 
@@ -358,17 +277,17 @@ int Inspector::recordOfHeader(const Line& header) {
     std::fill(std::begin(indices), std::end(indices), -1);
     const std::string line = header.terminated();
     if (!text::parseSectionId(m_layout, line.c_str(), indices) || !m_layout.accepts(indices)) {
-        fault(Kind::Section, header, quoted(header.text) + " is no section of this category");
+        fault(Kind::Section, header, shown(header.text) + " is no section of this category");
         return -1;
     }
     const std::string id = text::sectionId(m_layout, indices);
     if (line == id + '\n')
         return m_layout.recordIndex(indices);
     if (header.length() != m_layout.headerLength() || !header.ended() || m_layout.dimensions.empty()) {
-        fault(Kind::Section, header, "the header " + quoted(header.text) + " is not " + quoted(id) + ending(header));
+        fault(Kind::Section, header, "the header " + shown(header.text) + " is not " + shown(id) + ending(header));
         return m_layout.dimensions.empty() ? -1 : m_layout.recordIndex(indices);
     }
-    note(Kind::Section, header, "the header is written " + quoted(header.text) + " instead of " + quoted(id));
+    note(Kind::Section, header, "the header is written " + shown(header.text) + " instead of " + shown(id));
     return m_layout.recordIndex(indices);
 }
 
@@ -403,7 +322,7 @@ bool Inspector::inspectKeyLines(const std::string& id) {
 
 bool Inspector::takeSurplus(const std::string& id) {
     const Line line = take();
-    fault(Kind::KeyLine, line, quoted(line.text) + " follows the last key line of section " + id);
+    fault(Kind::KeyLine, line, shown(line.text) + " follows the last key line of section " + id);
     while (!atEnd() && !peek().opensSection())
         take();
     return false;
@@ -428,7 +347,7 @@ bool Inspector::inspectKeyLine(const std::string& id, int& field) {
         ++field;
     } else {
         fault(Kind::KeyLine, atFirstDifference(line, field),
-              quoted(line.text) + " stands in section " + id + " where " + fieldRange(field, field) + " belongs" +
+              shown(line.text) + " stands in section " + id + " where " + fieldRange(field, field) + " belongs" +
                   ending(line));
         // One line too many, or one in the place of another: the next line tells.
         if (named < 0 && (atEnd() || fieldNamedBy(peek()) != field))
@@ -483,7 +402,7 @@ void Inspector::reportKeyLine(const Line& line, const std::string& id, int field
                   std::to_string(m_layout.lineLength()) + ending(line));
     else
         fault(Kind::KeyLine, atFirstDifference(line, field),
-              what + " is " + quoted(line.text) + ", which is not how a value is written");
+              what + " is " + shown(line.text) + ", which is not how a value is written");
 }
 
 std::string Inspector::fieldRange(int first, int last) const {
@@ -514,134 +433,6 @@ std::string Inspector::idOf(int record) const {
     int indices[MAX_DIMENSIONS] = {};
     m_layout.indicesOf(record, indices);
     return text::sectionId(m_layout, indices);
-}
-
-// --- salvage ---
-
-/// For each record the offset of the key lines that its values are taken from, or -1. A section at its own place counts
-/// more than one elsewhere, which may be another one's with a damaged header.
-std::vector<int> Inspector::keyLinesOf() const {
-    std::vector<int> offsets(m_firstLine.size(), -1);
-    std::vector<int> standing(m_firstLine.size(), -1); // the record that is named at a record's place
-    for (const InspectedSection& section : m_result.sections) {
-        if (section.record < 0)
-            continue;
-        int& offset = offsets[static_cast<std::size_t>(section.record)];
-        if (offset < 0 || section.offset == placeOf(section.record))
-            offset = section.valuesAt;
-        const int distance = section.offset - placeOf(0);
-        const auto place = static_cast<std::size_t>(distance / m_layout.sectionLength());
-        if (distance % m_layout.sectionLength() == 0 && place < standing.size())
-            standing[place] = section.record;
-    }
-    for (std::size_t record = 0; record < offsets.size(); ++record) {
-        const int named = standing[record];
-        const bool isAnothers =
-            named >= 0 && offsets[static_cast<std::size_t>(named)] != placeOf(named) + m_layout.headerLength();
-        if (offsets[record] < 0 && !isAnothers)
-            offsets[record] = placeOf(static_cast<int>(record)) + m_layout.headerLength();
-    }
-    return offsets;
-}
-
-void Inspector::salvageRecord(int record, int offset, SalvagedTable& table) const {
-    const auto length = static_cast<std::size_t>(m_layout.lineLength());
-    auto at = static_cast<std::size_t>(offset);
-    for (int field = 0; field < m_layout.fieldCount() && at < m_bytes.size(); ++field, at += length) {
-        Line line;
-        line.text = m_bytes.substr(at, length);
-        if (!isAsWritten(line, field))
-            continue;
-        const std::size_t cell = static_cast<std::size_t>(record) * m_layout.fields.size() +
-                                 static_cast<std::size_t>(m_layout.fields[static_cast<std::size_t>(field)].position);
-        table.values[cell] = text::valueByColumns(m_layout.keyLine, line.terminated().c_str());
-        table.readable[cell] = true;
-    }
-}
-
-void Inspector::salvage(SalvagedTable& table) const {
-    if (m_result.contentOffset < 0)
-        return;
-    table.proven = m_result.hasChecksum && m_result.statedChecksum == m_result.computedChecksum;
-    const std::vector<int> offsets = keyLinesOf();
-    for (int record = 0; record < m_layout.recordCount(); ++record) {
-        const int offset = offsets[static_cast<std::size_t>(record)];
-        if (offset >= 0)
-            salvageRecord(record, offset, table);
-    }
-}
-
-} // namespace
-
-int FileInspection::readableRecords() const {
-    std::vector<int> records;
-    for (const InspectedSection& section : sections) {
-        if (section.readable && section.record >= 0)
-            records.push_back(section.record);
-    }
-    std::sort(records.begin(), records.end());
-    return static_cast<int>(std::unique(records.begin(), records.end()) - records.begin());
-}
-
-FileInspection inspectFile(const CategoryLayout& layout, std::string_view bytes) {
-    FileInspection result;
-    Inspector(layout, bytes, result).inspect();
-    return result;
-}
-
-bool readInspected(const CategoryLayout& layout, std::string_view bytes, const InspectedSection& section, int* record) {
-    const auto start = static_cast<std::size_t>(section.valuesAt);
-    const auto lineLength = static_cast<std::size_t>(layout.lineLength());
-    if (!section.readable || start + lineLength * layout.fields.size() > bytes.size())
-        return false;
-    for (std::size_t i = 0; i < layout.fields.size(); ++i) {
-        const std::string line(bytes.substr(start + i * lineLength, lineLength));
-        record[layout.fields[i].position] = text::valueByColumns(layout.keyLine, line.c_str());
-    }
-    return true;
-}
-
-int SalvagedTable::readableFields(const CategoryLayout& layout, int record) const {
-    const auto first = readable.begin() + static_cast<std::ptrdiff_t>(record) * layout.fieldCount();
-    return static_cast<int>(std::count(first, first + layout.fieldCount(), true));
-}
-
-SalvagedTable salvageFile(const CategoryLayout& layout, std::string_view bytes) {
-    SalvagedTable table;
-    table.values.resize(static_cast<std::size_t>(layout.recordCount()) * layout.fields.size());
-    table.readable.resize(table.values.size());
-    FileInspection inspection;
-    Inspector inspector(layout, bytes, inspection, Inspector::OtherVersion::Taken);
-    inspector.inspect();
-    inspector.salvage(table);
-    return table;
-}
-
-std::vector<int> defaultTable(const CategoryLayout& layout) {
-    const std::size_t width = layout.fields.size();
-    std::vector<int> table(static_cast<std::size_t>(layout.recordCount()) * width);
-    for (std::size_t row = 0; row < table.size(); row += width) {
-        for (const Field& field : layout.fields)
-            table[row + static_cast<std::size_t>(field.position)] = field.defaultValue;
-    }
-    return table;
-}
-
-std::string wholeFile(const CategoryLayout& layout, const std::string& tvType, const std::vector<int>& table) {
-    const std::size_t width = layout.fields.size();
-    const auto fits = [&](int value) { return text::fitsColumns(layout.keyLine, value); };
-    if (table.size() != static_cast<std::size_t>(layout.recordCount()) * width ||
-        tvType.size() > static_cast<std::size_t>(text::TV_TYPE_WIDTH) || !std::all_of(table.begin(), table.end(), fits))
-        return {};
-    std::string contents;
-    contents.reserve(static_cast<std::size_t>(layout.contentLength()));
-    for (int record = 0; record < layout.recordCount(); ++record) {
-        int indices[MAX_DIMENSIONS] = {};
-        layout.indicesOf(record, indices);
-        contents += sectionText(layout, indices, table.data() + static_cast<std::size_t>(record) * width);
-    }
-    return text::commentBlock(layout) + text::summary(tvType.c_str(), layout.version, checksumOf(contents), true) +
-           contents;
 }
 
 } // namespace td
