@@ -124,9 +124,7 @@ public:
 private:
     static constexpr std::size_t CRC_LINE = td::text::CRC_LINE_LENGTH;
 
-    std::size_t sectionSize() const {
-        return static_cast<std::size_t>(m_layout.keyLinesLength());
-    }
+    std::size_t sectionSize() const { return static_cast<std::size_t>(m_layout.keyLinesLength()); }
     static std::string path(const Setting& setting, const std::string& name) {
         fs::create_directories(setting.directory + "/bare");
         return setting.directory + "/bare/" + name;
