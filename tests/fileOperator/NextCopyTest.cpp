@@ -1,5 +1,7 @@
 // Which copy a load tries after another.
 
+#include <iterator>
+
 #include <gtest/gtest.h>
 
 #include <dataModule/fileOperator/NextCopy.h>
@@ -7,9 +9,10 @@
 namespace td::test {
 namespace {
 
+constexpr Verdict EVERY[] = {Verdict::Good,       Verdict::Missing, Verdict::Damaged, Verdict::OtherVersion,
+                             Verdict::Unreadable, Verdict::GivenUp, Verdict::Fatal};
+
 TEST(NextCopy, FollowsFromWhatBecameOfTheOneBefore) {
-    constexpr Verdict EVERY[] = {Verdict::Good,       Verdict::Missing, Verdict::Damaged, Verdict::OtherVersion,
-                                 Verdict::Unreadable, Verdict::GivenUp, Verdict::Fatal};
     using Next = NextCopy;
     struct Case {
         const char* name;
