@@ -171,7 +171,7 @@ private:
     std::map<std::string, Action> m_actions; ///< set before use, then only read
     std::atomic<bool> m_backupRequested{false};
     std::atomic<int>* m_destroyed = nullptr;
-    Mutex m_criticalSection{LockRank::Section};
+    Mutex m_criticalSection{LockRank::Category};
 
     mutable Mutex m_mutex;
     std::vector<std::string> m_calls TD_GUARDED_BY(m_mutex);

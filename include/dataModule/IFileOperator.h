@@ -73,7 +73,8 @@ public:
     virtual void setBackupReq(bool requested) = 0;
     /// Whether a backup is asked for.
     virtual bool getBackupReq() = 0;
-    /// Takes the lock of table and file. Not recursive.
+    /// Takes the locks of the files and of the values in memory: until leaveCriticalSection() no other thread reads or
+    /// changes either. Not recursive.
     virtual void enterCriticalSection() = 0;
     /// Gives it back.
     virtual void leaveCriticalSection() = 0;
@@ -134,12 +135,15 @@ public:
     /// Deletes the current copy.
     virtual bool removeCurrentFile() = 0;
 
-    /// Takes the critical section if that needs no waiting. An idle backup uses it: it may never wait here, and a busy
-    /// operator keeps its backup request.
+    /// Takes the lock of the files if that needs no waiting; leaveCriticalSection() gives it back. An idle backup uses
+    /// it: it may never wait here, and a busy operator keeps its backup request.
     virtual bool tryEnterCriticalSection() {
         enterCriticalSection();
         return true;
     }
+    /// Writes what the worker was given, events of this operator's in the order of their posting: one after the other,
+    /// each as Event::handle() does. `handled`, of as many, becomes the results. Not owned.
+    virtual void handleEvents(Event* const* events, bool* handled, int count);
 };
 
 } // namespace td

@@ -53,6 +53,11 @@ bool Event::handle() {
     return m_operator->syncSectionToFile(this) && m_operator->updateCrcCode();
 }
 
+void IFileOperator::handleEvents(Event* const* events, bool* handled, int count) {
+    for (int i = 0; i < count; ++i)
+        handled[i] = events[i]->handle();
+}
+
 bool Event::operator==(const Event& other) const {
     return m_id == other.m_id;
 }

@@ -28,6 +28,8 @@ public:
     bool operator==(const Event& other) const;
 
     int id() const { return m_id; }
+    /// Whose record it carries.
+    IFileOperator* op() const { return m_operator; }
     const std::vector<int>& dimensions() const { return m_dims; }
 
     /// Hands `event` to `parent`, or deletes it when there is no parent or the post is refused. Whether it was posted.

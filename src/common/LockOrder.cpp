@@ -11,9 +11,16 @@ namespace td::lockOrder {
 
 namespace {
 
-constexpr const char* NAMES[] = {"a load of all files", "a worker's life", "a worker's statistics",
-                                 "a critical section",  "lock files",      "a worker's event queue",
-                                 "checksums",           "a leaf"};
+constexpr const char* NAMES[] = {"a load of all files",
+                                 "a worker's life",
+                                 "a worker's statistics",
+                                 "a category's files",
+                                 "an entered section's table",
+                                 "lock files",
+                                 "a table",
+                                 "a worker's event queue",
+                                 "checksums",
+                                 "a leaf"};
 
 struct HeldLock {
     const void* lock;
@@ -63,6 +70,13 @@ void willBeReleased(const void* lock) {
         fail("released by a thread that does not hold it");
     std::copy(found + 1, t_held.end(), found);
     --t_held.count;
+}
+
+void willCallSystem() {
+    for (const HeldLock& held : t_held) {
+        if (held.rank == LockRank::Table)
+            fail("a call of the system under a lock that readers wait for");
+    }
 }
 
 } // namespace td::lockOrder

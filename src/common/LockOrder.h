@@ -7,7 +7,7 @@
 namespace td {
 
 /// Outermost first.
-enum class LockRank { Loading, Life, Statistics, Section, Files, Queue, Checksum, Leaf };
+enum class LockRank { Loading, Life, Statistics, Category, EnteredTable, Files, Table, Queue, Checksum, Leaf };
 
 namespace lockOrder {
 
@@ -20,12 +20,16 @@ DATAMODULE_API void willWait(LockRank rank);
 DATAMODULE_API void wasTaken(const void* lock, LockRank rank);
 /// Ends the program when the calling thread does not hold the lock.
 DATAMODULE_API void willBeReleased(const void* lock);
+/// Ends the program when the calling thread holds a table's lock, but for that of an entered critical section: whatever
+/// stands between the library and the system calls it before each call.
+DATAMODULE_API void willCallSystem();
 
 #else
 
 inline void willWait(LockRank /*rank*/) {}
 inline void wasTaken(const void* /*lock*/, LockRank /*rank*/) {}
 inline void willBeReleased(const void* /*lock*/) {}
+inline void willCallSystem() {}
 
 #endif
 

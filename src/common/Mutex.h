@@ -5,11 +5,13 @@
 ///   1. a manager's loading mutex   (held while all files are loaded or reset)
 ///   2. Thread's life mutex   (start and stop; held while the worker is joined)
 ///   3. Thread's statistics mutex   (held while an event is handled)
-///   4. an operator's critical section   (table and file; one operator's at a time), and inside it
-///   5. the lock between processes on the category's lock file
-///   6. Thread's queue mutex   (held across the idle backup, which takes critical sections by try only)
-///   7. CRC32Util's file mutex
-///   8. the leaves: an operator's backup-request mutex, a manager's TV types, the list of open lock files, the log's
+///   4. the lock of a category's files   (one category's at a time), and inside it
+///   5. its table's lock, where a client entered the critical section: held for as long as the section is
+///   6. the lock between processes on the category's lock file
+///   7. a table's lock   (held for as long as copying records takes, and never over a call of the system)
+///   8. Thread's queue mutex   (held across the idle backup, which takes the locks of files by try only)
+///   9. CRC32Util's file mutex
+///  10. the leaves: what is pending in a category, a manager's TV types, the list of open lock files, the log's
 ///
 /// A build with DATAMODULE_CHECK_LOCKS ends the program where this does not hold (LockOrder.cpp).
 #pragma once
@@ -32,10 +34,12 @@ public:
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
 
-    void lock() TD_ACQUIRE() {
-        lockOrder::willWait(m_rank);
+    void lock() TD_ACQUIRE() { lock(m_rank); }
+    /// At another place in the order.
+    void lock(LockRank rank) TD_ACQUIRE() {
+        lockOrder::willWait(rank);
         pthread_mutex_lock(&m_mutex);
-        lockOrder::wasTaken(this, m_rank);
+        lockOrder::wasTaken(this, rank);
     }
     void unlock() TD_RELEASE() {
         lockOrder::willBeReleased(this);

@@ -11,6 +11,7 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/common/Mutex.h>
 #include <dataModule/IDataSeparateManagerInner.h>
+#include <dataModule/IFileOperator.h>
 #include <dataModule/platform/OsalThreads.h>
 
 namespace td {
@@ -27,7 +28,13 @@ timespec idleDeadline(int seconds) {
 /// Nothing an operator throws may end the worker.
 bool handledWell(Event& event) {
     try {
-        return event.handle();
+        if (event.op() == nullptr)
+            return event.handle();
+        // Without memory of its own: an event that gets lost here would be waited for.
+        Event* const events[] = {&event};
+        bool handled = false;
+        event.op()->handleEvents(events, &handled, 1);
+        return handled;
     } catch (...) {
         return false;
     }

@@ -13,6 +13,7 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/common/NoCancel.h>
 #include <dataModule/fileOperator/LoadBudget.h>
+#include <dataModule/fileOperator/Loading.h>
 #include <dataModule/platform/OsalThreads.h>
 
 #include "Attempt.h"
@@ -228,7 +229,7 @@ bool FileDataSeparateManager::resumeFileSources() {
     // The walk does nothing to a file: what a suspend image had closed is loaded again here.
     for (const auto& [category, op] : m_state->operators.byCategory()) {
         auto* const released = dynamic_cast<AbstractFileOperator*>(op);
-        if (released != nullptr && !attempt([=] { return released->loadIfReleased(); })) {
+        if (released != nullptr && !attempt([=] { return loadIfReleased(released->state()); })) {
             TD_WARNING(" reload file [%s] failed.\n", FileName(*op).text);
             result = false;
         }

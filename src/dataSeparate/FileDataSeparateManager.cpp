@@ -1,4 +1,5 @@
 #include <dataModule/FileDataSeparateManager.h>
+#include <dataModule/fileOperator/Loading.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -79,7 +80,7 @@ void FileDataSeparateManager::State::settleStores() const {
 }
 
 void FileDataSeparateManager::State::dropStores() const {
-    operators.forEachOwn([](AbstractFileOperator& op) { op.dropStores(); });
+    operators.forEachOwn([](AbstractFileOperator& op) { td::dropStores(op.state()); });
 }
 
 // --- life ---
@@ -182,7 +183,7 @@ bool FileDataSeparateManager::stop() {
     // Before anything of it goes: a listener on a thread of the client's may be at work on it.
     LiveManagers::instance().remove(this);
     // The worker may wait for a process that is stopped itself.
-    m_state->operators.forEachOwn([](AbstractFileOperator& op) { op.abandonWaits(); });
+    m_state->operators.forEachOwn([](AbstractFileOperator& op) { op.state().lock.abandonWaits(); });
     m_state->worker->stop();
     m_state->operators.deleteOperators();
     m_state->processesLock.unlock();
@@ -270,7 +271,7 @@ bool FileDataSeparateManager::setStoreFileFlag(bool allowed) {
 }
 
 void FileDataSeparateManager::retryFailedStores() {
-    m_state->operators.forEachOwn([](AbstractFileOperator& op) { op.tryAgain(); });
+    m_state->operators.forEachOwn([](AbstractFileOperator& op) { tryAgain(op.state()); });
 }
 
 bool FileDataSeparateManager::getStoreFileFlag() {

@@ -21,7 +21,7 @@ private:
     IFileOperator& m_operator;
 };
 
-/// The file name at the end of the operator's path. The caller has the critical section.
+/// The file name at the end of the operator's path.
 inline const char* baseName(IFileOperator& op) {
     const char* const path = op.getFileFullPath();
     if (path == nullptr)
@@ -30,13 +30,9 @@ inline const char* baseName(IFileOperator& op) {
     return slash == nullptr ? path : slash + 1;
 }
 
-/// A copy of the file name, for log lines outside the critical section.
+/// A copy of the file name, for log lines.
 struct FileName {
-    explicit FileName(IFileOperator& op) {
-        op.enterCriticalSection();
-        const EnteredSection section(op);
-        std::snprintf(text, sizeof text, "%s", baseName(op));
-    }
+    explicit FileName(IFileOperator& op) { std::snprintf(text, sizeof text, "%s", baseName(op)); }
     char text[paths::PATH_SIZE] = {};
 };
 

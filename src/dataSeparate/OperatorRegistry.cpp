@@ -1,5 +1,7 @@
 #include "OperatorRegistry.h"
 
+#include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/Loading.h>
 #include <dataModule/fileOperator/PendingStores.h>
 
 namespace td {
@@ -16,7 +18,8 @@ void OperatorRegistry::add(IFileOperator* op) {
 void OperatorRegistry::setParent(IDataSeparateManagerInner* parent) {
     forEachOwn([&](AbstractFileOperator& op) {
         op.setParent(parent);
-        m_pendingStores.push_back(op.pendingStores());
+        if (auto stores = op.state().contents->pendingStores())
+            m_pendingStores.push_back(std::move(stores));
     });
 }
 

@@ -27,8 +27,6 @@ static_assert(std::size(CATEGORY_NAMES) == CATEGORY_COUNT, "the list of categori
 
 /// Records of the largest table that is taken for a sensible one.
 constexpr std::int64_t MOST_RECORDS = 1000000;
-/// Fields that a set of bits can name.
-constexpr std::size_t MOST_FIELDS = 64;
 
 bool isWord(const char* text, std::size_t longest) {
     return text != nullptr && *text != '\0' && std::strlen(text) <= longest &&
@@ -52,7 +50,7 @@ std::string wrongDimensions(const std::vector<Dimension>& dimensions) {
 }
 
 std::string wrongFields(const CategoryLayout& layout) {
-    if (layout.fields.empty() || layout.fields.size() > MOST_FIELDS)
+    if (layout.fields.empty() || layout.fieldCount() > MAX_FIELDS)
         return "has no fields, or too many";
     std::set<std::string> keys;
     std::set<int> positions;

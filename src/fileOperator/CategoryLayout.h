@@ -12,6 +12,8 @@ namespace td {
 
 /// Most dimensions a category may have.
 constexpr int MAX_DIMENSIONS = 5;
+/// Most fields a record may have: what a set of bits can name.
+constexpr int MAX_FIELDS = 64;
 
 /// How an index stands in a section id.
 enum class DigitForm {

@@ -1,7 +1,7 @@
 /// The operator of one category: its record type, number of dimensions and event class on top of TableOperator. All
 /// members only translate; a category derives from this, hands over its layout, and adds what is special about it.
 ///
-/// Members that touch table or file are called with the critical section held.
+/// Members that touch the file are called with the critical section held.
 #pragma once
 
 #include <cstring>
@@ -14,12 +14,13 @@
 namespace td {
 
 /// `Self` is the category's class; `Record` its record, a structure of ints or an array of int; `EventType` its event.
-template <class Self, class Record, class EventType, int DIMENSIONS,
+/// `Base` is TableOperator, or what several categories share on top of it.
+template <class Self, class Record, class EventType, int DIMENSIONS, class Base = TableOperator,
           class Sequence = std::make_integer_sequence<int, DIMENSIONS>>
 class CategoryOperator;
 
-template <class Self, class Record, class EventType, int DIMENSIONS, int... I>
-class CategoryOperator<Self, Record, EventType, DIMENSIONS, std::integer_sequence<int, I...>> : public TableOperator {
+template <class Self, class Record, class EventType, int DIMENSIONS, class Base, int... I>
+class CategoryOperator<Self, Record, EventType, DIMENSIONS, Base, std::integer_sequence<int, I...>> : public Base {
     /// One int per dimension, for parameter lists.
     template <int>
     using Index = int;
@@ -31,62 +32,66 @@ class CategoryOperator<Self, Record, EventType, DIMENSIONS, std::integer_sequenc
 public:
     /// Whether every index is within its dimension.
     bool checkDimension(Index<I>&... indices) const {
-        const int given[MAX_DIMENSIONS] = {indices...};
-        return acceptsIndices(given);
+        const int given[(DIMENSIONS > 0 ? DIMENSIONS : 1)] = {indices...};
+        return this->acceptsIndices(given);
     }
     /// Writes the header line "[...]\n" as snprintf does; its length.
     int buildSectionId(Index<I>&... indices, char* out, int size) {
-        const int given[MAX_DIMENSIONS] = {indices...};
-        return formatId(given, out, size);
+        const int given[(DIMENSIONS > 0 ? DIMENSIONS : 1)] = {indices...};
+        return this->formatId(given, out, size);
     }
     /// Reads a header line; true when every index is matched. Ranges are not checked.
     bool parseSection(const char* line, Index<I>&... indices) const {
-        int read[MAX_DIMENSIONS] = {indices...};
-        const bool parsed = text::parseSectionId(layoutOf(), line, read);
+        int read[(DIMENSIONS > 0 ? DIMENSIONS : 1)] = {indices...};
+        const bool parsed = this->parseId(line, read);
         const int* next = read;
         ((indices = *next++), ...);
         static_cast<void>(next);
         return parsed;
     }
     /// Writes the key lines of a record as snprintf does; their length.
-    int buildSectionContent(Record& record, char* out, int size) { return formatContent(values(record), out, size); }
+    int buildSectionContent(Record& record, char* out, int size) {
+        return this->formatContent(values(record), out, size);
+    }
     /// Writes a section at the current position of the file, with its header line if asked for. False, and nothing is
     /// written, when a value does not fit its columns.
-    bool writeSection(Index<I>... indices, Record& record, bool withHeader) TD_REQUIRES(m_criticalSection) {
-        const int given[MAX_DIMENSIONS] = {indices...};
-        return writeRecord(given, values(record), withHeader);
+    bool writeSection(Index<I>... indices, Record& record, bool withHeader) {
+        const int given[(DIMENSIONS > 0 ? DIMENSIONS : 1)] = {indices...};
+        return this->writeRecord(given, values(record), withHeader);
     }
     /// Reads the key lines at the current position by their columns.
-    bool readSection(Record& record) TD_REQUIRES(m_criticalSection) { return readRecord(values(record)); }
+    bool readSection(Record& record) { return this->readRecord(values(record)); }
     /// Reads key lines by key up to the next header line, which is left in `line` (128 bytes), or the end of the file.
-    bool readSection_OTA(char* line, Record& record, bool& endOfFile) TD_REQUIRES(m_criticalSection) {
-        return readRecordByKey(line, values(record), endOfFile);
+    bool readSection_OTA(char* line, Record& record, bool& endOfFile) {
+        return this->readRecordByKey(line, values(record), endOfFile);
     }
     /// Appends the whole record, in record order.
     void getSectionFieldsFromData(const Record& record, std::vector<_Argument_t>& args) const {
-        listFields(values(record), args);
+        this->listFields(values(record), args);
     }
     /// Fills in the named fields.
     void getPartFieldsFromData(const Record& record, std::vector<_Argument_t>& args) const {
-        getFields(values(record), args);
+        this->getFields(values(record), args);
     }
     /// Takes over the named fields; `changed` is set when one differed.
     void putFieldsToData(const std::vector<_Argument_t>& args, Record& record, bool& changed) const {
-        putFields(args, values(record), changed);
+        this->putFields(args, values(record), changed);
     }
     /// Takes over one field by the key of its line.
     void putFieldsToData(const char* key, const int& value, Record& record) const {
-        putField(key, value, values(record));
+        this->putField(key, value, values(record));
     }
     /// Logs one record of the table while the detail log is on.
-    void printValues(const Index<I>&... indices) TD_REQUIRES(m_criticalSection) {
-        const int given[MAX_DIMENSIONS] = {indices...};
-        if (acceptsIndices(given))
-            dumpRecord(given);
+    void printValues(const Index<I>&... indices) {
+        const int given[(DIMENSIONS > 0 ? DIMENSIONS : 1)] = {indices...};
+        if (this->acceptsIndices(given))
+            this->dumpValues(given);
     }
 
 protected:
-    explicit CategoryOperator(const CategoryLayout& layout) : TableOperator(layout) {}
+    template <class... Arguments>
+    explicit CategoryOperator(const CategoryLayout& layout, const Arguments&... arguments)
+        : Base(layout, arguments...) {}
 
     Event* makeEvent(const std::vector<int>& dims, const int* record) override {
         Record copy;

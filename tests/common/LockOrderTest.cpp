@@ -8,8 +8,14 @@ namespace {
 
 #ifdef DATAMODULE_CHECK_LOCKS
 
+void callUnder(LockRank rank) {
+    Mutex mutex{rank};
+    const MutexLock lock(mutex);
+    lockOrder::willCallSystem();
+}
+
 TEST(LockOrderTest, TheOrderAndATryAgainstItAreLetPass) {
-    Mutex section{LockRank::Section};
+    Mutex section{LockRank::Category};
     Mutex queue{LockRank::Queue};
     Mutex leaf;
     {
@@ -17,6 +23,7 @@ TEST(LockOrderTest, TheOrderAndATryAgainstItAreLetPass) {
         const MutexLock inner(queue);
         const MutexLock innermost(leaf);
     }
+    callUnder(LockRank::EnteredTable);
     const MutexLock outer(queue);
     ASSERT_TRUE(section.tryLock());
     leaf.lock();
@@ -35,8 +42,9 @@ void takeInTurn(LockRank first, LockRank second) TD_NO_THREAD_SAFETY_ANALYSIS {
 
 TEST(LockOrderDeathTest, WhoeverGoesAgainstItIsEnded) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(takeInTurn(LockRank::Queue, LockRank::Section), "waiting for a critical section");
-    EXPECT_DEATH(takeInTurn(LockRank::Section, LockRank::Section), "waiting for a critical section");
+    EXPECT_DEATH(callUnder(LockRank::Table), "a call of the system under a lock that readers wait for");
+    EXPECT_DEATH(takeInTurn(LockRank::Queue, LockRank::Category), "waiting for a category's files");
+    EXPECT_DEATH(takeInTurn(LockRank::Category, LockRank::Category), "waiting for a category's files");
     EXPECT_DEATH(takeInTurn(LockRank::Leaf, LockRank::Leaf), "waiting for a leaf");
 }
 

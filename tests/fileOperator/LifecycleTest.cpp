@@ -20,10 +20,12 @@
 #include <gtest/gtest.h>
 
 #include <dataModule/common/FileLock.h>
+#include <dataModule/common/FileUtil.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/FileFactoryPictureOverScan.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
+#include <dataModule/fileOperator/Loading.h>
 #include <dataModule/fileOperator/TextLayout.h>
 
 #include "FakeParent.h"
@@ -40,35 +42,17 @@ constexpr const char* PICTURE_MODE_FILE = "pic_mode_usr.ini";
 constexpr const char* FIELD = "RGBOnly";
 constexpr Copy ALL_COPIES[] = {Copy::Current, Copy::Backup, Copy::Factory};
 
-/// Steps that need the critical section, and a place to stop in while the file is written.
+/// An operator with a place to stop in while the file is written.
 template <class Category>
 class Tested final : public Category {
 public:
-    bool backup(bool alsoFactory = false) {
-        const SectionLock lock(this->m_criticalSection);
-        return this->backupFile(alsoFactory);
-    }
-    bool recover() {
-        const SectionLock lock(this->m_criticalSection);
-        return this->recoverFile();
-    }
-    bool openFactory() {
-        const SectionLock lock(this->m_criticalSection);
-        return this->switchToManufactory();
-    }
-    bool rewriteSummary() {
-        const SectionLock lock(this->m_criticalSection);
-        return this->updateSummary();
-    }
-    unsigned int crcCode(const std::string& path) {
-        const SectionLock lock(this->m_criticalSection);
-        return this->getCrcCode(path.c_str());
-    }
-    bool find(const char* id) {
-        const SectionLock lock(this->m_criticalSection);
-        return this->searchSectionId(id);
-    }
-    bool buildContents(bool defaults) override TD_REQUIRES(AbstractFileOperator::m_criticalSection) {
+    bool backup(bool alsoFactory = false) { return this->backupFile(alsoFactory); }
+    bool recover() { return this->recoverFile(); }
+    bool openFactory() { return this->switchToManufactory(); }
+    bool rewriteSummary() { return this->updateSummary(); }
+    unsigned int crcCode(const std::string& path) { return this->getCrcCode(path.c_str()); }
+    bool find(const char* id) { return this->searchSectionId(id); }
+    bool buildContents(bool defaults) override {
         writing.open();
         mayWrite.pass();
         if (readsBackWhileWriting)
@@ -687,7 +671,7 @@ TEST_F(TornStoreTest, DoesNotTouchAnotherFileInItsPlace) {
     m_root.write(Copy::Current, PICTURE_GLOBAL_FILE, goodText(Copy::Factory));
     EXPECT_TRUE(m_op->backup());
     EXPECT_EQ(current(), goodText(Copy::Factory));
-    m_op->tryAgain();
+    tryAgain(m_op->state());
     EXPECT_EQ(current(), stored(goodText(Copy::Factory)));
 }
 
@@ -837,7 +821,7 @@ TEST_F(LifecycleTest, AReleasedFileIsNotBackedUp) {
     EXPECT_EQ(op->getFileHandler(), nullptr);
     // A resume ends it, however often the files were released.
     op->releaseFile();
-    EXPECT_TRUE(op->loadIfReleased());
+    EXPECT_TRUE(loadIfReleased(op->state()));
     EXPECT_EQ(valueOf(*op, {}, FIELD), fieldOf(Copy::Current));
     const bool enteredAgain = op->tryEnterCriticalSection();
     EXPECT_TRUE(enteredAgain);

@@ -12,12 +12,14 @@
 
 #include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileLock.h>
+#include <dataModule/common/FileUtil.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/FileFactoryPictureOverScan.h>
 #include <dataModule/fileOperator/FileFactoryPictureWB.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureSourceOnly.h>
 #include <dataModule/fileOperator/LoadBudget.h>
+#include <dataModule/fileOperator/Loading.h>
 
 #include "FakeParent.h"
 #include "Limits.h"
@@ -95,9 +97,9 @@ TEST_F(StoredValuesTest, EachCallKeepsOrDropsThemAsItSays) {
          "70,70", FACTORYS, FACTORYS},
         {"restore", [](Operator& op) { return op.restoreSetting({0}); }, "70,70", FACTORYS, FACTORYS},
         {"load of another file", [&](Operator& op) { return op.loadFile(factory.c_str()); }, "70,70", 0, THEIRS},
-        {"drop", [](Operator& op) { return op.dropStores(), true; }, "9,0", 0, THEIRS},
+        {"drop", [](Operator& op) { return dropStores(op.state()), true; }, "9,0", 0, THEIRS},
         {"drop, then a load after a release",
-         [](Operator& op) { return op.dropStores(), op.releaseFile() && op.loadFile(); }, "0,33", 0, THEIRS},
+         [](Operator& op) { return dropStores(op.state()), op.releaseFile() && op.loadFile(); }, "0,33", 0, THEIRS},
     };
     for (const Case& one : cases) {
         for (const bool hasFailed : {false, true}) {
@@ -113,7 +115,7 @@ TEST_F(StoredValuesTest, EachCallKeepsOrDropsThemAsItSays) {
             EXPECT_TRUE(one.call(*op));
             EXPECT_EQ(values(*op), one.inMemory);
             m_parent.deliver();
-            op->tryAgain();
+            tryAgain(op->state());
             EXPECT_EQ(current(), with(one.stored, one.other));
         }
     }
@@ -145,8 +147,8 @@ TEST_F(StoredValuesTest, AFailedStoreGoesWithTheNextOrIsTriedAgain) {
     hideCurrent();
     EXPECT_TRUE(storeValue(*op, {0}, STORED, OURS));
     EXPECT_EQ(m_parent.deliver(), 0);
-    op->tryAgain();
-    op->tryAgain();
+    tryAgain(op->state());
+    tryAgain(op->state());
     EXPECT_EQ(m_log.count("tried again from time to time"), 1U) << "once for a cause";
     setCurrent(with(0, 0));
     EXPECT_TRUE(storeValue(*op, {1}, STORED, 5));
@@ -161,12 +163,12 @@ TEST_F(StoredValuesTest, AFailedStoreGoesWithTheNextOrIsTriedAgain) {
     {
         FileLock other;
         ASSERT_TRUE(other.lock(paths::lockFile(STORED_FILE), FileLock::Kind::Shared));
-        op->tryAgain(); // does not wait
+        tryAgain(op->state()); // does not wait
     }
     EXPECT_EQ(current(), both);
-    op->tryAgain();
+    tryAgain(op->state());
     EXPECT_EQ(current(), withChecksum(withValue(both, FIRST_SECTION, STORED, 8)));
-    EXPECT_FALSE(op->hasFailed());
+    EXPECT_FALSE(hasFailed(op->state()));
     EXPECT_TRUE(op->getBackupReq());
 }
 
@@ -175,7 +177,7 @@ TEST_F(StoredValuesTest, AValueThatDoesNotFitKeepsNoOtherFromTheFile) {
     auto op = makeLoaded();
     EXPECT_TRUE(storeValue(*op, {0}, STORED, 123456));
     EXPECT_EQ(m_parent.deliver(), 0);
-    op->tryAgain();
+    tryAgain(op->state());
     EXPECT_TRUE(storeValue(*op, {1}, STORED, 5));
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_EQ(current(), withChecksum(withValue(m_text, "[1]\n", STORED, 5)));
@@ -286,12 +288,12 @@ TEST_F(StoredValuesTest, ALoadGoesOnWithoutALockThatIsNotToBeHad) {
         EXPECT_FALSE(op->tryEnterCriticalSection()) << "nor is it backed up";
         EXPECT_TRUE(storeValue(*op, {1}, STORED, OURS));
         EXPECT_EQ(m_parent.deliver(), 0) << "nor does a worker wait";
-        op->tryAgain();
+        tryAgain(op->state());
         EXPECT_EQ(current(), found) << "nothing is written";
         EXPECT_EQ(m_root.read(Copy::Backup, STORED_FILE), with(5, 6));
 
         stopped.unlock();
-        op->tryAgain();
+        tryAgain(op->state());
         op->waitForMerge();
         m_parent.deliver();
         EXPECT_EQ(valueOf(*op, {1}, STORED), OURS);
@@ -320,12 +322,12 @@ TEST_F(StoredValuesTest, WhatCannotBeMovedAwayLeavesTheCategoryInMemory) {
         EXPECT_TRUE(storeValue(*op, {0}, STORED, OURS));
         EXPECT_EQ(m_parent.deliver(), 0);
         m_log.clear();
-        op->tryAgain();
-        op->tryAgain();
+        tryAgain(op->state());
+        tryAgain(op->state());
         EXPECT_EQ(m_log.count("tried again from time to time"), 1U);
         std::filesystem::permissions(directory, std::filesystem::perms(0755));
     }
-    op->tryAgain();
+    tryAgain(op->state());
     m_parent.deliver();
     EXPECT_EQ(current(), with(OURS, 6));
 }

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <dataModule/common/FileUtil.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 

@@ -20,6 +20,8 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <dataModule/common/LockOrder.h>
+
 #define SEEN_BY_THE_LIBRARY __attribute__((visibility("default")))
 
 namespace td::test {
@@ -137,6 +139,8 @@ public:
 
 private:
     void enter() {
+        // No call of the system under a lock that readers wait for (invariant 8).
+        lockOrder::willCallSystem();
         ++t_unwatched;
         state().mutex.lock();
         m_entered = true;

@@ -5,6 +5,7 @@
 
 #include <dataModule/common/RecordEvent.h>
 #include <dataModule/FactoryPictureRecords.h>
+#include <dataModule/fileOperator/BinTable.h>
 #include <dataModule/fileOperator/CategoryOperator.h>
 #include <dataModule/fileOperator/FactoryWhiteBalance.h>
 #include <dataModule/fileOperator/OperatorFactory.h>
@@ -33,9 +34,10 @@ constexpr WhiteBalanceMessages MESSAGES{"", "", "", "", "", "", "", "", "", ""};
 class FewBalances;
 using FewBalancesEvent = RecordEvent<FewBalances, _factory_pic_wb>;
 
-class FewBalances final : public FactoryWhiteBalance<FewBalances, _factory_pic_wb, FewBalancesEvent> {
+class FewBalances final
+    : public CategoryOperator<FewBalances, _factory_pic_wb, FewBalancesEvent, 5, FactoryWhiteBalance> {
 public:
-    FewBalances() : FactoryWhiteBalance(fewBalances(), MESSAGES) {}
+    FewBalances() : CategoryOperator(fewBalances(), MESSAGES) {}
 };
 
 } // namespace

@@ -1,5 +1,7 @@
 #include <dataModule/fileOperator/FileFactoryPictureScaling.h>
 
+#include <dataModule/fileOperator/CategoryLayout.h>
+
 namespace td {
 
 namespace {

@@ -1,6 +1,7 @@
 #include <dataModule/fileOperator/FileFactoryPictureWB.h>
 
 #include <dataModule/fileOperator/Axes.h>
+#include <dataModule/fileOperator/BinTable.h>
 #include <dataModule/fileOperator/FactoryAxes.h>
 
 namespace td {
@@ -22,7 +23,7 @@ constexpr WhiteBalanceMessages MESSAGES{
 
 } // namespace
 
-FileFactoryPictureWB::FileFactoryPictureWB() : FactoryWhiteBalance(layout(), MESSAGES) {}
+FileFactoryPictureWB::FileFactoryPictureWB() : CategoryOperator(layout(), MESSAGES) {}
 
 const CategoryLayout& FileFactoryPictureWB::layout() {
     using Record = _factory_pic_wb;

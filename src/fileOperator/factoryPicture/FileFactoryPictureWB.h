@@ -9,7 +9,7 @@
 namespace td {
 
 class DATAMODULE_API FileFactoryPictureWB
-    : public FactoryWhiteBalance<FileFactoryPictureWB, _factory_pic_wb, FactoryPictureWBEvent> {
+    : public CategoryOperator<FileFactoryPictureWB, _factory_pic_wb, FactoryPictureWBEvent, 5, FactoryWhiteBalance> {
 public:
     FileFactoryPictureWB();
     static const CategoryLayout& layout();

@@ -1,7 +1,9 @@
 #include <dataModule/fileOperator/FileFactoryPictureWBShift.h>
 
+#include <dataModule/common/Log.h>
 #include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/Axes.h>
+#include <dataModule/fileOperator/BinTable.h>
 #include <dataModule/fileOperator/FactoryAxes.h>
 #include <dataModule/platform/ConfigReader.h>
 
@@ -29,7 +31,7 @@ constexpr int COUNTRY_VARIANT = 1 << 4;
 
 } // namespace
 
-FileFactoryPictureWBShift::FileFactoryPictureWBShift() : FactoryWhiteBalance(layout(), MESSAGES) {}
+FileFactoryPictureWBShift::FileFactoryPictureWBShift() : CategoryOperator(layout(), MESSAGES) {}
 
 const CategoryLayout& FileFactoryPictureWBShift::layout() {
     using Record = _factory_pic_wb_shift;

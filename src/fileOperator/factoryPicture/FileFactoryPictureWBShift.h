@@ -9,7 +9,8 @@
 namespace td {
 
 class DATAMODULE_API FileFactoryPictureWBShift
-    : public FactoryWhiteBalance<FileFactoryPictureWBShift, _factory_pic_wb_shift, FactoryPictureWBShiftEvent> {
+    : public CategoryOperator<FileFactoryPictureWBShift, _factory_pic_wb_shift, FactoryPictureWBShiftEvent, 5,
+                              FactoryWhiteBalance> {
 public:
     FileFactoryPictureWBShift();
     static const CategoryLayout& layout();

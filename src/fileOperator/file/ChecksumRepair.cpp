@@ -8,7 +8,7 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/common/NoCancel.h>
 #include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/CriticalSection.h>
+#include <dataModule/fileOperator/CategoryLock.h>
 #include <dataModule/fileOperator/RedoRecord.h>
 #include <dataModule/fileOperator/SummaryReader.h>
 
@@ -39,7 +39,7 @@ bool hasChecksumLine(const Summary& summary, SummaryState state) {
 /// Keeps all others off the files: as part of the critical section in which the calling thread is at work on them, or
 /// with `lock`. False when that cannot be had for now.
 bool takeFilesOf(const std::string& lockFile, FileLock& lock) TD_NO_THREAD_SAFETY_ANALYSIS {
-    CriticalSection* const section = CriticalSection::claimedHere(lockFile);
+    CategoryLock* const section = CategoryLock::claimedHere(lockFile);
     if (section == nullptr)
         return lock.lock(lockFile, FileLock::Kind::Exclusive) || !lock.failedForNow();
     section->takeFiles(lockFile);

@@ -9,6 +9,8 @@
 #include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
+#include <dataModule/fileOperator/CategoryState.h>
+#include <dataModule/fileOperator/CopyCheck.h>
 
 namespace td {
 
@@ -24,14 +26,14 @@ bool isSame(const struct stat& one, const struct stat& other) {
 
 } // namespace
 
-bool Loader::load() TD_NO_THREAD_SAFETY_ANALYSIS {
-    m_op.shareFiles();
-    if (m_op.m_criticalSection.gaveUpWaiting())
+bool Loader::load() {
+    m_state.shareFiles();
+    if (m_state.lock.gaveUpWaiting())
         return serveFromMemory();
     TriedCopy tried;
     for (bool loaded = false; !loaded;) {
         struct stat found = {};
-        stat((m_op.getWorkPath(NORMAL_LOAD) + m_op.m_fileName).c_str(), &found);
+        stat(m_state.currentPath().c_str(), &found);
         const CopyState state = tryCopy(tried.copy);
         tried.verdict = state.verdict;
         switch (after(tried, found)) {
@@ -43,7 +45,7 @@ bool Loader::load() TD_NO_THREAD_SAFETY_ANALYSIS {
             break;
         case NextCopy::Backup:
         case NextCopy::Factory: {
-            const _LOAD_FILE_MODE next = m_op.stateChanged(tried.copy);
+            const _LOAD_FILE_MODE next = m_state.op.stateChanged(tried.copy);
             tried = TriedCopy();
             tried.copy = next;
             break;
@@ -55,141 +57,143 @@ bool Loader::load() TD_NO_THREAD_SAFETY_ANALYSIS {
             return false;
         }
     }
-    TD_INFO("load file [%s] completely, cache data size = %d, elpased time = %d (ms).\n", m_op.m_path.load(),
-            m_op.m_dataSize, elapsedMilliseconds());
-    if (m_op.m_loadMode == NORMAL_LOAD)
+    TD_INFO("load file [%s] completely, cache data size = %d, elpased time = %d (ms).\n", m_state.file.path().load(),
+            m_state.name.dataSize, elapsedMilliseconds());
+    if (m_state.file.mode == NORMAL_LOAD)
         return true;
     TD_INFO("it is necessary to switch to NORMAL_LOAD.\n");
-    if (m_op.switchToNormal())
+    if (m_state.op.switchToNormal())
         return true;
     TD_WARNING("switch to normal load failed.\n");
-    m_op.logWhere();
+    m_state.logWhere();
     return false;
 }
 
-NextCopy Loader::after(TriedCopy tried, const struct stat& found) TD_NO_THREAD_SAFETY_ANALYSIS {
-    tried.lockWasGivenUp = m_op.m_criticalSection.gaveUpWaiting();
+NextCopy Loader::after(TriedCopy tried, const struct stat& found) {
+    tried.lockWasGivenUp = m_state.lock.gaveUpWaiting();
     NextCopy next = nextCopy(tried);
     const bool leaves = next == NextCopy::Backup || next == NextCopy::Factory || next == NextCopy::WithoutLock;
     if (tried.copy != NORMAL_LOAD || !leaves)
         return next;
     // Before another one takes the place of the current copy.
     tried.wasMended = currentWasMended(found);
-    tried.lockWasGivenUp = m_op.m_criticalSection.gaveUpWaiting();
-    tried.awaitsWrite = m_op.m_pendingError != 0 && m_op.m_pendingError != EIO;
+    tried.lockWasGivenUp = m_state.lock.gaveUpWaiting();
+    tried.awaitsWrite = m_state.file.unended().error() != 0 && m_state.file.unended().error() != EIO;
     next = nextCopy(tried);
     if (next == NextCopy::SameAgain)
         m_merge.giveUp();
     return next;
 }
 
-bool Loader::currentWasMended(const struct stat& found) TD_NO_THREAD_SAFETY_ANALYSIS {
-    m_op.takeFiles();
-    const bool triesAgain = m_op.m_pendingError != 0;
+bool Loader::currentWasMended(const struct stat& found) {
+    m_state.takeFiles();
+    const bool triesAgain = m_state.file.unended().error() != 0;
     if (triesAgain)
-        m_op.endPendingWrite();
-    const std::string current = m_op.getWorkPath(NORMAL_LOAD) + m_op.m_fileName;
+        m_state.endUnendedWrite();
+    const std::string current = m_state.currentPath();
     struct stat now = {};
     const bool hasChanged = stat(current.c_str(), &now) == 0 && !isSame(found, now);
-    return (hasChanged || (triesAgain && m_op.m_pendingError == 0)) && fileVerifies(current.c_str(), m_op.m_version);
+    return (hasChanged || (triesAgain && m_state.file.unended().error() == 0)) &&
+           fileVerifies(current.c_str(), m_state.name.version);
 }
 
-void Loader::logWhyNone(_LOAD_FILE_MODE copy, const CopyState& state) const TD_NO_THREAD_SAFETY_ANALYSIS {
+void Loader::logWhyNone(_LOAD_FILE_MODE copy, const CopyState& state) const {
     if (state.verdict == Verdict::Fatal)
         return;
     const bool awaitsWrite = copy == NORMAL_LOAD && state.verdict != Verdict::Unreadable;
     if (awaitsWrite || state.verdict == Verdict::Unreadable) {
-        logStays(awaitsWrite ? m_op.m_pendingError : state.error);
+        logStays(awaitsWrite ? m_state.file.unended().error() : state.error);
         return;
     }
-    static_cast<void>(m_op.stateChanged(copy));
-    TD_ERROR("load file [%s] failed.\n", m_op.m_path.load());
-    m_op.logWhere();
+    static_cast<void>(m_state.op.stateChanged(copy));
+    TD_ERROR("load file [%s] failed.\n", m_state.file.path().load());
+    m_state.logWhere();
 }
 
 void Loader::logStays(int error) const {
-    TD_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_op.m_path.load(), std::strerror(error));
-    m_op.logWhere();
+    TD_ERROR("file [%s] cannot be read now (%s) and stays as it is.\n", m_state.file.path().load(),
+             std::strerror(error));
+    m_state.logWhere();
 }
 
-CopyState Loader::tryCopy(_LOAD_FILE_MODE mode) TD_NO_THREAD_SAFETY_ANALYSIS {
-    CopyState state = m_op.verifyCopy(mode);
+CopyState Loader::tryCopy(_LOAD_FILE_MODE mode) {
+    CopyState state = CopyCheck(m_state).verify(mode);
     if (state.verdict == Verdict::OtherVersion)
-        m_op.m_merge.begin();
+        m_state.merge.begin();
     if (!state.isGood())
         return state;
-    m_op.m_loadMode = mode;
+    m_state.file.mode = mode;
     TD_INFO("Ready to load contents in [%s] ...\n", AbstractFileOperator::getLoadMode(mode));
-    if (mode == MANUFACTORY_LOAD && m_op.m_merge.isUnderWay())
+    if (mode == MANUFACTORY_LOAD && m_state.merge.isUnderWay())
         return readForMerge();
-    if (!m_op.loadContents()) {
+    if (!m_state.op.loadContents()) {
         state = contentsFailed();
-        TD_WARNING("load contents from file [%s] failed.\n", m_op.m_path.load());
-        m_op.logWhere();
+        TD_WARNING("load contents from file [%s] failed.\n", m_state.file.path().load());
+        m_state.logWhere();
         return mode == MANUFACTORY_LOAD ? CopyState{Verdict::Fatal} : state;
     }
     return mode == NORMAL_LOAD ? CopyState() : recover(mode);
 }
 
-CopyState Loader::contentsFailed() const TD_NO_THREAD_SAFETY_ANALYSIS {
-    const bool isUnreadable = m_op.m_file.isOpend() && m_op.m_file.readFailed();
+CopyState Loader::contentsFailed() const {
+    const bool isUnreadable = m_state.file.stream().isOpend() && m_state.file.stream().readFailed();
     return isUnreadable ? CopyState::unreadable(EIO) : CopyState{Verdict::Damaged};
 }
 
-CopyState Loader::recover(_LOAD_FILE_MODE mode) TD_NO_THREAD_SAFETY_ANALYSIS {
+CopyState Loader::recover(_LOAD_FILE_MODE mode) {
     if (mode == MANUFACTORY_LOAD)
-        TD_INFO("load file [%s] completely.\n", m_op.m_path.load());
-    m_op.closeFile();
-    if (m_op.recoverFile())
+        TD_INFO("load file [%s] completely.\n", m_state.file.path().load());
+    m_state.closeFile();
+    if (m_state.op.recoverFile())
         return {};
-    const std::string current = m_op.getWorkPath(NORMAL_LOAD) + m_op.m_fileName;
+    const std::string current = m_state.currentPath();
     if (FileUtil::isStray(current.c_str())) {
         TD_WARNING("[%s]: file [%s] cannot be made where something else stands, so its values are served from memory, "
                    "and nothing is written before that has gone.\n",
-                   m_op.categoryName(), current.c_str());
-        m_op.m_servesMemory = true;
-        m_op.m_loadMode = NORMAL_LOAD;
-        m_op.setPath(current);
+                   m_state.categoryName(), current.c_str());
+        m_state.servesMemory = true;
+        m_state.file.mode = NORMAL_LOAD;
+        m_state.file.path().set(current);
         return {};
     }
     if (mode == MANUFACTORY_LOAD) {
-        TD_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_op.m_path.load());
-        m_op.logWhere();
+        TD_WARNING("recover data from file [%s] failed , pause load data flow.!!!\n", m_state.file.path().load());
+        m_state.logWhere();
     }
     return {Verdict::Fatal};
 }
 
-bool Loader::serveFromMemory() TD_NO_THREAD_SAFETY_ANALYSIS {
+bool Loader::serveFromMemory() {
     m_merge.giveUp();
     TD_WARNING("[%s]: another process keeps the lock of file [%s], so the first good copy is read without it, and "
                "nothing is written before the lock can be had.\n",
-               m_op.categoryName(), m_op.m_fileName);
+               m_state.categoryName(), m_state.name.file);
     for (const _LOAD_FILE_MODE mode : {NORMAL_LOAD, BACKUP_LOAD, MANUFACTORY_LOAD}) {
-        if (!m_op.verifyCopy(mode).isGood() || !m_op.loadContents())
+        if (!CopyCheck(m_state).verify(mode).isGood() || !m_state.op.loadContents())
             continue;
-        TD_INFO("load file [%s] without its lock.\n", m_op.m_path.load());
-        m_op.closeFile();
-        m_op.m_loadMode = NORMAL_LOAD;
-        m_op.setPath(m_op.getWorkPath(NORMAL_LOAD) + m_op.m_fileName);
-        m_op.m_servesMemory = true;
+        TD_INFO("load file [%s] without its lock.\n", m_state.file.path().load());
+        m_state.closeFile();
+        m_state.file.mode = NORMAL_LOAD;
+        m_state.file.path().set(m_state.currentPath());
+        m_state.servesMemory = true;
         return true;
     }
-    TD_ERROR("load file [%s] failed.\n", m_op.m_path.load());
+    TD_ERROR("load file [%s] failed.\n", m_state.file.path().load());
     return false;
 }
 
 // --- a copy of another version ---
 
-CopyState Loader::readForMerge() TD_NO_THREAD_SAFETY_ANALYSIS {
+CopyState Loader::readForMerge() {
     TD_INFO("#################### load OTA data flow begin. ###################.\n");
-    TD_INFO("1. load contents from file [%s] ...\n", m_op.m_path.load());
-    if (!m_op.loadContents()) {
-        TD_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_op.m_path.load());
-        m_op.logWhere();
+    TD_INFO("1. load contents from file [%s] ...\n", m_state.file.path().load());
+    if (!m_state.op.loadContents()) {
+        TD_WARNING("1.load contents from file [%s] failed when load OTA data.\n", m_state.file.path().load());
+        m_state.logWhere();
         return {Verdict::Fatal};
     }
-    m_op.closeFile();
-    TD_INFO("load contents from file [%s] completely elpased time = %d (ms).\n", m_op.m_path.load(),
+    m_state.closeFile();
+    TD_INFO("load contents from file [%s] completely elpased time = %d (ms).\n", m_state.file.path().load(),
             elapsedMilliseconds());
     TD_INFO("load manufactory data file completely.\n");
 
@@ -202,16 +206,16 @@ CopyState Loader::readForMerge() TD_NO_THREAD_SAFETY_ANALYSIS {
         return {Verdict::Fatal};
     } else {
         TD_WARNING("load current data file failed in OTA mode, just ignore current file content !!! \n");
-        m_op.logWhere();
+        m_state.logWhere();
         const CopyState backup = twiceIfUnreadable(&Loader::mergeBackup);
         if (backup.verdict == Verdict::Unreadable)
             logStays(backup.error);
         if (backup.verdict == Verdict::Unreadable || (!backup.isGood() && !readFactoryTable()))
             return {Verdict::Fatal};
     }
-    m_op.closeFile();
-    m_op.m_loadMode = NORMAL_LOAD;
-    m_op.setPath(m_op.getWorkPath(NORMAL_LOAD) + m_op.m_fileName);
+    m_state.closeFile();
+    m_state.file.mode = NORMAL_LOAD;
+    m_state.file.path().set(m_state.currentPath());
     return {};
 }
 
@@ -220,33 +224,33 @@ CopyState Loader::twiceIfUnreadable(CopyState (Loader::*read)()) {
     return state.isUnreadable() ? (this->*read)() : state;
 }
 
-CopyState Loader::mergeCurrent() TD_NO_THREAD_SAFETY_ANALYSIS {
+CopyState Loader::mergeCurrent() {
     TD_INFO("start to load current file [%s] with Each line mode when load OTA data ...\n",
-            (m_op.getWorkPath(NORMAL_LOAD) + m_op.m_fileName).c_str());
-    CopyState state = m_op.openNormal(AbstractFileOperator::Versions::Any);
+            m_state.currentPath().c_str());
+    CopyState state = CopyCheck(m_state).switchToCurrent(CopyCheck::Versions::Any);
     if (!state.isGood()) {
         TD_WARNING("switch to normal failed when load OTA data.\n");
-        m_op.logWhere();
+        m_state.logWhere();
         return state;
     }
     state = readByKey();
     if (!state.isGood()) {
-        TD_WARNING("load contents from file [%s] failed when load OTA data.\n", m_op.m_path.load());
-        m_op.logWhere();
+        TD_WARNING("load contents from file [%s] failed when load OTA data.\n", m_state.file.path().load());
+        m_state.logWhere();
     } else {
-        TD_INFO("loading current file [%s] completely when load OTA data.  \n", m_op.m_path.load());
+        TD_INFO("loading current file [%s] completely when load OTA data.  \n", m_state.file.path().load());
     }
-    m_op.closeFile();
+    m_state.closeFile();
     return state;
 }
 
-CopyState Loader::mergeBackup() TD_NO_THREAD_SAFETY_ANALYSIS {
-    const std::string backup = m_op.getWorkPath(BACKUP_LOAD) + m_op.m_fileName;
-    CopyState state = m_op.lookFor(backup.c_str());
+CopyState Loader::mergeBackup() {
+    const std::string backup = m_state.pathOf(BACKUP_LOAD);
+    CopyState state = CopyCheck::lookFor(backup.c_str());
     if (state.isGood() && !readFactoryTable())
         state = {Verdict::Damaged};
     if (state.isGood())
-        state = m_op.verifyFile(backup.c_str());
+        state = CopyCheck(m_state).verify(backup.c_str());
     if (state.isGood())
         state = readByKey();
     if (state.isGood())
@@ -254,15 +258,15 @@ CopyState Loader::mergeBackup() TD_NO_THREAD_SAFETY_ANALYSIS {
     return state;
 }
 
-CopyState Loader::readByKey() TD_NO_THREAD_SAFETY_ANALYSIS {
+CopyState Loader::readByKey() {
     // A copy that ends before its checksum has not been verified and has nothing to merge.
-    if (m_op.m_crcLineLength == 0)
+    if (m_state.file.summary().crcLineLength == 0)
         return {Verdict::Damaged};
-    return m_op.loadContents_OTA() ? CopyState() : contentsFailed();
+    return m_state.op.loadContents_OTA() ? CopyState() : contentsFailed();
 }
 
-bool Loader::readFactoryTable() TD_NO_THREAD_SAFETY_ANALYSIS {
-    return m_op.switchToManufactory() && m_op.loadContents();
+bool Loader::readFactoryTable() {
+    return m_state.op.switchToManufactory() && m_state.op.loadContents();
 }
 
 } // namespace td

@@ -1,8 +1,7 @@
 /// One load of one category: which copies it tries, what it does with the first good one, and how a copy of another
-/// version is read by key. Its caller holds the operator's critical section from its making to its end.
+/// version is read by key. Its caller holds the category's lock from its making to its end.
 #pragma once
 
-#include <dataModule/common/ThreadAnnotations.h>
 #include <dataModule/fileOperator/NextCopy.h>
 #include <dataModule/fileOperator/VersionMerge.h>
 
@@ -10,12 +9,12 @@ struct stat;
 
 namespace td {
 
-class AbstractFileOperator;
+struct CategoryState;
 
 class Loader {
 public:
     /// `merge`: what becomes of a merge that this load begins.
-    Loader(AbstractFileOperator& op, VersionMerge::Attempt& merge) : m_op(op), m_merge(merge) {}
+    Loader(CategoryState& state, VersionMerge::Attempt& merge) : m_state(state), m_merge(merge) {}
     Loader(const Loader&) = delete;
     Loader& operator=(const Loader&) = delete;
 
@@ -48,7 +47,7 @@ private:
     void logWhyNone(_LOAD_FILE_MODE copy, const CopyState& state) const;
     void logStays(int error) const;
 
-    AbstractFileOperator& m_op;
+    CategoryState& m_state;
     VersionMerge::Attempt& m_merge;
 };
 

@@ -1,5 +1,7 @@
 #include <dataModule/fileOperator/FileFactorySoundGlobal.h>
 
+#include <dataModule/fileOperator/CategoryLayout.h>
+
 namespace td {
 
 FileFactorySoundGlobal::FileFactorySoundGlobal() : CategoryOperator(layout()) {}

@@ -13,7 +13,7 @@ public:
     FileUserSoundDbx();
     static const CategoryLayout& layout();
     /// Whether a change of one source's sound mode settings is for all sources; see applyModeToSource().
-    bool loadFlagFromGlobalFile() TD_EXCLUDES(m_criticalSection);
+    bool loadFlagFromGlobalFile();
 };
 
 } // namespace td

@@ -1,5 +1,7 @@
 #include <dataModule/fileOperator/FileUserSoundGlobal.h>
 
+#include <dataModule/fileOperator/CategoryLayout.h>
+
 namespace td {
 
 FileUserSoundGlobal::FileUserSoundGlobal() : CategoryOperator(layout()) {}

@@ -68,7 +68,7 @@ private:
 
 } // namespace
 
-void PendingStores::stored(int record, int event, Fields fields) {
+void PendingStores::stored(int record, int event, FieldSet fields) {
     const MutexLock lock(m_mutex);
     const auto [entry, isNew] = m_records.try_emplace(record);
     Pending& pending = entry->second;
@@ -123,11 +123,18 @@ void PendingStores::mergeFailed() {
     Changes::instance().note();
 }
 
-void PendingStores::allWritten() {
+void PendingStores::allWrittenBefore(int event) {
     {
         const MutexLock lock(m_mutex);
-        m_records.clear();
-        m_failedCount = 0;
+        for (auto entry = m_records.begin(); entry != m_records.end();) {
+            if (isBefore(entry->second.event, event)) {
+                entry = remove(entry);
+                continue;
+            }
+            if (isBefore(entry->second.since, event))
+                entry->second.since = event;
+            ++entry;
+        }
     }
     Changes::instance().note();
 }
@@ -152,6 +159,15 @@ void PendingStores::drop(const std::function<bool(int record)>& gives) {
         const MutexLock lock(m_mutex);
         for (auto entry = m_records.begin(); entry != m_records.end();)
             entry = gives(entry->first) ? giveUp(entry) : std::next(entry);
+    }
+    Changes::instance().note();
+}
+
+void PendingStores::dropBefore(int event) {
+    {
+        const MutexLock lock(m_mutex);
+        for (auto entry = m_records.begin(); entry != m_records.end();)
+            entry = isBefore(entry->second.since, event) ? giveUp(entry) : std::next(entry);
     }
     Changes::instance().note();
 }
@@ -181,6 +197,12 @@ std::vector<PendingStores::Store> PendingStores::all() const {
     for (const auto& [record, pending] : m_records)
         stores.push_back({record, pending.event, pending.fields});
     return stores;
+}
+
+FieldSet PendingStores::fieldsOf(int record) const {
+    const MutexLock lock(m_mutex);
+    const auto entry = m_records.find(record);
+    return entry != m_records.end() ? entry->second.fields : 0;
 }
 
 std::vector<PendingStores::Store> PendingStores::failedOnes() const {

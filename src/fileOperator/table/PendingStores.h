@@ -2,12 +2,10 @@
 /// named, and how far the write has come. The only place that knows what a load keeps, what is tried again, and what
 /// waitStored() waits for.
 ///
-/// Any thread. The operator changes it inside its critical section; waiters read it without.
+/// Any thread.
 #pragma once
 
 #include <atomic>
-#include <cstddef>
-#include <cstdint>
 #include <ctime>
 #include <functional>
 #include <map>
@@ -15,6 +13,7 @@
 #include <vector>
 
 #include <dataModule/common/Mutex.h>
+#include <dataModule/fileOperator/RecordTable.h>
 
 namespace td {
 
@@ -22,11 +21,6 @@ class StoreWait;
 
 class PendingStores {
 public:
-    /// Fields of a record, a bit for each by its position.
-    using Fields = std::uint64_t;
-    static constexpr Fields ALL_FIELDS = ~Fields{0};
-    static Fields fieldAt(int position) { return Fields{1} << static_cast<unsigned>(position); }
-
     PendingStores() = default;
     PendingStores(const PendingStores&) = delete;
     PendingStores& operator=(const PendingStores&) = delete;
@@ -34,7 +28,7 @@ public:
     // --- the way of a store ---
 
     /// The fields were stored; `event` is to write them.
-    void stored(int record, int event, Fields fields) TD_EXCLUDES(m_mutex);
+    void stored(int record, int event, FieldSet fields) TD_EXCLUDES(m_mutex);
     /// The event's copy of the record is on the disk.
     void written(int record, int event) TD_EXCLUDES(m_mutex);
     /// It is not, and nobody is about to write it.
@@ -43,22 +37,26 @@ public:
     void leftToMerge(int record, int event) TD_EXCLUDES(m_mutex);
     /// The merge could not write it.
     void mergeFailed() TD_EXCLUDES(m_mutex);
-    /// The whole table is on the disk.
-    void allWritten() TD_EXCLUDES(m_mutex);
-    /// A call gave up what was stored: in all records, in one, or in those that `gives` picks.
+    /// The whole table is on the disk as it was before `event`.
+    void allWrittenBefore(int event) TD_EXCLUDES(m_mutex);
+    /// A call gave up what was stored: in all records, in one, or in those that `gives` picks; or what was stored in a
+    /// record before `event` and not since.
     void drop() TD_EXCLUDES(m_mutex);
     void drop(int record) TD_EXCLUDES(m_mutex);
     void drop(const std::function<bool(int record)>& gives) TD_EXCLUDES(m_mutex);
+    void dropBefore(int event) TD_EXCLUDES(m_mutex);
 
     // --- what is there ---
 
     struct Store {
         int record = 0;
         int event = 0; ///< the newest
-        Fields fields = 0;
+        FieldSet fields = 0;
     };
     /// All of them, by record.
     std::vector<Store> all() const TD_EXCLUDES(m_mutex);
+    /// The fields of the record's.
+    FieldSet fieldsOf(int record) const TD_EXCLUDES(m_mutex);
     /// Those whose write failed, by record.
     std::vector<Store> failedOnes() const TD_EXCLUDES(m_mutex);
     bool hasFailed() const TD_EXCLUDES(m_mutex);
@@ -70,7 +68,7 @@ private:
     struct Pending {
         int since = 0; ///< no older event of the record is outstanding
         int event = 0;
-        Fields fields = 0;
+        FieldSet fields = 0;
         State state = State::Queued;
     };
 

@@ -1,5 +1,5 @@
 /// Remembers which queued snapshots are out of date: after a section was read or written past the queue, older events
-/// must not write it any more. Not locked; guarded by the operator's critical section.
+/// must not write it any more. Not locked: its table is.
 #pragma once
 
 #include <map>

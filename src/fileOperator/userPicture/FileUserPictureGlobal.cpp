@@ -1,5 +1,7 @@
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 
+#include <dataModule/fileOperator/CategoryLayout.h>
+
 namespace td {
 
 FileUserPictureGlobal::FileUserPictureGlobal() : CategoryOperator(layout()) {}

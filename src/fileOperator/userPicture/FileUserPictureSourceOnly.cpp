@@ -1,5 +1,6 @@
 #include <dataModule/fileOperator/FileUserPictureSourceOnly.h>
 
+#include <dataModule/common/FileUtil.h>
 #include <dataModule/common/Log.h>
 #include <dataModule/fileOperator/Axes.h>
 

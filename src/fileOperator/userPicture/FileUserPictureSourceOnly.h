@@ -17,7 +17,7 @@ public:
     static const CategoryLayout& layout();
 
     /// True even if no factory copy could be opened; then no file is open. The caller holds the critical section.
-    bool switchToManufactory() override TD_REQUIRES(m_criticalSection);
+    bool switchToManufactory() override;
 
 protected:
     /// The user's country has a factory copy of its own, if there is such a file.

@@ -1,22 +1,22 @@
-#include <dataModule/fileOperator/CriticalSection.h>
+#include <dataModule/fileOperator/CategoryLock.h>
 
 namespace td {
 
 namespace {
 
 /// The innermost of those that the thread has claimed files in; the others follow by their m_outer.
-thread_local CriticalSection* t_claimed = nullptr;
+thread_local CategoryLock* t_claimed = nullptr;
 
 } // namespace
 
-void CriticalSection::claim(Claim kind, const std::string& lockFile) {
+void CategoryLock::claim(Claim kind, const std::string& lockFile) {
     note(lockFile);
     m_claim = kind;
     const FileLock::Kind lock = kind == Claim::Shared ? FileLock::Kind::Shared : FileLock::Kind::Exclusive;
     m_wasGivenUp = m_files.lock(lockFile, lock, m_patience) == FileLock::Attempt::Busy;
 }
 
-void CriticalSection::note(const std::string& lockFile) {
+void CategoryLock::note(const std::string& lockFile) {
     if (m_isNoted)
         return;
     m_lockFile = lockFile;
@@ -25,9 +25,9 @@ void CriticalSection::note(const std::string& lockFile) {
     t_claimed = this;
 }
 
-void CriticalSection::leaveFiles() {
+void CategoryLock::leaveFiles() {
     if (m_isNoted) {
-        CriticalSection** link = &t_claimed;
+        CategoryLock** link = &t_claimed;
         while (*link != this)
             link = &(*link)->m_outer;
         *link = m_outer;
@@ -40,8 +40,8 @@ void CriticalSection::leaveFiles() {
     m_claim = Claim::None;
 }
 
-CriticalSection* CriticalSection::claimedHere(const std::string& lockFile) {
-    CriticalSection* section = t_claimed;
+CategoryLock* CategoryLock::claimedHere(const std::string& lockFile) {
+    CategoryLock* section = t_claimed;
     while (section != nullptr && section->m_lockFile != lockFile)
         section = section->m_outer;
     return section;

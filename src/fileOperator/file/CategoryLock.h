@@ -1,6 +1,7 @@
-/// An operator's critical section: a mutex between threads and, from the first step inside that asks for it until the
-/// section is left, a lock between processes on the category's lock file. So everything that one section does to the
-/// files is one piece for other processes: they see a section and its checksum both old or both new.
+/// The lock of a category's files: a mutex between threads and, from the first step inside that asks for it until it is
+/// given back, a lock between processes on the category's lock file. So everything that is done to the files under it
+/// is one piece for other processes: they see a section and its checksum both old or both new. The values in memory
+/// have a lock of their own (table/TableLock.h).
 ///
 /// The lock between processes comes right after the mutex in the lock order; a process holds those of several
 /// categories at once only for a factory reset, which takes them in the order of the categories. Where no lock file can
@@ -24,7 +25,7 @@
 namespace td {
 
 /// Not recursive.
-class DATAMODULE_API TD_CAPABILITY("mutex") CriticalSection {
+class TD_CAPABILITY("mutex") CategoryLock {
 public:
     void lock() TD_ACQUIRE() {
         enter();
@@ -44,9 +45,6 @@ public:
         entered();
         return true;
     }
-    /// For a look at the table: as lock() and unlock(), without a step of the files in between.
-    void lockTable() TD_ACQUIRE() { enter(); }
-    void unlockTable() TD_RELEASE() { m_mutex.unlock(); }
     /// Whether the calling thread is inside.
     bool isMine() const { return pthread_equal(m_owner, pthread_self()) != 0; }
     /// For a thread that left the section and is about to enter it again: lets those enter first that wait for it.
@@ -65,16 +63,13 @@ public:
         claim(Claim::Shared, lockFile);
         return true;
     }
-    /// When the files were taken. After sharing: the shared lock was given up for it, and what was read under that may
-    /// have changed since.
-    enum class Taken { Before, Now, AfterSharing };
-    /// Nobody else reads or writes them from now on, unless filesUnsure().
-    Taken takeFiles(const std::string& lockFile) TD_REQUIRES(this) {
+    /// Nobody else reads or writes them from now on, unless filesUnsure(). False when it had them already. A shared
+    /// lock is given up for it, so that what was read under that may have changed since.
+    bool takeFiles(const std::string& lockFile) TD_REQUIRES(this) {
         if (m_claim == Claim::Exclusive)
-            return Taken::Before;
-        const bool wasShared = m_claim == Claim::Shared;
+            return false;
         claim(Claim::Exclusive, lockFile);
-        return wasShared ? Taken::AfterSharing : Taken::Now;
+        return true;
     }
     /// The same for a section that has neither shared nor taken them, without waiting: false when another process is at
     /// work there.
@@ -99,7 +94,7 @@ public:
     void keepFiles(bool keep) TD_REQUIRES(this) { m_kept = keep; }
 
     /// The section that the calling thread is in and that has shared or taken the files of this lock file, or null.
-    static CriticalSection* claimedHere(const std::string& lockFile);
+    static CategoryLock* claimedHere(const std::string& lockFile);
 
 private:
     /// What the section asked for, whether there was a lock file to be had or not: it is asked once.
@@ -107,7 +102,7 @@ private:
     static constexpr pthread_t NOBODY = 0;
 
     void enter() TD_ACQUIRE() TD_NO_THREAD_SAFETY_ANALYSIS {
-        lockOrder::willWait(LockRank::Section);
+        lockOrder::willWait(LockRank::Category);
         if (m_mutex.tryLock())
             return;
         ++m_waiting;
@@ -125,13 +120,13 @@ private:
     std::atomic<int> m_waiting{0};
     std::atomic<pthread_t> m_owner{NOBODY};
     std::atomic<bool> m_abandoned{false};
-    Mutex m_mutex{LockRank::Section};
+    Mutex m_mutex{LockRank::Category};
     // These belong to whoever holds the mutex.
     int m_cancelState = PTHREAD_CANCEL_ENABLE; ///< of the thread, before it entered; inside it is not cancelled
     FileLock m_files;
     FileLock::Patience m_patience{std::nullopt, &m_abandoned};
-    std::string m_lockFile;             ///< that was last asked for
-    CriticalSection* m_outer = nullptr; ///< that the same thread had claimed before
+    std::string m_lockFile;          ///< that was last asked for
+    CategoryLock* m_outer = nullptr; ///< that the same thread had claimed before
     Claim m_claim = Claim::None;
     bool m_isNoted = false; ///< among those that the thread inside has claimed
     bool m_kept = false;
@@ -141,25 +136,13 @@ private:
 /// Holds a critical section for the length of a block.
 class TD_SCOPED_CAPABILITY SectionLock {
 public:
-    explicit SectionLock(CriticalSection& section) TD_ACQUIRE(section) : m_section(section) { m_section.lock(); }
+    explicit SectionLock(CategoryLock& section) TD_ACQUIRE(section) : m_section(section) { m_section.lock(); }
     ~SectionLock() TD_RELEASE() { m_section.unlock(); }
     SectionLock(const SectionLock&) = delete;
     SectionLock& operator=(const SectionLock&) = delete;
 
 private:
-    CriticalSection& m_section;
-};
-
-/// Holds it for a look at the table.
-class TD_SCOPED_CAPABILITY TableLock {
-public:
-    explicit TableLock(CriticalSection& section) TD_ACQUIRE(section) : m_section(section) { m_section.lockTable(); }
-    ~TableLock() TD_RELEASE() { m_section.unlockTable(); }
-    TableLock(const TableLock&) = delete;
-    TableLock& operator=(const TableLock&) = delete;
-
-private:
-    CriticalSection& m_section;
+    CategoryLock& m_section;
 };
 
 /// For a step of the lifecycle, which clients may call from inside an entered section or from outside: holds the
@@ -167,7 +150,7 @@ private:
 /// callers, so this is nothing that the analysis sees.
 class SectionStep {
 public:
-    explicit SectionStep(CriticalSection& section) TD_NO_THREAD_SAFETY_ANALYSIS
+    explicit SectionStep(CategoryLock& section) TD_NO_THREAD_SAFETY_ANALYSIS
         : m_section(section.isMine() ? nullptr : &section) {
         if (m_section != nullptr)
             m_section->lock();
@@ -180,7 +163,7 @@ public:
     SectionStep& operator=(const SectionStep&) = delete;
 
 private:
-    CriticalSection* const m_section;
+    CategoryLock* const m_section;
 };
 
 } // namespace td
