@@ -3,10 +3,9 @@
 #include <memory>
 #include <thread>
 
-#include <dataModule/fileOperator/TextLayout.h>
-
 #include "Cold.h"
 #include "Descriptor.h"
+#include "fileOperator/text/TextLayout.h"
 #include "Measured.h"
 #include "Opened.h"
 #include "Syncs.h"

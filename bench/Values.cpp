@@ -10,8 +10,9 @@
 #include <unistd.h>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
+
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace fs = std::filesystem;
 

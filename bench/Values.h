@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace bench {
 

@@ -11,13 +11,12 @@ install(TARGETS dataModule
 
 install(DIRECTORY include/dataModule DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT headers
   FILES_MATCHING PATTERN "*.h")
-foreach(folder src/common src/fileOperator platform)
-  get_filename_component(name ${folder} NAME)
-  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${folder}/*.h)
-  list(FILTER headers EXCLUDE REGEX /platform/host/)
-  install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dataModule/${name} COMPONENT headers)
+foreach(folder common fileOperator)
+  list(TRANSFORM DATAMODULE_PUBLIC_HEADERS_${folder} PREPEND src/${folder}/ OUTPUT_VARIABLE headers)
+  install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dataModule/${folder} COMPONENT headers)
 endforeach()
-
+file(GLOB headers CONFIGURE_DEPENDS platform/*.h)
+install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dataModule/platform COMPONENT headers)
 install(FILES ${DATAMODULE_EVENT_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dataModule/common COMPONENT headers)
 
 install(EXPORT dataModuleTargets NAMESPACE dataModule:: DESTINATION ${package_dir} COMPONENT development)

@@ -12,8 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include <dataModule/common/Mutex.h>
 #include <dataModule/IFileOperator.h>
+
+#include "common/Mutex.h"
 
 namespace td::test {
 

@@ -12,10 +12,11 @@
 #include <vector>
 
 #include <dataModule/common/Event.h>
-#include <dataModule/common/Mutex.h>
-#include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
 #include <dataModule/IDataSeparateManagerInner.h>
+
+#include "common/Mutex.h"
+#include "common/SystemPaths.h"
+#include "fileOperator/CategoryLayout.h"
 
 namespace td::test {
 

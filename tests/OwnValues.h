@@ -7,8 +7,9 @@
 #include <vector>
 
 #include <dataModule/DataTypes.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
+
+#include "fileOperator/CategoryLayout.h"
+#include "fileOperator/OperatorFactory.h"
 
 namespace td::test {
 

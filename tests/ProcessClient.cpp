@@ -26,12 +26,12 @@
 #include <semaphore.h>
 #include <sys/shm.h>
 
-#include <dataModule/common/ListenerNames.h>
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/platform/DebugOutput.h>
 #include <dataModule/platform/RootPrefix.h>
 
+#include "common/ListenerNames.h"
+#include "fileOperator/file/SummaryReader.h"
 #include "OwnValues.h"
 
 namespace td::test {

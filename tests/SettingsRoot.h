@@ -12,11 +12,11 @@
 #include <vector>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/IFileOperator.h>
 #include <dataModule/platform/RootPrefix.h>
 
+#include "common/SystemPaths.h"
 #include "TemporaryDirectory.h"
 
 namespace td::test {

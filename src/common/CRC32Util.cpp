@@ -13,9 +13,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <dataModule/common/Descriptor.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/common/Mutex.h>
+#include "common/Descriptor.h"
+#include "common/Log.h"
+#include "common/Mutex.h"
 
 namespace td {
 namespace {

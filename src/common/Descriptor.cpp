@@ -1,4 +1,4 @@
-#include <dataModule/common/Descriptor.h>
+#include "common/Descriptor.h"
 
 #include <cerrno>
 #include <cstring>
@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <dataModule/common/SystemPaths.h>
+#include "common/SystemPaths.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/common/FileLock.h>
+#include "common/FileLock.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -8,10 +8,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <dataModule/common/Deadline.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/Fork.h>
-#include <dataModule/common/LockOrder.h>
+
+#include "common/Deadline.h"
+#include "common/Fork.h"
+#include "common/LockOrder.h"
 
 namespace td {
 

@@ -10,11 +10,9 @@
 #include <optional>
 #include <string>
 
-#include <dataModule/Export.h>
-
 namespace td {
 
-class DATAMODULE_API FileLock {
+class FileLock {
 public:
     enum class Kind { Shared, Exclusive };
     enum class Attempt { Locked, Busy, NotAvailable };

@@ -11,9 +11,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <dataModule/common/Descriptor.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/SystemPaths.h>
+
+#include "common/Descriptor.h"
+#include "common/SystemPaths.h"
 
 namespace td {
 namespace {

@@ -12,7 +12,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
-#include <dataModule/common/Descriptor.h>
+#include "common/Descriptor.h"
 
 namespace td {
 namespace {

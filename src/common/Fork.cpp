@@ -1,4 +1,4 @@
-#include <dataModule/common/Fork.h>
+#include "common/Fork.h"
 
 #include <cerrno>
 #include <new>
@@ -10,8 +10,9 @@
 
 #include <dataModule/common/CRC32Util.h>
 #include <dataModule/common/EventIdGenerator.h>
-#include <dataModule/common/Mutex.h>
 #include <dataModule/common/TimeUtil.h>
+
+#include "common/Mutex.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/common/LockOrder.h>
+#include "common/LockOrder.h"
 
 #ifdef DATAMODULE_CHECK_LOCKS
 

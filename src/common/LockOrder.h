@@ -2,8 +2,6 @@
 /// DATAMODULE_CHECK_LOCKS, as those for the tests; elsewhere the functions do nothing.
 #pragma once
 
-#include <dataModule/Export.h>
-
 namespace td {
 
 /// Outermost first.
@@ -15,14 +13,14 @@ namespace lockOrder {
 
 /// Ends the program, with what it holds on standard error, when the calling thread holds a lock of this place or a
 /// later one.
-DATAMODULE_API void willWait(LockRank rank);
+void willWait(LockRank rank);
 /// The calling thread holds the lock from now on.
-DATAMODULE_API void wasTaken(const void* lock, LockRank rank);
+void wasTaken(const void* lock, LockRank rank);
 /// Ends the program when the calling thread does not hold the lock.
-DATAMODULE_API void willBeReleased(const void* lock);
+void willBeReleased(const void* lock);
 /// Ends the program when the calling thread holds a table's lock, but for that of an entered critical section: whatever
 /// stands between the library and the system calls it before each call.
-DATAMODULE_API void willCallSystem();
+void willCallSystem();
 
 #else
 

@@ -1,4 +1,4 @@
-#include <dataModule/common/Log.h>
+#include "common/Log.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -8,7 +8,7 @@
 #include <memory>
 #include <new>
 
-#include <dataModule/common/NoCancel.h>
+#include "common/NoCancel.h"
 
 namespace td::log {
 namespace {

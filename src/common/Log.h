@@ -5,14 +5,13 @@
 /// Warning.
 #pragma once
 
-#include <dataModule/Export.h>
 #include <dataModule/platform/DebugOutput.h>
 
 namespace td::log {
 
 /// Formats and outputs one line. `file` is shortened to its base name.
-DATAMODULE_API void print(DebugOutput::Level level, const char* file, int line, const char* function,
-                          const char* format, ...) __attribute__((format(printf, 5, 6)));
+void print(DebugOutput::Level level, const char* file, int line, const char* function, const char* format, ...)
+    __attribute__((format(printf, 5, 6)));
 
 /// The level of a dump.
 inline DebugOutput::Level detailLevel() {

@@ -20,9 +20,9 @@
 
 #include <pthread.h>
 
-#include <dataModule/common/LockOrder.h>
-#include <dataModule/common/NoCancel.h>
-#include <dataModule/common/ThreadAnnotations.h>
+#include "common/LockOrder.h"
+#include "common/NoCancel.h"
+#include "common/ThreadAnnotations.h"
 
 namespace td {
 

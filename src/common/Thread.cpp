@@ -6,13 +6,14 @@
 #include <ctime>
 #include <deque>
 
-#include <dataModule/common/Deadline.h>
 #include <dataModule/common/Event.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/common/Mutex.h>
 #include <dataModule/IDataSeparateManagerInner.h>
 #include <dataModule/IFileOperator.h>
 #include <dataModule/platform/OsalThreads.h>
+
+#include "common/Deadline.h"
+#include "common/Log.h"
+#include "common/Mutex.h"
 
 namespace td {
 

@@ -4,7 +4,7 @@
 #include <ctime>
 #include <thread>
 
-#include <dataModule/common/Log.h>
+#include "common/Log.h"
 
 namespace td {
 

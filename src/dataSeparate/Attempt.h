@@ -3,7 +3,7 @@
 
 #include <exception>
 
-#include <dataModule/common/Log.h>
+#include "common/Log.h"
 
 namespace td {
 

@@ -9,16 +9,16 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/thread_pool.hpp>
 
-#include <dataModule/common/Deadline.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/common/NoCancel.h>
-#include <dataModule/fileOperator/LoadBudget.h>
-#include <dataModule/fileOperator/Loading.h>
+#include "common/Deadline.h"
+#include "common/Log.h"
+#include "common/NoCancel.h"
+#include "fileOperator/file/LoadBudget.h"
+#include "fileOperator/file/Loading.h"
 #include <dataModule/platform/OsalThreads.h>
 
-#include "Attempt.h"
-#include "FileName.h"
-#include "ManagerState.h"
+#include "dataSeparate/Attempt.h"
+#include "dataSeparate/FileName.h"
+#include "dataSeparate/ManagerState.h"
 
 namespace td {
 

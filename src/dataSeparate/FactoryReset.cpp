@@ -12,19 +12,19 @@
 #include <dirent.h>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/common/NoCancel.h>
-#include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/SummaryReader.h>
 #include <dataModule/platform/ConfigReader.h>
 #include <dataModule/platform/RootPrefix.h>
 
-#include "Attempt.h"
-#include "ManagerState.h"
+#include "common/FileLock.h"
+#include "common/Log.h"
+#include "common/NoCancel.h"
+#include "common/SystemPaths.h"
+#include "dataSeparate/Attempt.h"
+#include "dataSeparate/ManagerState.h"
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/file/SummaryReader.h"
+#include "fileOperator/OperatorFactory.h"
 
 namespace td {
 

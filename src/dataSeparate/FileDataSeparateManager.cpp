@@ -1,5 +1,4 @@
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/Loading.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -12,20 +11,21 @@
 #include <pthread.h>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/common/Deadline.h>
-#include <dataModule/common/Fork.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/common/NoCancel.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/PendingStores.h>
 #include <dataModule/platform/RootPrefix.h>
 
-#include "Attempt.h"
-#include "DetailLogSwitch.h"
-#include "FileName.h"
-#include "LiveManagers.h"
-#include "ManagerState.h"
-#include "Scopes.h"
+#include "common/Deadline.h"
+#include "common/Fork.h"
+#include "common/Log.h"
+#include "common/NoCancel.h"
+#include "dataSeparate/Attempt.h"
+#include "dataSeparate/DetailLogSwitch.h"
+#include "dataSeparate/FileName.h"
+#include "dataSeparate/LiveManagers.h"
+#include "dataSeparate/ManagerState.h"
+#include "dataSeparate/Scopes.h"
+#include "fileOperator/file/Loading.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/table/PendingStores.h"
 
 namespace td {
 

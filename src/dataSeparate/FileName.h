@@ -4,8 +4,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/IFileOperator.h>
+
+#include "common/SystemPaths.h"
 
 namespace td {
 

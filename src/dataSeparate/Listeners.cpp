@@ -1,6 +1,4 @@
 // The two listeners of the manager: for the suspend image and for the detail-log switch.
-#include <dataModule/FileDataSeparateManager.h>
-
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -12,13 +10,14 @@
 #include <sys/shm.h>
 #include <sys/stat.h>
 
-#include <dataModule/common/ListenerNames.h>
-#include <dataModule/common/Log.h>
+#include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/platform/OsalThreads.h>
 
-#include "DetailLogSwitch.h"
-#include "LiveManagers.h"
+#include "common/ListenerNames.h"
+#include "common/Log.h"
+#include "dataSeparate/DetailLogSwitch.h"
+#include "dataSeparate/LiveManagers.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include "LiveManagers.h"
+#include "dataSeparate/LiveManagers.h"
 
 #include <ctime>
 

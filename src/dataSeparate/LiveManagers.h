@@ -4,8 +4,9 @@
 #include <new>
 #include <set>
 
-#include <dataModule/common/Mutex.h>
 #include <dataModule/IDataSeparateManager.h>
+
+#include "common/Mutex.h"
 
 namespace td {
 

@@ -6,13 +6,13 @@
 #include <set>
 #include <string>
 
-#include <dataModule/common/FileLock.h>
-#include <dataModule/common/Mutex.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/common/Thread.h>
 #include <dataModule/FileDataSeparateManager.h>
 
-#include "OperatorRegistry.h"
+#include "common/FileLock.h"
+#include "common/Mutex.h"
+#include "common/SystemPaths.h"
+#include "dataSeparate/OperatorRegistry.h"
 
 namespace td {
 

@@ -1,8 +1,9 @@
-#include "OperatorRegistry.h"
+#include "dataSeparate/OperatorRegistry.h"
 
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/Loading.h>
-#include <dataModule/fileOperator/PendingStores.h>
+
+#include "fileOperator/file/Loading.h"
+#include "fileOperator/table/PendingStores.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include "Scopes.h"
+#include "dataSeparate/Scopes.h"
 
 #include <iterator>
 

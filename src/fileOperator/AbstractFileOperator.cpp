@@ -4,16 +4,17 @@
 #include <cstring>
 
 #include <dataModule/common/Event.h>
-#include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
-#include <dataModule/fileOperator/CategoryState.h>
-#include <dataModule/fileOperator/ChecksumRepair.h>
-#include <dataModule/fileOperator/CopyCheck.h>
-#include <dataModule/fileOperator/LoadBudget.h>
-#include <dataModule/fileOperator/Loader.h>
-#include <dataModule/fileOperator/Loading.h>
-#include <dataModule/fileOperator/NewFile.h>
-#include <dataModule/fileOperator/ValueDump.h>
+
+#include "common/Log.h"
+#include "fileOperator/file/CategoryState.h"
+#include "fileOperator/file/ChecksumRepair.h"
+#include "fileOperator/file/CopyCheck.h"
+#include "fileOperator/file/LoadBudget.h"
+#include "fileOperator/file/Loader.h"
+#include "fileOperator/file/Loading.h"
+#include "fileOperator/file/NewFile.h"
+#include "fileOperator/ValueDump.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/Axes.h>
+#include "fileOperator/Axes.h"
 
 namespace td::axis {
 

@@ -2,28 +2,28 @@
 /// file to file and need not agree with the range.
 #pragma once
 
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td::axis {
 
 /// 16 sources.
-DATAMODULE_API Dimension source(const char* heading);
+Dimension source(const char* heading);
 /// 12 picture modes.
-DATAMODULE_API Dimension pictureMode(const char* heading);
+Dimension pictureMode(const char* heading);
 /// The user's 8 dynamic ranges with resolution.
-DATAMODULE_API Dimension userDynamicRange(const char* heading);
+Dimension userDynamicRange(const char* heading);
 
 /// 4 dynamic ranges without resolution.
-DATAMODULE_API Dimension dynamicRange(const char* heading);
+Dimension dynamicRange(const char* heading);
 
 /// 7 tuned colours.
-DATAMODULE_API Dimension tunedColour(const char* heading);
+Dimension tunedColour(const char* heading);
 /// Calibration points, at most 20, named LEVEL0 and on; written as one character each.
-DATAMODULE_API Dimension level(int count, const char* heading);
+Dimension level(int count, const char* heading);
 /// At most 16 levels, written as one hexadecimal digit each; `listed` are named LEVEL0 and on, which need not be as
 /// many as are accepted.
-DATAMODULE_API Dimension hexadecimalLevel(int count, int listed, const char* heading);
+Dimension hexadecimalLevel(int count, int listed, const char* heading);
 /// 8 levels of the light sensor.
-DATAMODULE_API Dimension lightSensorLevel(const char* heading);
+Dimension lightSensorLevel(const char* heading);
 
 } // namespace td::axis

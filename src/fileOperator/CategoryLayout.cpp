@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 #include <cstdint>
 #include <cstring>
@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include <dataModule/fileOperator/TextLayout.h>
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 

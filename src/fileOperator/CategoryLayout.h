@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <dataModule/DataTypes.h>
-#include <dataModule/Export.h>
 
 namespace td {
 
@@ -127,7 +126,7 @@ enum class MergeNames {
 
 /// What a category declares. Made once and never destroyed: threads of the library go by it while the process exits.
 /// One that cannot be kept in a file is refused when it is made: std::logic_error, which names the category.
-struct DATAMODULE_API CategoryLayout {
+struct CategoryLayout {
     _DataCategory_t category;
     const char* file;
     const char* version; ///< at most 7 characters
@@ -181,7 +180,7 @@ private:
 };
 
 /// The name of a category, or "UNKNOWN_CATAGORY" for what is none.
-DATAMODULE_API const char* categoryName(_DataCategory_t category);
+const char* categoryName(_DataCategory_t category);
 
 /// Name of the one section of a category without dimensions.
 constexpr const char* GLOBAL_SECTION = "Global";
@@ -193,7 +192,7 @@ constexpr unsigned axisBit(int dimension) {
 
 /// Walks, in row-major order, over every record reached from a given one by sweeping some axes; the given one is among
 /// them. for (AxisSweep sweep(layout, given, axes); !sweep.done(); sweep.next()) ... sweep.indices() ...
-class DATAMODULE_API AxisSweep {
+class AxisSweep {
 public:
     AxisSweep(const CategoryLayout& layout, const int* given, unsigned axes);
     bool done() const { return m_done; }

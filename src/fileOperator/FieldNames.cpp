@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/FieldNames.h>
+#include "fileOperator/FieldNames.h"
 
 #include <cstring>
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/OperatorFactory.h>
+#include "fileOperator/OperatorFactory.h"
 
 #include <iterator>
 

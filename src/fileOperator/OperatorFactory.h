@@ -4,15 +4,16 @@
 #include <vector>
 
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
+
+#include "fileOperator/CategoryLayout.h"
 
 namespace td {
 
 /// A new operator for the category, owned by the caller; null for a value that is no category.
-DATAMODULE_API AbstractFileOperator* createOperator(_DataCategory_t category);
+AbstractFileOperator* createOperator(_DataCategory_t category);
 /// The layout of a category; null for a value that is no category.
-DATAMODULE_API const CategoryLayout* layoutOf(_DataCategory_t category);
+const CategoryLayout* layoutOf(_DataCategory_t category);
 /// The layouts of all categories, in ascending category order.
-DATAMODULE_API std::vector<const CategoryLayout*> allLayouts();
+std::vector<const CategoryLayout*> allLayouts();
 
 } // namespace td

@@ -3,16 +3,17 @@
 #include <algorithm>
 #include <cerrno>
 
-#include <dataModule/common/Deadline.h>
 #include <dataModule/common/Event.h>
 #include <dataModule/common/EventIdGenerator.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/fileOperator/LoadBudget.h>
-#include <dataModule/fileOperator/Loading.h>
-#include <dataModule/fileOperator/NewFile.h>
 #include <dataModule/fileOperator/TableOperator.h>
-#include <dataModule/fileOperator/TableState.h>
-#include <dataModule/fileOperator/TextLayout.h>
+
+#include "common/Deadline.h"
+#include "common/Log.h"
+#include "fileOperator/file/LoadBudget.h"
+#include "fileOperator/file/Loading.h"
+#include "fileOperator/file/NewFile.h"
+#include "fileOperator/TableState.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 

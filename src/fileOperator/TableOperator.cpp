@@ -5,11 +5,12 @@
 
 #include <dataModule/common/Event.h>
 #include <dataModule/common/EventIdGenerator.h>
-#include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
-#include <dataModule/fileOperator/TableState.h>
-#include <dataModule/fileOperator/TextLayout.h>
-#include <dataModule/fileOperator/ValueDump.h>
+
+#include "common/Log.h"
+#include "fileOperator/TableState.h"
+#include "fileOperator/text/TextLayout.h"
+#include "fileOperator/ValueDump.h"
 
 namespace td {
 

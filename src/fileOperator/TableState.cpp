@@ -1,13 +1,14 @@
-#include <dataModule/fileOperator/TableState.h>
+#include "fileOperator/TableState.h"
 
 #include <algorithm>
 #include <utility>
 
 #include <dataModule/common/Event.h>
 #include <dataModule/common/EventIdGenerator.h>
-#include <dataModule/common/Log.h>
 #include <dataModule/fileOperator/TableOperator.h>
-#include <dataModule/fileOperator/TextLayout.h>
+
+#include "common/Log.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 

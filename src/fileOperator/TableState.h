@@ -9,12 +9,12 @@
 #include <optional>
 #include <vector>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
-#include <dataModule/fileOperator/CategoryState.h>
-#include <dataModule/fileOperator/FieldNames.h>
-#include <dataModule/fileOperator/PendingStores.h>
-#include <dataModule/fileOperator/RecordTable.h>
-#include <dataModule/fileOperator/SectionReader.h>
+#include "fileOperator/CategoryLayout.h"
+#include "fileOperator/FieldNames.h"
+#include "fileOperator/file/CategoryState.h"
+#include "fileOperator/SectionReader.h"
+#include "fileOperator/table/PendingStores.h"
+#include "fileOperator/table/RecordTable.h"
 
 namespace td {
 

@@ -1,10 +1,10 @@
-#include <dataModule/fileOperator/ValueDump.h>
+#include "fileOperator/ValueDump.h"
 
 #include <atomic>
 #include <string>
 
-#include <dataModule/common/Log.h>
-#include <dataModule/fileOperator/TextLayout.h>
+#include "common/Log.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 

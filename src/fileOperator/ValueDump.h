@@ -1,7 +1,7 @@
 /// Lines of the detail log that show a record, for a log reader; nothing while that log is off.
 #pragma once
 
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td {
 

@@ -9,9 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/common/Deadline.h>
-#include <dataModule/common/FileLock.h>
-
+#include "common/Deadline.h"
+#include "common/FileLock.h"
 #include "Gate.h"
 #include "TemporaryDirectory.h"
 

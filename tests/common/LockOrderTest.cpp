@@ -1,7 +1,7 @@
 // The check of the lock order (invariant 5 of AbstractFileOperator.h).
 #include <gtest/gtest.h>
 
-#include <dataModule/common/Mutex.h>
+#include "common/Mutex.h"
 
 namespace td::test {
 namespace {

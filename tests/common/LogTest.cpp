@@ -1,9 +1,8 @@
-#include <dataModule/common/Log.h>
-
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "common/Log.h"
 #include "LogCapture.h"
 
 namespace td {

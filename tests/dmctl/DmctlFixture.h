@@ -12,9 +12,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
 #include <dmctl/inspect/FileInspection.h>
 
+#include "fileOperator/OperatorFactory.h"
 #include "TemporaryDirectory.h"
 
 namespace td::test {

@@ -3,9 +3,8 @@
 #include <string>
 #include <vector>
 
-#include <dataModule/fileOperator/RedoRecord.h>
-
 #include "dmctl/DmctlFixture.h"
+#include "fileOperator/file/RedoRecord.h"
 
 namespace td::test {
 namespace {

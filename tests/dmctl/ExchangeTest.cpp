@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td::dmctl {
 namespace {

@@ -1,9 +1,8 @@
-#include "DmctlFixture.h"
-
 #include <string>
 #include <vector>
 
-#include <dataModule/common/FileLock.h>
+#include "common/FileLock.h"
+#include "DmctlFixture.h"
 
 namespace td::test {
 namespace {

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 namespace {

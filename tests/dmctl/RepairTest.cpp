@@ -1,5 +1,3 @@
-#include "DmctlFixture.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -8,8 +6,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <dataModule/common/FileLock.h>
-#include <dataModule/fileOperator/RedoRecord.h>
+#include "common/FileLock.h"
+#include "DmctlFixture.h"
+#include "fileOperator/file/RedoRecord.h"
 
 namespace td::test {
 namespace {

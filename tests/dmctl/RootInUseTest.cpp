@@ -7,11 +7,11 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include <dataModule/common/FileLock.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/platform/RootPrefix.h>
 
+#include "common/FileLock.h"
+#include "common/SystemPaths.h"
 #include "dmctl/DmctlFixture.h"
 
 namespace td::test {

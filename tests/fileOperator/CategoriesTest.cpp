@@ -14,11 +14,11 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dmctl/inspect/FileInspection.h>
 
 #include "FakeParent.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

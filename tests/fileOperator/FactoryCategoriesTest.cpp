@@ -22,9 +22,9 @@
 #include <dataModule/fileOperator/FileFactoryPictureWB.h>
 #include <dataModule/fileOperator/FileFactoryPictureWB20Point.h>
 #include <dataModule/fileOperator/FileFactoryPictureWBShift.h>
-#include <dataModule/fileOperator/TextLayout.h>
 
 #include "FakeParent.h"
+#include "fileOperator/text/TextLayout.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

@@ -11,9 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <dataModule/fileOperator/FileUserPictureMode.h>
-#include <dataModule/fileOperator/KnownChecksum.h>
 
 #include "FakeParent.h"
+#include "fileOperator/file/KnownChecksum.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

@@ -19,16 +19,16 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/FileFactoryPictureOverScan.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
-#include <dataModule/fileOperator/Loading.h>
-#include <dataModule/fileOperator/TextLayout.h>
 
+#include "common/FileLock.h"
+#include "common/SystemPaths.h"
 #include "FakeParent.h"
+#include "fileOperator/file/Loading.h"
+#include "fileOperator/text/TextLayout.h"
 #include "Gate.h"
 #include "Limits.h"
 #include "LogCapture.h"

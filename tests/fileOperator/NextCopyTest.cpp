@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/fileOperator/NextCopy.h>
+#include "fileOperator/file/NextCopy.h"
 
 namespace td::test {
 namespace {

@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <dataModule/fileOperator/FileUserPictureMode.h>
-#include <dataModule/fileOperator/RedoRecord.h>
 
 #include "FakeParent.h"
+#include "fileOperator/file/RedoRecord.h"
 #include "Limits.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"

@@ -17,10 +17,10 @@
 #include <dataModule/fileOperator/FileUserSoundEQ.h>
 #include <dataModule/fileOperator/FileUserSoundGlobal.h>
 #include <dataModule/fileOperator/FileUserSoundMode.h>
-#include <dataModule/fileOperator/TextLayout.h>
 
 #include "FakeOperator.h"
 #include "FakeParent.h"
+#include "fileOperator/text/TextLayout.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

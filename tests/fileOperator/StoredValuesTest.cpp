@@ -10,18 +10,18 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/common/Deadline.h>
-#include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/FileFactoryPictureOverScan.h>
 #include <dataModule/fileOperator/FileFactoryPictureWB.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureSourceOnly.h>
-#include <dataModule/fileOperator/LoadBudget.h>
-#include <dataModule/fileOperator/Loading.h>
 
+#include "common/Deadline.h"
+#include "common/FileLock.h"
+#include "common/SystemPaths.h"
 #include "FakeParent.h"
+#include "fileOperator/file/LoadBudget.h"
+#include "fileOperator/file/Loading.h"
 #include "Limits.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"

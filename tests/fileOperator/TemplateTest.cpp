@@ -14,9 +14,9 @@
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
 #include <dataModule/fileOperator/FileUserPictureWB20Point.h>
-#include <dataModule/fileOperator/TextLayout.h>
 
 #include "FakeParent.h"
+#include "fileOperator/text/TextLayout.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

@@ -9,11 +9,12 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/fileOperator/Axes.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
-#include <dataModule/fileOperator/SnapshotFloor.h>
-#include <dataModule/fileOperator/TextLayout.h>
+
+#include "fileOperator/Axes.h"
+#include "fileOperator/table/SnapshotFloor.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 namespace {

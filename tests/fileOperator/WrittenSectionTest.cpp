@@ -10,11 +10,11 @@
 #include <gtest/gtest.h>
 
 #include <dataModule/fileOperator/FileUserPictureMode.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
-#include <dataModule/fileOperator/WrittenSection.h>
 
 #include "FakeParent.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
+#include "fileOperator/text/WrittenSection.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

@@ -1,14 +1,13 @@
 // The repair of a checksum line, which is done to files of every state.
-#include "Targets.h"
-
 #include <algorithm>
 
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/SummaryReader.h>
-#include <dataModule/fileOperator/TextLayout.h>
 
+#include "fileOperator/file/SummaryReader.h"
+#include "fileOperator/text/TextLayout.h"
 #include "Quiet.h"
 #include "ScratchRoot.h"
+#include "Targets.h"
 
 namespace td::fuzz {
 

@@ -7,11 +7,11 @@
 #include <dmctl/Exchange.h>
 #include <dmctl/Names.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dmctl/inspect/FileInspection.h>
 
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 #include "SettingsFileInput.h"
 
 namespace td::fuzz {

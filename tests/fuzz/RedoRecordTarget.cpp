@@ -3,21 +3,21 @@
 //            is made; they are cut off in the middle. Otherwise it is the record itself.
 //   bit 1    a record that is given is ended with the right checksum of its own
 //   others   where the writes are cut off
-#include "Targets.h"
-
 #include <algorithm>
 #include <cstdio>
 
-#include <dataModule/common/CRC32Util.h>
-#include <dataModule/fileOperator/FileUserSoundMode.h>
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/SummaryReader.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dmctl/inspect/FileInspection.h>
 
+#include <dataModule/common/CRC32Util.h>
+#include <dataModule/fileOperator/FileUserSoundMode.h>
+
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/file/SummaryReader.h"
+#include "fileOperator/text/TextLayout.h"
 #include "Quiet.h"
 #include "ScratchRoot.h"
 #include "SettingsFileInput.h"
+#include "Targets.h"
 
 namespace td::fuzz {
 

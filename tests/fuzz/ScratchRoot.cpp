@@ -7,8 +7,9 @@
 #include <unistd.h>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/platform/RootPrefix.h>
+
+#include "common/SystemPaths.h"
 
 namespace td::fuzz {
 

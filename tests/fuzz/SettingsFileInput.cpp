@@ -4,9 +4,10 @@
 #include <map>
 #include <vector>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dmctl/inspect/FileInspection.h>
+
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td::fuzz {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td::fuzz {
 

@@ -1,19 +1,18 @@
 // A category's file as a set would meet it: inspected, loaded, merged, stored in, loaded again.
-#include "Targets.h"
-
 #include <algorithm>
 #include <memory>
 #include <set>
 #include <vector>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dmctl/inspect/FileInspection.h>
 
 #include "FakeParent.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 #include "Quiet.h"
 #include "ScratchRoot.h"
 #include "SettingsFileInput.h"
+#include "Targets.h"
 
 namespace td::fuzz {
 

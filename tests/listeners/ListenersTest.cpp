@@ -16,13 +16,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <dataModule/common/ListenerNames.h>
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/fileOperator/FileUserPictureGlobal.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
 
 #include "Child.h"
+#include "common/ListenerNames.h"
+#include "fileOperator/OperatorFactory.h"
 #include "Gate.h"
 #include "LogCapture.h"
 #include "Process.h"

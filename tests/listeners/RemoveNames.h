@@ -3,7 +3,7 @@
 #include <semaphore.h>
 #include <sys/shm.h>
 
-#include <dataModule/common/ListenerNames.h>
+#include "common/ListenerNames.h"
 
 namespace td::test {
 

@@ -13,9 +13,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <dataModule/common/ListenerNames.h>
 #include <dataModule/FileDataSeparateManager.h>
 
+#include "common/ListenerNames.h"
 #include "LogCapture.h"
 #include "RemoveNames.h"
 #include "SettingsRoot.h"

@@ -25,6 +25,8 @@ run(${CMAKE_COMMAND} -S ${CLIENT_DIR} -B ${client} -G Ninja
 run(${CMAKE_COMMAND} --build ${client})
 run(${client}/client)
 expect_output("^PICTURE_MODE\n$")
+run(${client}/own_operator ${client}/root)
+expect_output("33 of 4 bytes\n$")
 
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIB_DIR}/pkgconfig)
 run(${PKG_CONFIG} --cflags --libs dataModule)

@@ -13,12 +13,12 @@
 #include <gtest/gtest.h>
 
 #include <dataModule/common/Event.h>
-#include <dataModule/common/FileLock.h>
 #include <dataModule/common/Thread.h>
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/platform/DebugOutput.h>
 
 #include "Child.h"
+#include "common/FileLock.h"
 #include "SettingsRoot.h"
 #include "TemporaryDirectory.h"
 

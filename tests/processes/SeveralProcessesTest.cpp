@@ -6,10 +6,11 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
 #include <dmctl/inspect/FileInspection.h>
 
+#include <dataModule/FileDataSeparateManager.h>
+
+#include "fileOperator/OperatorFactory.h"
 #include "LogCapture.h"
 #include "OwnValues.h"
 #include "Process.h"

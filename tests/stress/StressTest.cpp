@@ -20,11 +20,11 @@
 
 #include <dataModule/common/Thread.h>
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/platform/DebugOutput.h>
 
+#include "fileOperator/CategoryLayout.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 #include "Options.h"
 #include "SettingsRoot.h"
 #include "Watchdog.h"

@@ -15,9 +15,9 @@
 
 #include <dataModule/common/FileUtil.h>
 #include <dataModule/fileOperator/FileUserPictureMode.h>
-#include <dataModule/fileOperator/RedoRecord.h>
 
 #include "FakeParent.h"
+#include "fileOperator/file/RedoRecord.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

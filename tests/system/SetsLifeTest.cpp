@@ -9,9 +9,9 @@
 
 #include <dataModule/common/Thread.h>
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/RedoRecord.h>
 
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/OperatorFactory.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

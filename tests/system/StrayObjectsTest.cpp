@@ -9,9 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/SummaryReader.h>
 
+#include "fileOperator/file/SummaryReader.h"
+#include "fileOperator/OperatorFactory.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

@@ -9,12 +9,12 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/common/FileLock.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
 
+#include "common/FileLock.h"
+#include "common/SystemPaths.h"
+#include "fileOperator/CategoryLayout.h"
+#include "fileOperator/OperatorFactory.h"
 #include "LogCapture.h"
 #include "SettingsRoot.h"
 

@@ -20,7 +20,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
-#include <dataModule/common/LockOrder.h>
+#include "common/LockOrder.h"
 
 #define SEEN_BY_THE_LIBRARY __attribute__((visibility("default")))
 

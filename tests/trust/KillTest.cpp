@@ -24,9 +24,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
 #include <dataModule/platform/DebugOutput.h>
 
+#include "fileOperator/OperatorFactory.h"
 #include "OneCategorySet.h"
 #include "Options.h"
 #include "Watchdog.h"

@@ -10,12 +10,12 @@
 
 #include <unistd.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/platform/RootPrefix.h>
 
 #include "FileCalls.h"
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 #include "SmallCategories.h"
 
 namespace td::test {

@@ -10,9 +10,9 @@
 
 #include <dataModule/FileDataSeparateManager.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
 
 #include "DiskModel.h"
+#include "fileOperator/CategoryLayout.h"
 
 namespace td::test {
 

@@ -4,11 +4,11 @@
 #include <array>
 #include <utility>
 
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/platform/RootPrefix.h>
 
 #include "FileCalls.h"
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td::test {
 namespace {

@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include <dataModule/fileOperator/TextLayout.h>
+#include "fileOperator/text/TextLayout.h"
 
 namespace td::test {
 namespace {

@@ -5,11 +5,12 @@
 
 #include <dataModule/common/RecordEvent.h>
 #include <dataModule/FactoryPictureRecords.h>
-#include <dataModule/fileOperator/BinTable.h>
 #include <dataModule/fileOperator/CategoryOperator.h>
 #include <dataModule/fileOperator/FactoryWhiteBalance.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
 #include <dataModule/UserPictureRecords.h>
+
+#include "fileOperator/factoryPicture/BinTable.h"
+#include "fileOperator/OperatorFactory.h"
 
 namespace td::test {
 namespace {

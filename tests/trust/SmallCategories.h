@@ -3,7 +3,8 @@
 #pragma once
 
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
+
+#include "fileOperator/CategoryLayout.h"
 
 namespace td::test {
 

@@ -9,9 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-
 #include "FileCalls.h"
+#include "fileOperator/OperatorFactory.h"
 #include "Gate.h"
 #include "OneCategorySet.h"
 

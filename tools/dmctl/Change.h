@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
-
+#include "fileOperator/CategoryLayout.h"
 #include "Output.h"
 #include "Selection.h"
 #include "Session.h"

@@ -5,8 +5,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-
+#include "fileOperator/OperatorFactory.h"
 #include "Names.h"
 #include "Output.h"
 #include "Verb.h"

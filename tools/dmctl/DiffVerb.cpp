@@ -6,10 +6,9 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
-
+#include "common/SystemPaths.h"
 #include "Exchange.h"
+#include "fileOperator/OperatorFactory.h"
 #include "FileTable.h"
 #include "Names.h"
 #include "Output.h"

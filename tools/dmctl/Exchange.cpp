@@ -10,8 +10,7 @@
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
-#include <dataModule/fileOperator/TextLayout.h>
-
+#include "fileOperator/text/TextLayout.h"
 #include "Names.h"
 #include "Output.h"
 

@@ -10,8 +10,8 @@
 #include <fmt/core.h>
 
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/fileOperator/RedoRecord.h>
 
+#include "fileOperator/file/RedoRecord.h"
 #include "Names.h"
 
 namespace td::dmctl {

@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "fileOperator/CategoryLayout.h"
 #include "inspect/FileInspection.h"
-#include <dataModule/fileOperator/CategoryLayout.h>
-
 #include "Names.h"
 #include "Session.h"
 

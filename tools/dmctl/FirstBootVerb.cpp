@@ -5,9 +5,8 @@
 
 #include <fmt/core.h>
 
+#include "fileOperator/OperatorFactory.h"
 #include "inspect/FileInspection.h"
-#include <dataModule/fileOperator/OperatorFactory.h>
-
 #include "Names.h"
 #include "Output.h"
 #include "Session.h"

@@ -5,11 +5,11 @@
 
 #include <fmt/core.h>
 
-#include "inspect/FileInspection.h"
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/fileOperator/OperatorFactory.h>
 
+#include "fileOperator/OperatorFactory.h"
 #include "FileTable.h"
+#include "inspect/FileInspection.h"
 #include "Names.h"
 #include "Output.h"
 #include "Session.h"

@@ -7,8 +7,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/common/ListenerNames.h>
-
+#include "common/ListenerNames.h"
 #include "Names.h"
 #include "Output.h"
 #include "Session.h"

@@ -7,7 +7,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
+#include "fileOperator/OperatorFactory.h"
 
 namespace td::dmctl {
 

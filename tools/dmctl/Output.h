@@ -6,8 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
-
+#include "fileOperator/CategoryLayout.h"
 #include "Terminal.h"
 
 namespace td::dmctl {

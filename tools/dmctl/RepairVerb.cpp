@@ -11,14 +11,14 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/TextLayout.h>
 #include <dataModule/platform/RootPrefix.h>
 
+#include "common/FileLock.h"
+#include "common/SystemPaths.h"
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/text/TextLayout.h"
 #include "FileTable.h"
 #include "Names.h"
 #include "Output.h"

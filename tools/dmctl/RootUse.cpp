@@ -9,8 +9,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/common/SystemPaths.h>
-
+#include "common/SystemPaths.h"
 #include "Names.h"
 
 namespace fs = std::filesystem;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <dataModule/common/FileLock.h>
+#include "common/FileLock.h"
 
 namespace td::dmctl {
 

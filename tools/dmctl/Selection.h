@@ -6,8 +6,7 @@
 
 #include <vector>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
-
+#include "fileOperator/CategoryLayout.h"
 #include "Verb.h"
 
 namespace td::dmctl {

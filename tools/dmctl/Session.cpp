@@ -8,13 +8,13 @@
 
 #include <fmt/core.h>
 
-#include "inspect/FileInspection.h"
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
 #include <dataModule/platform/DebugOutput.h>
 #include <dataModule/platform/RootPrefix.h>
 
+#include "common/SystemPaths.h"
+#include "inspect/FileInspection.h"
 #include "Names.h"
 #include "RootUse.h"
 

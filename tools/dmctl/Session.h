@@ -7,8 +7,8 @@
 #include <vector>
 
 #include <dataModule/FileDataSeparateManager.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
 
+#include "fileOperator/CategoryLayout.h"
 #include "Verb.h"
 
 namespace td::dmctl {

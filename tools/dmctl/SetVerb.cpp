@@ -8,10 +8,9 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/fileOperator/OperatorFactory.h>
-#include <dataModule/fileOperator/TextLayout.h>
-
 #include "Change.h"
+#include "fileOperator/OperatorFactory.h"
+#include "fileOperator/text/TextLayout.h"
 #include "Names.h"
 #include "Selection.h"
 #include "Session.h"

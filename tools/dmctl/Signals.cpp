@@ -12,8 +12,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/common/ListenerNames.h>
-
+#include "common/ListenerNames.h"
 #include "Verb.h"
 
 namespace td::dmctl {

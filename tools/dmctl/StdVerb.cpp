@@ -5,8 +5,7 @@
 
 #include <fmt/core.h>
 
-#include <dataModule/common/ListenerNames.h>
-
+#include "common/ListenerNames.h"
 #include "Names.h"
 #include "Output.h"
 #include "RootUse.h"

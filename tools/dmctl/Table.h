@@ -3,8 +3,7 @@
 
 #include <vector>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
-
+#include "fileOperator/CategoryLayout.h"
 #include "Selection.h"
 #include "Session.h"
 

@@ -4,10 +4,9 @@
 
 #include <fmt/core.h>
 
-#include "inspect/FileInspection.h"
-#include <dataModule/fileOperator/RedoRecord.h>
-
+#include "fileOperator/file/RedoRecord.h"
 #include "FileTable.h"
+#include "inspect/FileInspection.h"
 #include "Names.h"
 #include "Output.h"
 #include "Session.h"

@@ -1,17 +1,18 @@
-#include <dataModule/fileOperator/BinTable.h>
+#include "fileOperator/factoryPicture/BinTable.h"
 
 #include <algorithm>
 #include <cstring>
 #include <string>
 
-#include <dataModule/common/Log.h>
-#include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/Loading.h>
 #include <dataModule/fileOperator/TableOperator.h>
-#include <dataModule/fileOperator/TextLayout.h>
-#include <dataModule/fileOperator/ValueDump.h>
 #include <dataModule/platform/ConfigReader.h>
 #include <dataModule/platform/FlashFieldStore.h>
+
+#include "common/Log.h"
+#include "common/SystemPaths.h"
+#include "fileOperator/file/Loading.h"
+#include "fileOperator/text/TextLayout.h"
+#include "fileOperator/ValueDump.h"
 
 namespace td {
 

@@ -1,7 +1,7 @@
 /// The table of a factory white balance, which need not hold all bins.
 #pragma once
 
-#include <dataModule/fileOperator/TableState.h>
+#include "fileOperator/TableState.h"
 
 namespace td {
 

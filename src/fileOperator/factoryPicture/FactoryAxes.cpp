@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/FactoryAxes.h>
+#include "fileOperator/factoryPicture/FactoryAxes.h"
 
 namespace td::axis {
 

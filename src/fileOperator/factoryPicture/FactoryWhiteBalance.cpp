@@ -4,9 +4,10 @@
 #include <iterator>
 #include <memory>
 
-#include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
-#include <dataModule/fileOperator/BinTable.h>
+
+#include "common/Log.h"
+#include "fileOperator/factoryPicture/BinTable.h"
 
 namespace td {
 

@@ -1,7 +1,7 @@
 #include <dataModule/fileOperator/FileFactoryPictureBacklightCurve.h>
 
-#include <dataModule/fileOperator/Axes.h>
-#include <dataModule/fileOperator/FactoryAxes.h>
+#include "fileOperator/Axes.h"
+#include "fileOperator/factoryPicture/FactoryAxes.h"
 
 namespace td {
 

@@ -1,8 +1,8 @@
 #include <dataModule/fileOperator/FileFactoryPictureWB.h>
 
-#include <dataModule/fileOperator/Axes.h>
-#include <dataModule/fileOperator/BinTable.h>
-#include <dataModule/fileOperator/FactoryAxes.h>
+#include "fileOperator/Axes.h"
+#include "fileOperator/factoryPicture/BinTable.h"
+#include "fileOperator/factoryPicture/FactoryAxes.h"
 
 namespace td {
 

@@ -1,6 +1,6 @@
 #include <dataModule/fileOperator/FileFactoryPictureWB20GainIndex.h>
 
-#include <dataModule/fileOperator/Axes.h>
+#include "fileOperator/Axes.h"
 
 namespace td {
 

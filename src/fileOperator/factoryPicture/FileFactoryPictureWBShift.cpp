@@ -1,11 +1,12 @@
 #include <dataModule/fileOperator/FileFactoryPictureWBShift.h>
 
-#include <dataModule/common/Log.h>
-#include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/Axes.h>
-#include <dataModule/fileOperator/BinTable.h>
-#include <dataModule/fileOperator/FactoryAxes.h>
 #include <dataModule/platform/ConfigReader.h>
+
+#include "common/Log.h"
+#include "common/SystemPaths.h"
+#include "fileOperator/Axes.h"
+#include "fileOperator/factoryPicture/BinTable.h"
+#include "fileOperator/factoryPicture/FactoryAxes.h"
 
 namespace td {
 

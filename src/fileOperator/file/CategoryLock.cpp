@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/CategoryLock.h>
+#include "fileOperator/file/CategoryLock.h"
 
 namespace td {
 

@@ -19,8 +19,8 @@
 #include <pthread.h>
 #include <sched.h>
 
-#include <dataModule/common/FileLock.h>
-#include <dataModule/common/Mutex.h>
+#include "common/FileLock.h"
+#include "common/Mutex.h"
 
 namespace td {
 

@@ -1,13 +1,14 @@
-#include <dataModule/fileOperator/CategoryState.h>
+#include "fileOperator/file/CategoryState.h"
 
 #include <cstdio>
 #include <exception>
 #include <utility>
 
-#include <dataModule/common/Log.h>
-#include <dataModule/common/SystemPaths.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
+
+#include "common/Log.h"
+#include "common/SystemPaths.h"
+#include "fileOperator/CategoryLayout.h"
 
 namespace td {
 

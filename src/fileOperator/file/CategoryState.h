@@ -6,14 +6,15 @@
 #include <optional>
 #include <string>
 
-#include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/CategoryLock.h>
-#include <dataModule/fileOperator/Contents.h>
-#include <dataModule/fileOperator/Copies.h>
-#include <dataModule/fileOperator/SectionWrite.h>
-#include <dataModule/fileOperator/SettingsFile.h>
-#include <dataModule/fileOperator/VersionMerge.h>
 #include <dataModule/IDataSeparateManagerInner.h>
+
+#include "common/SystemPaths.h"
+#include "fileOperator/file/CategoryLock.h"
+#include "fileOperator/file/Contents.h"
+#include "fileOperator/file/Copies.h"
+#include "fileOperator/file/SectionWrite.h"
+#include "fileOperator/file/SettingsFile.h"
+#include "fileOperator/file/VersionMerge.h"
 
 namespace td {
 

@@ -1,16 +1,17 @@
-#include <dataModule/fileOperator/ChecksumRepair.h>
+#include "fileOperator/file/ChecksumRepair.h"
 
 #include <string>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/common/FileLock.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/common/NoCancel.h>
-#include <dataModule/common/SystemPaths.h>
-#include <dataModule/fileOperator/CategoryLock.h>
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/SummaryReader.h>
+
+#include "common/FileLock.h"
+#include "common/Log.h"
+#include "common/NoCancel.h"
+#include "common/SystemPaths.h"
+#include "fileOperator/file/CategoryLock.h"
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/file/SummaryReader.h"
 
 namespace td {
 

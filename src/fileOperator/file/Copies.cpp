@@ -1,12 +1,13 @@
-#include <dataModule/fileOperator/Copies.h>
+#include "fileOperator/file/Copies.h"
 
 #include <cerrno>
 #include <cstring>
 
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/fileOperator/RedoRecord.h>
-#include <dataModule/fileOperator/SummaryReader.h>
+
+#include "common/Log.h"
+#include "fileOperator/file/RedoRecord.h"
+#include "fileOperator/file/SummaryReader.h"
 
 namespace td {
 

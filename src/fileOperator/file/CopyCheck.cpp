@@ -1,12 +1,13 @@
-#include <dataModule/fileOperator/CopyCheck.h>
+#include "fileOperator/file/CopyCheck.h"
 
 #include <cerrno>
 #include <cstring>
 #include <string>
 
-#include <dataModule/common/Log.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/CategoryState.h>
+
+#include "common/Log.h"
+#include "fileOperator/file/CategoryState.h"
 
 namespace td {
 

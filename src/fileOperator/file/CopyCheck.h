@@ -2,7 +2,7 @@
 /// category's lock.
 #pragma once
 
-#include <dataModule/fileOperator/NextCopy.h>
+#include "fileOperator/file/NextCopy.h"
 
 namespace td {
 

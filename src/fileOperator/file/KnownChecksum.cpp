@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/KnownChecksum.h>
+#include "fileOperator/file/KnownChecksum.h"
 
 #include <ctime>
 #include <tuple>

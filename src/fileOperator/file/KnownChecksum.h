@@ -8,11 +8,11 @@
 
 #include <cstdint>
 
-#include <dataModule/fileOperator/RedoRecord.h>
+#include "fileOperator/file/RedoRecord.h"
 
 namespace td {
 
-class DATAMODULE_API KnownChecksum {
+class KnownChecksum {
 public:
     /// Marks the open file, whose contents from `contentPosition` on have the checksum `crc`. Nothing is written to it
     /// afterwards but by a caller who marks it again.

@@ -1,6 +1,6 @@
-#include <dataModule/fileOperator/LoadBudget.h>
+#include "fileOperator/file/LoadBudget.h"
 
-#include <dataModule/common/Deadline.h>
+#include "common/Deadline.h"
 
 namespace td {
 

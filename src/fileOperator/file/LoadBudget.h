@@ -4,12 +4,10 @@
 
 #include <ctime>
 
-#include <dataModule/Export.h>
-
 namespace td {
 
 /// For the length of a block the loads of the calling thread share this deadline.
-class DATAMODULE_API LoadBudget {
+class LoadBudget {
 public:
     static constexpr int MILLISECONDS = 3000;
 

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/Loader.h>
+#include "fileOperator/file/Loader.h"
 
 #include <cerrno>
 #include <cstring>
@@ -6,11 +6,12 @@
 
 #include <sys/stat.h>
 
-#include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/CategoryState.h>
-#include <dataModule/fileOperator/CopyCheck.h>
+
+#include "common/Log.h"
+#include "fileOperator/file/CategoryState.h"
+#include "fileOperator/file/CopyCheck.h"
 
 namespace td {
 

@@ -2,8 +2,8 @@
 /// version is read by key. Its caller holds the category's lock from its making to its end.
 #pragma once
 
-#include <dataModule/fileOperator/NextCopy.h>
-#include <dataModule/fileOperator/VersionMerge.h>
+#include "fileOperator/file/NextCopy.h"
+#include "fileOperator/file/VersionMerge.h"
 
 struct stat;
 

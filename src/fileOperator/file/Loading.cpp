@@ -1,15 +1,16 @@
-#include <dataModule/fileOperator/Loading.h>
+#include "fileOperator/file/Loading.h"
 
 #include <cerrno>
 #include <cstring>
 #include <string>
 
-#include <dataModule/common/Deadline.h>
-#include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/Loader.h>
-#include <dataModule/fileOperator/NewFile.h>
+
+#include "common/Deadline.h"
+#include "common/Log.h"
+#include "fileOperator/file/Loader.h"
+#include "fileOperator/file/NewFile.h"
 
 namespace td {
 

@@ -2,7 +2,7 @@
 /// holds the category's lock.
 #pragma once
 
-#include <dataModule/fileOperator/CategoryState.h>
+#include "fileOperator/file/CategoryState.h"
 
 namespace td {
 

@@ -1,11 +1,12 @@
-#include <dataModule/fileOperator/NewFile.h>
+#include "fileOperator/file/NewFile.h"
 
 #include <cstring>
 
-#include <dataModule/common/Log.h>
 #include <dataModule/common/TimeUtil.h>
 #include <dataModule/fileOperator/AbstractFileOperator.h>
-#include <dataModule/fileOperator/CategoryState.h>
+
+#include "common/Log.h"
+#include "fileOperator/file/CategoryState.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/RedoRecord.h>
+#include "fileOperator/file/RedoRecord.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,9 +7,10 @@
 
 #include <dataModule/common/CRC32Util.h>
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/fileOperator/SummaryReader.h>
-#include <dataModule/fileOperator/TextLayout.h>
+
+#include "common/Log.h"
+#include "fileOperator/file/SummaryReader.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 

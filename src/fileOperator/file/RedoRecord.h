@@ -14,8 +14,6 @@
 #include <string>
 #include <vector>
 
-#include <dataModule/Export.h>
-
 namespace td {
 
 struct RedoRecord {
@@ -30,12 +28,12 @@ struct RedoRecord {
 };
 
 /// The record as a text.
-DATAMODULE_API std::string redoText(const RedoRecord& record);
+std::string redoText(const RedoRecord& record);
 /// Reads a record; false, and `record` unspecified, for anything that is not a whole one.
-DATAMODULE_API bool parseRedo(const std::string& text, RedoRecord& record);
+bool parseRedo(const std::string& text, RedoRecord& record);
 
 /// The record's file for a settings file.
-DATAMODULE_API std::string redoPath(const std::string& settingsFile);
+std::string redoPath(const std::string& settingsFile);
 /// Whether a write may be pending; also when that cannot be told for now.
 bool redoIsPending(const std::string& settingsFile);
 /// Puts the record on the disk.
@@ -47,13 +45,13 @@ void clearRedo(const std::string& settingsFile);
 bool repeatWrite(const std::string& settingsFile, RedoRecord& record);
 /// The checksum that the contents of the settings file would have after the record's writes. False when the file cannot
 /// be read or does not reach as far.
-DATAMODULE_API bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc);
+bool checksumAfter(const std::string& settingsFile, const RedoRecord& record, unsigned int& crc);
 
 /// Ends a pending write, if the file does not verify as it is and would with the record, which then is cleared. A file
 /// that verifies keeps its contents; where the write is in them already it is made once more, as it may not be on the
 /// disk. The caller has the files for itself. Whether the file was changed; `crc` is then the
 /// checksum of its contents, and untouched otherwise. `failure`, if given, becomes 0, or errno's value when there is a
 /// record that could not be read, or not be carried out, for now: then it is still there.
-DATAMODULE_API bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure = nullptr);
+bool replayRedo(const std::string& settingsFile, unsigned int& crc, int* failure = nullptr);
 
 } // namespace td

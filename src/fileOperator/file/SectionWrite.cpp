@@ -1,10 +1,10 @@
-#include <dataModule/fileOperator/SectionWrite.h>
+#include "fileOperator/file/SectionWrite.h"
 
 #include <algorithm>
 
-#include <dataModule/common/Log.h>
-#include <dataModule/fileOperator/SettingsFile.h>
-#include <dataModule/fileOperator/TextLayout.h>
+#include "common/Log.h"
+#include "fileOperator/file/SettingsFile.h"
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 

@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-#include <dataModule/fileOperator/RedoRecord.h>
+#include "fileOperator/file/RedoRecord.h"
 
 namespace td {
 

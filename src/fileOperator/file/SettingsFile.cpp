@@ -1,10 +1,10 @@
-#include <dataModule/fileOperator/SettingsFile.h>
+#include "fileOperator/file/SettingsFile.h"
 
 #include <cstring>
 
 #include <sys/stat.h>
 
-#include <dataModule/common/SystemPaths.h>
+#include "common/SystemPaths.h"
 
 namespace td {
 

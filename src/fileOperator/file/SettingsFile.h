@@ -5,11 +5,12 @@
 #include <string>
 
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/fileOperator/Copies.h>
-#include <dataModule/fileOperator/KnownChecksum.h>
-#include <dataModule/fileOperator/SummaryReader.h>
-#include <dataModule/fileOperator/UnendedWrite.h>
 #include <dataModule/IFileOperator.h>
+
+#include "fileOperator/file/Copies.h"
+#include "fileOperator/file/KnownChecksum.h"
+#include "fileOperator/file/SummaryReader.h"
+#include "fileOperator/file/UnendedWrite.h"
 
 namespace td {
 

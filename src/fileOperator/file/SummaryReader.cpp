@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/SummaryReader.h>
+#include "fileOperator/file/SummaryReader.h"
 
 #include <cstring>
 

@@ -4,7 +4,8 @@
 #include <string>
 
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/fileOperator/TextLayout.h>
+
+#include "fileOperator/text/TextLayout.h"
 
 namespace td {
 
@@ -51,6 +52,6 @@ bool hasReadableSize(const char* path);
 
 /// Whether the file at `path` has a whole summary of `version` (null: any) whose checksum is that of its contents, and
 /// a readable size.
-DATAMODULE_API bool fileVerifies(const char* path, const char* version);
+bool fileVerifies(const char* path, const char* version);
 
 } // namespace td

@@ -1,9 +1,9 @@
-#include <dataModule/fileOperator/UnendedWrite.h>
+#include "fileOperator/file/UnendedWrite.h"
 
 #include <cerrno>
 #include <utility>
 
-#include <dataModule/fileOperator/SummaryReader.h>
+#include "fileOperator/file/SummaryReader.h"
 
 namespace td {
 

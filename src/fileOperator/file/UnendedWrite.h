@@ -7,7 +7,7 @@
 
 #include <sys/stat.h>
 
-#include <dataModule/fileOperator/RedoRecord.h>
+#include "fileOperator/file/RedoRecord.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/VersionMerge.h>
+#include "fileOperator/file/VersionMerge.h"
 
 #include <utility>
 

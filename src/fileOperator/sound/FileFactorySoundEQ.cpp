@@ -1,7 +1,7 @@
 #include <dataModule/fileOperator/FileFactorySoundEQ.h>
 
-#include <dataModule/fileOperator/Axes.h>
-#include <dataModule/fileOperator/SoundAxes.h>
+#include "fileOperator/Axes.h"
+#include "fileOperator/sound/SoundAxes.h"
 
 namespace td {
 

@@ -1,8 +1,8 @@
 #include <dataModule/fileOperator/FileUserSoundDbx.h>
 
-#include <dataModule/fileOperator/Axes.h>
-#include <dataModule/fileOperator/SoundAxes.h>
-#include <dataModule/fileOperator/SoundGlobalFlag.h>
+#include "fileOperator/Axes.h"
+#include "fileOperator/sound/SoundAxes.h"
+#include "fileOperator/sound/SoundGlobalFlag.h"
 
 namespace td {
 

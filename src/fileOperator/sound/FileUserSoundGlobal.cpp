@@ -1,6 +1,6 @@
 #include <dataModule/fileOperator/FileUserSoundGlobal.h>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td {
 

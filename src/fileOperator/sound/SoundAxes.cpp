@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/SoundAxes.h>
+#include "fileOperator/sound/SoundAxes.h"
 
 namespace td::axis {
 

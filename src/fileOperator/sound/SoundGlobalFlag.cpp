@@ -1,10 +1,11 @@
-#include <dataModule/fileOperator/SoundGlobalFlag.h>
+#include "fileOperator/sound/SoundGlobalFlag.h"
 
 #include <vector>
 
-#include <dataModule/common/Log.h>
 #include <dataModule/IDataSeparateManager.h>
 #include <dataModule/IDataSeparateManagerInner.h>
+
+#include "common/Log.h"
 
 namespace td {
 

@@ -2,8 +2,6 @@
 /// can be copied to all sources share this query; the library itself does not ask.
 #pragma once
 
-#include <dataModule/Export.h>
-
 namespace td {
 
 class IDataSeparateManagerInner;
@@ -11,6 +9,6 @@ class IDataSeparateManagerInner;
 /// True when "ApplyModeToSource" of SOUND_GLOBAL is loaded and not 0. Of a manager without the client's interface only
 /// a value of 1 is known to be set. False without a manager. It waits for SOUND_GLOBAL's critical section: hold no
 /// other.
-DATAMODULE_API bool applyModeToSource(IDataSeparateManagerInner* manager);
+bool applyModeToSource(IDataSeparateManagerInner* manager);
 
 } // namespace td

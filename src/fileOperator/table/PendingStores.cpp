@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/PendingStores.h>
+#include "fileOperator/table/PendingStores.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -12,8 +12,8 @@
 #include <memory>
 #include <vector>
 
-#include <dataModule/common/Mutex.h>
-#include <dataModule/fileOperator/RecordTable.h>
+#include "common/Mutex.h"
+#include "fileOperator/table/RecordTable.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/RecordTable.h>
+#include "fileOperator/table/RecordTable.h"
 
 #include <algorithm>
 

@@ -8,8 +8,8 @@
 #include <set>
 #include <vector>
 
-#include <dataModule/fileOperator/SnapshotFloor.h>
-#include <dataModule/fileOperator/TableLock.h>
+#include "fileOperator/table/SnapshotFloor.h"
+#include "fileOperator/table/TableLock.h"
 
 namespace td {
 

@@ -7,7 +7,7 @@
 
 #include <pthread.h>
 
-#include <dataModule/common/Mutex.h>
+#include "common/Mutex.h"
 
 namespace td {
 

@@ -1,4 +1,4 @@
-#include <dataModule/fileOperator/TextLayout.h>
+#include "fileOperator/text/TextLayout.h"
 
 #include <algorithm>
 #include <cctype>

@@ -4,8 +4,7 @@
 
 #include <string>
 
-#include <dataModule/Export.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td::text {
 
@@ -36,48 +35,48 @@ constexpr int keyWidth(KeyLineForm form) {
 // --- comment block ---
 
 /// Whether a line belongs to the comment block: it holds a '#' anywhere.
-DATAMODULE_API bool isComment(const char* line);
+bool isComment(const char* line);
 /// The whole comment block of a category.
-DATAMODULE_API std::string commentBlock(const CategoryLayout& layout);
+std::string commentBlock(const CategoryLayout& layout);
 
 // --- summary ---
 
 /// The SN, Version and CRC lines, with the header line before them if asked for.
-DATAMODULE_API std::string summary(const char* tvType, const char* version, unsigned int crc, bool withHeader);
+std::string summary(const char* tvType, const char* version, unsigned int crc, bool withHeader);
 /// The CRC line.
-DATAMODULE_API std::string crcLine(unsigned int crc);
+std::string crcLine(unsigned int crc);
 /// The value of a "key = value" summary line, at most `width` characters up to the first blank, into `out` (`width` + 1
 /// bytes). An empty value is normal.
-DATAMODULE_API void parseSummaryText(const char* line, int width, char* out);
+void parseSummaryText(const char* line, int width, char* out);
 /// The value of the CRC line; any case of digits. False when there is none.
-DATAMODULE_API bool parseCrc(const char* line, unsigned int& crc);
+bool parseCrc(const char* line, unsigned int& crc);
 
 // --- section ids ---
 
 /// The character of an index in a section id.
-DATAMODULE_API char indexDigit(int index);
+char indexDigit(int index);
 /// The id with brackets, such as "[3a7]" or "[Global]".
-DATAMODULE_API std::string sectionId(const CategoryLayout& layout, const int* indices);
+std::string sectionId(const CategoryLayout& layout, const int* indices);
 /// Writes the header line into `out` as snprintf does and returns its full length.
-DATAMODULE_API int formatSectionId(const CategoryLayout& layout, const int* indices, char* out, int size);
+int formatSectionId(const CategoryLayout& layout, const int* indices, char* out, int size);
 /// Reads a header line. Every dimension must be matched; a "%1c" index that is neither digit nor letter leaves that
 /// index as it was. Ranges are not checked. On failure some indices may have been set. A category without dimensions
 /// takes any header line. Null is none.
-DATAMODULE_API bool parseSectionId(const CategoryLayout& layout, const char* line, int* indices);
+bool parseSectionId(const CategoryLayout& layout, const char* line, int* indices);
 
 // --- key lines ---
 
 /// Writes one key line into `out` as snprintf does and returns its full length.
-DATAMODULE_API int formatKeyLine(KeyLineForm form, const char* key, int value, char* out, int size);
+int formatKeyLine(KeyLineForm form, const char* key, int value, char* out, int size);
 /// Whether the value's line has the fixed length.
-DATAMODULE_API bool fitsColumns(KeyLineForm form, int value);
+bool fitsColumns(KeyLineForm form, int value);
 /// Writes the key lines of a record in file order, as snprintf does, and returns the full length. The section has its
 /// fixed size only if every value fits.
-DATAMODULE_API int formatSection(const CategoryLayout& layout, const int* record, char* out, int size);
+int formatSection(const CategoryLayout& layout, const int* record, char* out, int size);
 /// The value of a key line by its fixed columns; the key is not looked at. Columns beyond the line's end are absent.
-DATAMODULE_API int valueByColumns(KeyLineForm form, const char* line);
+int valueByColumns(KeyLineForm form, const char* line);
 /// Splits a key line of any width into key (KEY_WIDTH + 1 bytes) and value. False when it is no key line, and when the
 /// number has more digits than its columns hold.
-DATAMODULE_API bool parseKeyLine(KeyLineForm form, const char* line, char* key, int& value);
+bool parseKeyLine(KeyLineForm form, const char* line, char* key, int& value);
 
 } // namespace td::text

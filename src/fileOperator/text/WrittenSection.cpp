@@ -1,8 +1,8 @@
-#include <dataModule/fileOperator/WrittenSection.h>
+#include "fileOperator/text/WrittenSection.h"
 
 #include <cstring>
 
-#include <dataModule/fileOperator/TextLayout.h>
+#include "fileOperator/text/TextLayout.h"
 
 namespace td::text {
 

@@ -4,12 +4,11 @@
 
 #include <string>
 
-#include <dataModule/Export.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td::text {
 
-class DATAMODULE_API WrittenSection {
+class WrittenSection {
 public:
     /// The layout must outlive it.
     explicit WrittenSection(const CategoryLayout& layout);

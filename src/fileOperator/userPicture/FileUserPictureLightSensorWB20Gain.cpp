@@ -1,6 +1,6 @@
 #include <dataModule/fileOperator/FileUserPictureLightSensorWB20Gain.h>
 
-#include <dataModule/fileOperator/Axes.h>
+#include "fileOperator/Axes.h"
 
 namespace td {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <dataModule/fileOperator/Axes.h>
+#include "fileOperator/Axes.h"
 
 namespace td {
 

@@ -1,8 +1,9 @@
 #include <dataModule/fileOperator/FileUserPictureSourceOnly.h>
 
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/common/Log.h>
-#include <dataModule/fileOperator/Axes.h>
+
+#include "common/Log.h"
+#include "fileOperator/Axes.h"
 
 namespace td {
 

@@ -1,6 +1,6 @@
 #include <dataModule/fileOperator/FileUserPictureWB20PointIndex.h>
 
-#include <dataModule/fileOperator/Axes.h>
+#include "fileOperator/Axes.h"
 
 namespace td {
 

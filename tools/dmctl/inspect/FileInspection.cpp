@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include <dataModule/common/CRC32Util.h>
-#include <dataModule/fileOperator/TextLayout.h>
 
+#include "fileOperator/text/TextLayout.h"
 #include "inspect/Inspector.h"
 
 namespace td {

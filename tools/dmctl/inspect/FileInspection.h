@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include <dataModule/fileOperator/CategoryLayout.h>
+#include "fileOperator/CategoryLayout.h"
 
 namespace td {
 

@@ -3,7 +3,8 @@
 #pragma once
 
 #include <dataModule/common/FileUtil.h>
-#include <dataModule/fileOperator/CategoryLayout.h>
+
+#include "fileOperator/CategoryLayout.h"
 
 namespace td {
 

@@ -1,13 +1,13 @@
-#include <dataModule/fileOperator/SectionReader.h>
+#include "fileOperator/SectionReader.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include <dataModule/common/Log.h>
-#include <dataModule/fileOperator/RecordTable.h>
-#include <dataModule/fileOperator/TextLayout.h>
-#include <dataModule/fileOperator/ValueDump.h>
-#include <dataModule/fileOperator/WrittenSection.h>
+#include "common/Log.h"
+#include "fileOperator/table/RecordTable.h"
+#include "fileOperator/text/TextLayout.h"
+#include "fileOperator/text/WrittenSection.h"
+#include "fileOperator/ValueDump.h"
 
 namespace td {
 
