@@ -39,6 +39,10 @@ struct HeldLocks {
 
 thread_local HeldLocks t_held;
 
+HeldLock* find(const void* lock) {
+    return std::find_if(t_held.begin(), t_held.end(), [lock](const HeldLock& held) { return held.lock == lock; });
+}
+
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "lock order: %s; held, in the order of taking:\n", what);
     for (const HeldLock& held : t_held)
@@ -64,12 +68,16 @@ void wasTaken(const void* lock, LockRank rank) {
 }
 
 void willBeReleased(const void* lock) {
-    HeldLock* const found =
-        std::find_if(t_held.begin(), t_held.end(), [lock](const HeldLock& held) { return held.lock == lock; });
+    HeldLock* const found = find(lock);
     if (found == t_held.end())
         fail("released by a thread that does not hold it");
     std::copy(found + 1, t_held.end(), found);
     --t_held.count;
+}
+
+void shouldHold(const void* lock) {
+    if (find(lock) == t_held.end())
+        fail("needed by a thread that does not hold it");
 }
 
 void willCallSystem() {

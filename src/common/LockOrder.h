@@ -18,6 +18,7 @@ void willWait(LockRank rank);
 void wasTaken(const void* lock, LockRank rank);
 /// Ends the program when the calling thread does not hold the lock.
 void willBeReleased(const void* lock);
+void shouldHold(const void* lock);
 /// Ends the program when the calling thread holds a table's lock, but for that of an entered critical section: whatever
 /// stands between the library and the system calls it before each call.
 void willCallSystem();
@@ -27,6 +28,7 @@ void willCallSystem();
 inline void willWait(LockRank /*rank*/) {}
 inline void wasTaken(const void* /*lock*/, LockRank /*rank*/) {}
 inline void willBeReleased(const void* /*lock*/) {}
+inline void shouldHold(const void* /*lock*/) {}
 inline void willCallSystem() {}
 
 #endif

@@ -10,6 +10,7 @@
 #include "fileOperator/file/CategoryState.h"
 #include "fileOperator/file/ChecksumRepair.h"
 #include "fileOperator/file/CopyCheck.h"
+#include "fileOperator/file/CopySteps.h"
 #include "fileOperator/file/LoadBudget.h"
 #include "fileOperator/file/Loader.h"
 #include "fileOperator/file/Loading.h"
@@ -24,28 +25,8 @@ const char* textOrEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
 
-/// The checksum that the open file states, if there is a file at `path`. A missing or closed file is no failure here,
-/// it only means that a copy has to be made: the lines are progress.
-bool readStoredChecksum(FileUtil& opened, const char* path, unsigned int& crc) {
-    if (!FileUtil::checkFile(path) || FileUtil::isStray(path)) {
-        TD_INFO("load file failed -- file [%s] isn't exist.\n", textOrEmpty(path));
-        return false;
-    }
-    FileUtil asked;
-    if (!asked.openFile(path, "r")) {
-        TD_INFO("open file [%s] failed.\n", path);
-        return false;
-    }
-    Summary summary;
-    const SummaryState state = readSummary(opened, summary);
-    if (state == SummaryState::NotReadable)
-        TD_INFO("reset file position of [%s] failed.\n", path);
-    if (const char* const part = badPart(state))
-        TD_INFO("Summary section %s (%s) is invalid.\n", part, summary.badLine);
-    if (state != SummaryState::Complete)
-        return false;
-    TD_INFO("read CRC Field [0x%08x] from data file '%s' successfully.\n", summary.crc, path);
-    crc = summary.crc;
+bool notOffered(const CategoryState& state) {
+    TD_INFO("[%s]: module hasn't completed yet.\n", state.categoryName());
     return true;
 }
 
@@ -183,20 +164,6 @@ std::string AbstractFileOperator::getWorkPath(_LOAD_FILE_MODE mode) const {
     return m_state->directory(mode);
 }
 
-const char* AbstractFileOperator::getLoadMode(_LOAD_FILE_MODE mode) {
-    switch (mode) {
-    case NORMAL_LOAD:
-        return "NORMAL_LOAD";
-    case BACKUP_LOAD:
-        return "BACKUP_LOAD";
-    case MANUFACTORY_LOAD:
-        return "MANUFACTORY_LOAD";
-    case INVALID_LOAD:
-        break;
-    }
-    return "INVALID_LOAD";
-}
-
 std::string AbstractFileOperator::factoryFileName() {
     return m_state->name.file;
 }
@@ -265,28 +232,23 @@ bool AbstractFileOperator::loadData(const std::vector<int>&, std::vector<_Argume
 }
 
 bool AbstractFileOperator::restoreSetting(const std::vector<int>&) {
-    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
-    return true;
+    return notOffered(*m_state);
 }
 
 bool AbstractFileOperator::restoreSettingForAllSource(const std::vector<int>&) {
-    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
-    return true;
+    return notOffered(*m_state);
 }
 
 bool AbstractFileOperator::restoreSettingFromCurrent(const std::vector<int>&) {
-    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
-    return true;
+    return notOffered(*m_state);
 }
 
 bool AbstractFileOperator::applySettingForAllSources(const std::vector<int>&) {
-    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
-    return true;
+    return notOffered(*m_state);
 }
 
 bool AbstractFileOperator::applySettingForAllMode(const std::vector<int>&) {
-    TD_INFO("[%s]: module hasn't completed yet.\n", categoryName());
-    return true;
+    return notOffered(*m_state);
 }
 
 // --- loading ---
@@ -297,26 +259,7 @@ bool AbstractFileOperator::checkReloadFile() const {
 }
 
 _LOAD_FILE_MODE AbstractFileOperator::stateChanged(_LOAD_FILE_MODE mode) const {
-    _LOAD_FILE_MODE next = INVALID_LOAD;
-    switch (mode) {
-    case NORMAL_LOAD:
-        next = m_state->merge.isUnderWay() ? MANUFACTORY_LOAD : BACKUP_LOAD;
-        break;
-    case BACKUP_LOAD:
-        next = MANUFACTORY_LOAD;
-        break;
-    case MANUFACTORY_LOAD:
-        TD_ERROR("The state changed is invalid, for the 'MANUFACTORY_LOAD' is only as end state.!\n");
-        TD_ERROR("The manufactory data file version is NOT matched with SW version. SO NEED SW engineer ( reponsible "
-                 "for audio or video ) to confirm this fatal problem !!!! \n");
-        return INVALID_LOAD;
-    case INVALID_LOAD:
-    default:
-        TD_ERROR("The state is wrong to go here.\n");
-        return INVALID_LOAD;
-    }
-    TD_INFO("@@@@@ The state is changed from [%s] to [%s] @@@@@ .\n", getLoadMode(mode), getLoadMode(next));
-    return next;
+    return copyAfter(mode, m_state->merge.isUnderWay());
 }
 
 bool AbstractFileOperator::loadFile() {
@@ -480,74 +423,18 @@ bool AbstractFileOperator::initFile(bool defaults) {
 }
 
 bool AbstractFileOperator::recoverFile() {
-    CategoryState& state = *m_state;
-    const SectionStep step(state.lock);
-    const _LOAD_FILE_MODE mode = state.file.mode;
-    if (mode == NORMAL_LOAD) {
-        TD_INFO("current load mode [%s] is 'NORMAL_LOAD' and needn't recover file.\n", getLoadMode(mode));
-        return true;
-    }
-    if (mode != BACKUP_LOAD && mode != MANUFACTORY_LOAD) {
-        TD_WARNING("recover file in invalid mode [%d].\n", static_cast<int>(mode));
-        logWhere();
-        return false;
-    }
-    state.takeFiles();
-    TD_INFO("current load mode [%s] ISN'T 'NORMAL_LOAD' , so NEED to recover file ...\n", getLoadMode(mode));
-    if (!state.copies().recoverFrom(getFileFullPath()))
-        return false;
-    if (mode == MANUFACTORY_LOAD)
-        state.changedCurrent();
-    return true;
+    const SectionStep step(m_state->lock);
+    return recoverCurrent(*m_state);
 }
 
 bool AbstractFileOperator::backupFile(bool alsoFactory) {
-    CategoryState& state = *m_state;
-    const SectionStep step(state.lock);
-    if (state.file.mode != NORMAL_LOAD) {
-        TD_WARNING("current load mode [%s] is not 'NORMAL_LOAD' when backup file.\n", getLoadMode(state.file.mode));
-        logWhere();
-        return false;
-    }
-    state.takeFiles();
-    const Copies copies = state.copies(state.pathOf(MANUFACTORY_LOAD));
-    if (!copies.makeBackupDirectory())
-        return false;
-    const std::string backup = state.pathOf(BACKUP_LOAD);
-    // The checksum is read from the open file, which may be the current copy, opened again since it was written.
-    if (state.backupOutdated)
-        state.closeFile();
-    unsigned int stored = 0;
-    if (readStoredChecksum(state.file.stream(), backup.c_str(), stored) && stored == state.file.crc) {
-        TD_INFO("Backup file crc code [%s] is the same as current file and NEEDN'T generate backup file.\n",
-                backup.c_str());
-        return true;
-    }
-    if (!copies.backUp())
-        return true;
-    state.backupOutdated = false;
-    if (enableDebugLog() != 0)
-        TD_DETAIL("backup file [%s] from file [%s] successfully.\n", backup.c_str(), state.currentPath().c_str());
-    if (alsoFactory)
-        static_cast<void>(copies.makeFactory());
-    return true;
+    const SectionStep step(m_state->lock);
+    return backUp(*m_state, alsoFactory);
 }
 
 bool AbstractFileOperator::resetCurrentFileFromManufactoryFile() {
-    CategoryState& state = *m_state;
-    const SectionLock lock(state.lock);
-    const std::string factory = state.factoryPath();
-    const std::string current = state.currentPath();
-    state.takeFiles();
-    state.closeFile();
-    state.file.path().set(current);
-    state.file.nameHasChanged();
-    if (state.copies(factory).resetFromFactory(state.name.version)) {
-        state.changedCurrent();
-        state.backupRequest = true;
-        state.contents->currentWasReset();
-    }
-    TD_INFO("reset current file [%s] from Manufactory File [%s].\n", current.c_str(), factory.c_str());
+    const SectionLock lock(m_state->lock);
+    resetFromFactory(*m_state);
     return true;
 }
 

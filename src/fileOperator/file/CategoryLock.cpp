@@ -10,6 +10,7 @@ thread_local CategoryLock* t_claimed = nullptr;
 } // namespace
 
 void CategoryLock::claim(Claim kind, const std::string& lockFile) {
+    lockOrder::shouldHold(&m_mutex);
     note(lockFile);
     m_claim = kind;
     const FileLock::Kind lock = kind == Claim::Shared ? FileLock::Kind::Shared : FileLock::Kind::Exclusive;

@@ -8,6 +8,9 @@
 /// be had the steps go on without; where it cannot be had for now, or the wait for it was given up, nothing is written,
 /// and nothing read is trusted.
 ///
+/// Which steps hold it is said in words and checked at run time: where it is taken and where it is needed lie on both
+/// sides of virtual calls, which the compiler's analysis does not follow.
+///
 /// It knows the thread that is inside, so that a step of the lifecycle can be called from inside (SectionStep joins)
 /// and from outside (SectionStep takes it for its own length).
 #pragma once
@@ -25,13 +28,13 @@
 namespace td {
 
 /// Not recursive.
-class TD_CAPABILITY("mutex") CategoryLock {
+class CategoryLock {
 public:
-    void lock() TD_ACQUIRE() {
+    void lock() TD_NO_THREAD_SAFETY_ANALYSIS {
         enter();
         entered();
     }
-    void unlock() TD_RELEASE() {
+    void unlock() TD_NO_THREAD_SAFETY_ANALYSIS {
         const int cancelState = m_cancelState;
         m_owner = NOBODY;
         leaveFiles();
@@ -39,7 +42,7 @@ public:
         m_mutex.unlock();
         pthread_setcancelstate(cancelState, nullptr);
     }
-    bool tryLock() TD_TRY_ACQUIRE(true) {
+    bool tryLock() TD_NO_THREAD_SAFETY_ANALYSIS {
         if (!m_mutex.tryLock())
             return false;
         entered();
@@ -49,7 +52,7 @@ public:
     bool isMine() const { return pthread_equal(m_owner, pthread_self()) != 0; }
     /// For a thread that left the section and is about to enter it again: lets those enter first that wait for it.
     /// Awake, it would overtake them time and again.
-    void giveWay() const TD_EXCLUDES(this) {
+    void giveWay() const {
         constexpr int PATIENCE = 1000;
         for (int i = 0; i < PATIENCE && m_waiting > 0; ++i)
             sched_yield();
@@ -57,7 +60,7 @@ public:
 
     /// Nobody else writes the category's files from now on. Does nothing, and returns false, after any of these three
     /// in the same section.
-    bool shareFiles(const std::string& lockFile) TD_REQUIRES(this) {
+    bool shareFiles(const std::string& lockFile) {
         if (m_claim != Claim::None)
             return false;
         claim(Claim::Shared, lockFile);
@@ -65,7 +68,7 @@ public:
     }
     /// Nobody else reads or writes them from now on, unless filesUnsure(). False when it had them already. A shared
     /// lock is given up for it, so that what was read under that may have changed since.
-    bool takeFiles(const std::string& lockFile) TD_REQUIRES(this) {
+    bool takeFiles(const std::string& lockFile) {
         if (m_claim == Claim::Exclusive)
             return false;
         claim(Claim::Exclusive, lockFile);
@@ -73,7 +76,7 @@ public:
     }
     /// The same for a section that has neither shared nor taken them, without waiting: false when another process is at
     /// work there.
-    bool tryTakeFiles(const std::string& lockFile) TD_REQUIRES(this) {
+    bool tryTakeFiles(const std::string& lockFile) {
         if (m_kept)
             return true;
         note(lockFile);
@@ -83,15 +86,18 @@ public:
         return true;
     }
     /// Whether the lock that was asked for cannot be had for now, or was not waited for any longer.
-    bool filesUnsure() const TD_REQUIRES(this) { return m_wasGivenUp || m_files.failedForNow(); }
+    bool filesUnsure() const { return m_wasGivenUp || m_files.failedForNow(); }
     /// Whether another process had the lock for longer than this one waits.
-    bool gaveUpWaiting() const TD_REQUIRES(this) { return m_wasGivenUp; }
+    bool gaveUpWaiting() const { return m_wasGivenUp; }
     /// Until the section is left no lock between processes is waited for beyond this point in time.
-    void limitWaits(const timespec& deadline) TD_REQUIRES(this) { m_patience.deadline = deadline; }
+    void limitWaits(const timespec& deadline) {
+        lockOrder::shouldHold(&m_mutex);
+        m_patience.deadline = deadline;
+    }
     /// From any thread: whoever waits for the lock between processes, now or later, gives up. For good.
     void abandonWaits() { m_abandoned = true; }
     /// Whether leaving the section keeps the lock between processes, for a thread that enters it next.
-    void keepFiles(bool keep) TD_REQUIRES(this) { m_kept = keep; }
+    void keepFiles(bool keep) { m_kept = keep; }
 
     /// The section that the calling thread is in and that has shared or taken the files of this lock file, or null.
     static CategoryLock* claimedHere(const std::string& lockFile);
@@ -101,7 +107,7 @@ private:
     enum class Claim { None, Shared, Exclusive };
     static constexpr pthread_t NOBODY = 0;
 
-    void enter() TD_ACQUIRE() TD_NO_THREAD_SAFETY_ANALYSIS {
+    void enter() TD_NO_THREAD_SAFETY_ANALYSIS {
         lockOrder::willWait(LockRank::Category);
         if (m_mutex.tryLock())
             return;
@@ -109,13 +115,13 @@ private:
         m_mutex.lock();
         --m_waiting;
     }
-    void entered() TD_REQUIRES(this) {
+    void entered() {
         m_owner = pthread_self();
         pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
     }
-    void claim(Claim kind, const std::string& lockFile) TD_REQUIRES(this);
-    void note(const std::string& lockFile) TD_REQUIRES(this);
-    void leaveFiles() TD_REQUIRES(this);
+    void claim(Claim kind, const std::string& lockFile);
+    void note(const std::string& lockFile);
+    void leaveFiles();
 
     std::atomic<int> m_waiting{0};
     std::atomic<pthread_t> m_owner{NOBODY};
@@ -134,10 +140,10 @@ private:
 };
 
 /// Holds a critical section for the length of a block.
-class TD_SCOPED_CAPABILITY SectionLock {
+class SectionLock {
 public:
-    explicit SectionLock(CategoryLock& section) TD_ACQUIRE(section) : m_section(section) { m_section.lock(); }
-    ~SectionLock() TD_RELEASE() { m_section.unlock(); }
+    explicit SectionLock(CategoryLock& section) : m_section(section) { m_section.lock(); }
+    ~SectionLock() { m_section.unlock(); }
     SectionLock(const SectionLock&) = delete;
     SectionLock& operator=(const SectionLock&) = delete;
 
@@ -146,16 +152,14 @@ private:
 };
 
 /// For a step of the lifecycle, which clients may call from inside an entered section or from outside: holds the
-/// section for the length of the step unless the thread is inside already. Steps say TD_REQUIRES for the library's own
-/// callers, so this is nothing that the analysis sees.
+/// section for the length of the step unless the thread is inside already.
 class SectionStep {
 public:
-    explicit SectionStep(CategoryLock& section) TD_NO_THREAD_SAFETY_ANALYSIS
-        : m_section(section.isMine() ? nullptr : &section) {
+    explicit SectionStep(CategoryLock& section) : m_section(section.isMine() ? nullptr : &section) {
         if (m_section != nullptr)
             m_section->lock();
     }
-    ~SectionStep() TD_NO_THREAD_SAFETY_ANALYSIS {
+    ~SectionStep() {
         if (m_section != nullptr)
             m_section->unlock();
     }

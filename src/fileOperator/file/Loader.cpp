@@ -27,6 +27,35 @@ bool isSame(const struct stat& one, const struct stat& other) {
 
 } // namespace
 
+const char* AbstractFileOperator::getLoadMode(_LOAD_FILE_MODE mode) {
+    static constexpr const char* NAMES[] = {"NORMAL_LOAD", "BACKUP_LOAD", "MANUFACTORY_LOAD"};
+    return mode >= NORMAL_LOAD && mode < INVALID_LOAD ? NAMES[mode] : "INVALID_LOAD";
+}
+
+_LOAD_FILE_MODE copyAfter(_LOAD_FILE_MODE mode, bool merges) {
+    _LOAD_FILE_MODE next = INVALID_LOAD;
+    switch (mode) {
+    case NORMAL_LOAD:
+        next = merges ? MANUFACTORY_LOAD : BACKUP_LOAD;
+        break;
+    case BACKUP_LOAD:
+        next = MANUFACTORY_LOAD;
+        break;
+    case MANUFACTORY_LOAD:
+        TD_ERROR("The state changed is invalid, for the 'MANUFACTORY_LOAD' is only as end state.!\n");
+        TD_ERROR("The manufactory data file version is NOT matched with SW version. SO NEED SW engineer ( reponsible "
+                 "for audio or video ) to confirm this fatal problem !!!! \n");
+        return INVALID_LOAD;
+    case INVALID_LOAD:
+    default:
+        TD_ERROR("The state is wrong to go here.\n");
+        return INVALID_LOAD;
+    }
+    TD_INFO("@@@@@ The state is changed from [%s] to [%s] @@@@@ .\n", AbstractFileOperator::getLoadMode(mode),
+            AbstractFileOperator::getLoadMode(next));
+    return next;
+}
+
 bool Loader::load() {
     m_state.shareFiles();
     if (m_state.lock.gaveUpWaiting())

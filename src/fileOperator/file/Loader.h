@@ -11,6 +11,9 @@ namespace td {
 
 struct CategoryState;
 
+/// The copy that a load tries after this one, or INVALID_LOAD; with log lines.
+_LOAD_FILE_MODE copyAfter(_LOAD_FILE_MODE mode, bool merges);
+
 class Loader {
 public:
     /// `merge`: what becomes of a merge that this load begins.
