@@ -13,6 +13,7 @@
 
 #include <dataModule/common/Event.h>
 #include <dataModule/IDataSeparateManagerInner.h>
+#include <dataModule/IFileOperator.h>
 
 #include "common/Mutex.h"
 #include "common/SystemPaths.h"
@@ -37,8 +38,12 @@ public:
     /// Handles what was posted so far, in order, as the worker does. How many events succeeded.
     int deliver() {
         int succeeded = 0;
-        for (const std::unique_ptr<Event>& event : takePosted())
-            succeeded += event->handle() ? 1 : 0;
+        for (const std::unique_ptr<Event>& event : takePosted()) {
+            Event* const events[] = {event.get()};
+            bool handled = false;
+            event->op()->handleEvents(events, &handled, 1);
+            succeeded += handled ? 1 : 0;
+        }
         return succeeded;
     }
     /// Takes the events posted so far.

@@ -28,6 +28,7 @@
 #include "common/SystemPaths.h"
 #include "FakeParent.h"
 #include "fileOperator/file/Loading.h"
+#include "fileOperator/table/PendingStores.h"
 #include "fileOperator/text/TextLayout.h"
 #include "Gate.h"
 #include "Limits.h"
@@ -57,8 +58,18 @@ public:
         mayWrite.pass();
         if (readsBackWhileWriting)
             readBack = this->loadDataFromCurrentFile({});
-        return Category::buildContents(defaults);
+        const bool built = Category::buildContents(defaults);
+        whileWriting();
+        return built;
     }
+    bool loadContents() override {
+        const bool loaded = Category::loadContents();
+        whileLoading();
+        return loaded;
+    }
+
+    std::function<void()> whileWriting = [] {};
+    std::function<void()> whileLoading = [] {};
 
     Gate writing;
     Gate mayWrite; ///< open unless a test makes its own
@@ -464,10 +475,8 @@ TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
     EXPECT_EQ(current(), old) << "the old copy stays until the new one is complete";
     EXPECT_FALSE(op->loadFile());
     EXPECT_TRUE(m_log.contains("Forbidden load flle ["));
-    // A store waits for the file and is not lost.
-    std::thread storing([&] { EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 44)); });
+    EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 44));
     op->mayWrite.open();
-    storing.join();
     op->waitForMerge();
     EXPECT_EQ(m_parent.deliver(), 1);
     EXPECT_EQ(current(), withChecksum(withValue(goodText(Copy::Current), "[Global]\n", "FpsSwitch", 44)));
@@ -475,6 +484,44 @@ TEST_F(LifecycleTest, NobodyMeetsTheThreadThatWritesTheMergedFile) {
     ASSERT_TRUE(entered);
     if (entered)
         op->leaveCriticalSection();
+}
+
+TEST_F(LifecycleTest, AStoreWaitsForNoFileAndIsInTheNextOne) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    ASSERT_TRUE(op->loadFile());
+    const auto pending = [&] { return op->state().contents->pendingStores()->all().size(); };
+    // By the thread that holds the files' lock: it would wait for itself.
+    op->whileWriting = [&] {
+        EXPECT_TRUE(storeValue(*op, {}, FIELD, 44));
+        EXPECT_EQ(valueOf(*op, {}, FIELD), 44);
+    };
+    EXPECT_TRUE(op->initFile(false));
+    EXPECT_EQ(current(), goodText(Copy::Current)) << "its contents were made before";
+    EXPECT_EQ(pending(), 1U);
+    EXPECT_EQ(m_parent.deliver(), 1);
+    EXPECT_EQ(current(), withChecksum(withValue(m_text, "[Global]\n", FIELD, 44)));
+    EXPECT_EQ(pending(), 0U);
+}
+
+TEST_F(LifecycleTest, ALoadGoesUnderWhatIsStoredMeanwhile) {
+    ASSERT_NO_FATAL_FAILURE(makeCopies());
+    auto op = makeOperator();
+    // No change of the zeros that are there before, but one of what is being loaded.
+    op->whileLoading = [&] {
+        EXPECT_TRUE(storeValue(*op, {}, FIELD, 0));
+        EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 5));
+    };
+    ASSERT_TRUE(op->loadFile());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 0);
+    m_parent.deliver();
+    EXPECT_EQ(current(),
+              withChecksum(withValue(withValue(m_text, "[Global]\n", FIELD, 0), "[Global]\n", "FpsSwitch", 5)));
+    op->whileLoading = [&] { EXPECT_TRUE(storeValue(*op, {}, FIELD, 6)); };
+    EXPECT_TRUE(storeValue(*op, {}, "FpsSwitch", 7));
+    ASSERT_TRUE(op->refreshDataFromCurrent());
+    EXPECT_EQ(valueOf(*op, {}, FIELD), 6);
+    EXPECT_EQ(valueOf(*op, {}, "FpsSwitch"), 5) << "it was given up";
 }
 
 TEST_F(LifecycleTest, NothingIsOpenAfterARelease) {
