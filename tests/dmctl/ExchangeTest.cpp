@@ -1,4 +1,4 @@
-#include <dmctl/Exchange.h>
+#include <dmctl/exchange/Exchange.h>
 
 #include <algorithm>
 #include <random>

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <set>
 
-#include <dmctl/Exchange.h>
+#include <dmctl/exchange/Exchange.h>
 #include <dmctl/Names.h>
 
 #include <dmctl/inspect/FileInspection.h>

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include <dmctl/Exchange.h>
+#include <dmctl/exchange/Exchange.h>
 
 namespace td::fuzz {
 

@@ -16,10 +16,10 @@ constexpr int STEP_MILLISECONDS = 200;
 constexpr int PATIENCE_MILLISECONDS = 30000; ///< without anything written
 constexpr std::size_t MOST_LINES = 40;       ///< on a terminal
 
-Table soundTable(Session& session, const CategoryLayout& layout) {
+FileTable soundTable(Session& session, const CategoryLayout& layout) {
     session.load(layout);
     try {
-        return {session, layout, Copy::Current};
+        return goodTable(session, layout, Copy::Current);
     } catch (const Failure& failure) {
         throw Failure(fmt::format("nothing was changed: {}", failure.what()));
     }
@@ -47,7 +47,7 @@ void Change::put(const Record& record, const Field& field, int value) {
     m_after.at(record)[field.position] = value;
 }
 
-void Change::put(const Record& record, const Table& values) {
+void Change::put(const Record& record, const FileTable& values) {
     for (const Field& field : m_layout.fields)
         put(record, field, values.value(record, field));
 }
@@ -92,7 +92,7 @@ void Change::waitStored() {
 void Change::prove() {
     waitStored();
     m_session.close();
-    const Table held(m_session, m_layout, Copy::Current);
+    const FileTable held = goodTable(m_session, m_layout, Copy::Current);
     Record record(m_layout.dimensions.size());
     for (std::size_t i = 0; i < m_touched.size(); ++i) {
         m_layout.indicesOf(static_cast<int>(i), record.data());

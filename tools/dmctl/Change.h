@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "fileOperator/CategoryLayout.h"
-#include "Output.h"
+#include "FileTable.h"
 #include "Selection.h"
 #include "Session.h"
-#include "Table.h"
+#include "ui/Output.h"
 
 namespace td::dmctl {
 
@@ -25,7 +25,7 @@ public:
     /// A field of a record will have this value; it was asked for.
     void put(const Record& record, const Field& field, int value);
     /// All fields of a record will be those of another table; they were asked for.
-    void put(const Record& record, const Table& values);
+    void put(const Record& record, const FileTable& values);
     /// The record will be copied to those that the copy visits; whether that was asked for, or comes with a change.
     void copyTo(const Record& record, const BulkCopy& copy, bool asked);
 
@@ -47,8 +47,8 @@ private:
 
     Session& m_session;
     const CategoryLayout& m_layout;
-    Table m_before;
-    Table m_after;               ///< what the file is to hold
+    FileTable m_before;
+    FileTable m_after;           ///< what the file is to hold
     std::vector<bool> m_touched; ///< by record
     std::vector<bool> m_asked;   ///< by record
     std::size_t m_unchanged = 0; ///< of the values asked for

@@ -24,6 +24,7 @@ bool isOtherVersion(const CategoryLayout& layout, const FileInspection& inspecti
 
 FileTable tableOf(const CategoryLayout& layout, std::string bytes) {
     FileTable table;
+    table.layout = &layout;
     table.bytes = std::move(bytes);
     table.inspection = inspectFile(layout, table.bytes);
     if (isOtherVersion(layout, table.inspection)) {
@@ -88,6 +89,19 @@ FileTable readTable(const CategoryLayout& layout, const std::string& path, Write
     table.storeWasCut = table.state == FileTable::State::Damaged && storeWasCut(path);
     if (table.storeWasCut)
         table.trouble = "holds a store that was cut off, which the library ends when it loads";
+    return table;
+}
+
+FileTable goodTable(const Session& session, const CategoryLayout& layout, Copy copy) {
+    const std::string path = session.path(layout, copy);
+    std::string bytes;
+    std::string reason;
+    if (!readFile(path, bytes, reason))
+        throw Failure(fmt::format("the {} copy {} cannot be read: {}", copyName(copy), path, reason));
+    FileTable table = tableOf(layout, std::move(bytes));
+    if (!table.isGood())
+        throw Failure(fmt::format("the {} copy {} has faults; run `dmctl {}verify {}` to see what is wrong",
+                                  copyName(copy), path, session.rootOption(), categoryName(layout)));
     return table;
 }
 

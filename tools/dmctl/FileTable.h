@@ -9,6 +9,7 @@
 #include "fileOperator/CategoryLayout.h"
 #include "inspect/FileInspection.h"
 #include "Names.h"
+#include "Selection.h"
 #include "Session.h"
 
 namespace td::dmctl {
@@ -31,6 +32,18 @@ struct FileTable {
     std::time_t changed = 0; ///< when its contents changed last; 0: not known
 
     bool isGood() const { return state == State::Good; }
+
+    /// Of a good copy: the integers of a record, in their places.
+    int* at(const Record& record) { return values.data() + offset(record); }
+    const int* at(const Record& record) const { return values.data() + offset(record); }
+    int value(const Record& record, const Field& field) const { return at(record)[field.position]; }
+
+    const CategoryLayout* layout = nullptr;
+
+private:
+    std::size_t offset(const Record& record) const {
+        return static_cast<std::size_t>(layout->recordIndex(record.data())) * layout->fields.size();
+    }
 };
 
 /// "is damaged: ", then the first fault with its place and how many more there are.
@@ -42,6 +55,9 @@ bool storeWasCut(const std::string& path);
 enum class Writers { ToKeepAway, KeptAway };
 
 FileTable readTable(const CategoryLayout& layout, const std::string& path, Writers writers = Writers::ToKeepAway);
+
+/// A copy that has to be good. Throws Failure when it is missing or has faults.
+FileTable goodTable(const Session& session, const CategoryLayout& layout, Copy copy);
 
 /// The copy of that name. Throws UsageError.
 Copy copyNamed(const std::string& word);

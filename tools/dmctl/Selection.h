@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "fileOperator/CategoryLayout.h"
-#include "Verb.h"
+#include "verbs/Verb.h"
 
 namespace td::dmctl {
 

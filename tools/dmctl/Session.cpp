@@ -131,8 +131,8 @@ void Session::load(const CategoryLayout& layout) {
                                   m_rootOption.empty() ? "--root / " : m_rootOption));
     adoptTvType(layout);
     if (!m_manager->loadData(layout.category))
-        throw Failure(fmt::format("{} could not be loaded from any of its copies; what is wrong with them says: dmctl "
-                                  "{}verify {}",
+        throw Failure(fmt::format("{} could not be loaded from any of its copies; run `dmctl {}verify {}` to see what "
+                                  "is wrong with them",
                                   name, m_rootOption, name));
     auto* const op = dynamic_cast<AbstractFileOperator*>(m_manager->getFileOperator(layout.category));
     if (op != nullptr)

@@ -9,7 +9,7 @@
 #include <dataModule/FileDataSeparateManager.h>
 
 #include "fileOperator/CategoryLayout.h"
-#include "Verb.h"
+#include "verbs/Verb.h"
 
 namespace td::dmctl {
 

@@ -8,11 +8,11 @@
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
-#include "Help.h"
 #include "Names.h"
-#include "Output.h"
-#include "Terminal.h"
-#include "Verb.h"
+#include "ui/Help.h"
+#include "ui/Output.h"
+#include "ui/Terminal.h"
+#include "verbs/Verb.h"
 
 namespace td::dmctl {
 namespace {
