@@ -30,18 +30,20 @@ bool notOffered(const CategoryState& state) {
     return true;
 }
 
-/// The values of the open copy, from its first section on.
-bool readContents(CategoryState& state) {
-    return state.file.stream().setPos(state.file.contentPosition()) && state.op.loadContents();
-}
-
-void logRefresh(const CategoryState& state, bool loaded) {
+/// Takes the values of the copy that `open` opens.
+template <typename Open>
+bool refresh(CategoryState& state, Open open) {
+    TD_INFO("Load file from manufactory.\n");
+    const bool loaded = loadContentsBy(state, Contents::Loaded::Dropped, [&] {
+        return open() && state.file.stream().setPos(state.file.contentPosition()) && state.op.loadContents();
+    });
     if (loaded) {
         TD_INFO("Load file from manufactory successfully.\n");
-        return;
+    } else {
+        TD_WARNING("Load file from manufactory failed.\n");
+        state.logWhere();
     }
-    TD_WARNING("Load file from manufactory failed.\n");
-    state.logWhere();
+    return loaded;
 }
 
 } // namespace
@@ -138,10 +140,10 @@ bool AbstractFileOperator::getApplySettingFlag(const _DataCategory_t& category, 
 }
 
 bool AbstractFileOperator::restoreApplySettingFlag(const _DataCategory_t& category, const char* field) {
-    if (parent() == nullptr || !parent()->restoreApplySettingFlag(category, field))
-        return false;
-    TD_INFO("restore apply setting flag [%s] successfully.\n", textOrEmpty(field));
-    return true;
+    const bool restored = parent() != nullptr && parent()->restoreApplySettingFlag(category, field);
+    if (restored)
+        TD_INFO("restore apply setting flag [%s] successfully.\n", textOrEmpty(field));
+    return restored;
 }
 
 int AbstractFileOperator::enableDebugLog() {
@@ -284,23 +286,8 @@ bool AbstractFileOperator::loadFile() {
 }
 
 bool AbstractFileOperator::loadFile(const char* path) {
-    CategoryState& state = *m_state;
-    const SectionLock lock(state.lock);
-    const std::string before = state.file.path().load();
-    bool loaded = loadSummary(path);
-    if (!loaded) {
-        TD_WARNING("load summary failed from file [%s].\n", textOrEmpty(path));
-        logWhere();
-    } else {
-        loaded = loadContentsBy(state, Contents::Loaded::Dropped, [this] { return loadContents(); });
-        if (!loaded) {
-            TD_WARNING("load contents failed from file [%s].\n", path);
-            logWhere();
-        }
-    }
-    state.closeFile();
-    state.file.path().set(before);
-    return loaded;
+    const SectionLock lock(m_state->lock);
+    return loadForeign(*m_state, path);
 }
 
 bool AbstractFileOperator::loadSummary(_LOAD_FILE_MODE mode, bool& fatal) {
@@ -337,10 +324,7 @@ bool AbstractFileOperator::switchToManufactory() {
 
 bool AbstractFileOperator::refreshDataFromManufactory() {
     const SectionLock lock(m_state->lock);
-    TD_INFO("Load file from manufactory.\n");
-    const bool loaded = loadContentsBy(*m_state, Contents::Loaded::Dropped,
-                                       [this] { return switchToManufactory() && readContents(*m_state); });
-    logRefresh(*m_state, loaded);
+    const bool loaded = refresh(*m_state, [this] { return switchToManufactory(); });
     if (loaded)
         m_state->contents->refreshed();
     switchToNormal();
@@ -350,10 +334,7 @@ bool AbstractFileOperator::refreshDataFromManufactory() {
 
 bool AbstractFileOperator::refreshDataFromCurrent() {
     const SectionLock lock(m_state->lock);
-    TD_INFO("Load file from manufactory.\n");
-    const bool loaded = loadContentsBy(*m_state, Contents::Loaded::Dropped,
-                                       [this] { return m_state->openCurrent() && readContents(*m_state); });
-    logRefresh(*m_state, loaded);
+    const bool loaded = refresh(*m_state, [this] { return m_state->openCurrent(); });
     m_state->closeIfReleased();
     return loaded;
 }

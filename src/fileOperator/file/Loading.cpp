@@ -101,6 +101,24 @@ bool loadFromFiles(CategoryState& state) {
     return true;
 }
 
+bool loadForeign(CategoryState& state, const char* path) {
+    const std::string before = state.file.path().load();
+    bool loaded = state.op.loadSummary(path);
+    if (!loaded) {
+        TD_WARNING("load summary failed from file [%s].\n", path != nullptr ? path : "");
+        state.logWhere();
+    } else {
+        loaded = loadContentsBy(state, Contents::Loaded::Dropped, [&state] { return state.op.loadContents(); });
+        if (!loaded) {
+            TD_WARNING("load contents failed from file [%s].\n", path);
+            state.logWhere();
+        }
+    }
+    state.closeFile();
+    state.file.path().set(before);
+    return loaded;
+}
+
 bool makeUpForLoad(CategoryState& state) {
     return !state.servesMemory || loadAgain(state);
 }

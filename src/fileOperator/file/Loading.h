@@ -8,6 +8,8 @@ namespace td {
 
 /// What loadFile() does once it may.
 bool loadFromFiles(CategoryState& state);
+/// Loads the file at `path`, whichever it is, without any fallback.
+bool loadForeign(CategoryState& state, const char* path);
 /// Loads again if the load before had to do without the files. Whether the values are those of the files now.
 bool makeUpForLoad(CategoryState& state);
 /// Tries again what could not be written, or had to be loaded without the files, unless somebody is at work on the
