@@ -27,7 +27,7 @@ public:
     explicit TableState(const CategoryLayout& layout);
     ~TableState() override;
     /// Whose table it is; before anything else is called.
-    void attach(TableOperator& op);
+    void attach(TableOperator& owner);
 
     // Contents
     void enter() override;
@@ -53,9 +53,9 @@ public:
     enum class Stored { Changed, Unchanged, Refused, Forbidden };
     Stored store(int record, const int* values, FieldSet fields);
     void putRecord(int record, const int* values);
-    /// The whole record was read from a copy, in place of what was stored in it before; with `post` it is written to
+    /// The whole record was read from a copy, in place of what was stored in it before; with `posts` it is written to
     /// the current copy too.
-    void takeRecord(int record, const int* values, bool post);
+    void takeRecord(int record, const int* values, bool posts);
     /// Copies the record to the others that the copy visits and that differ. False when storing is not allowed any
     /// more.
     bool copyToOthers(const BulkCopy& copy, const int* indices);
@@ -113,7 +113,7 @@ private:
     };
     /// Writes these values to all of them at once, past the queue, and their checksum. The caller holds the category's
     /// lock.
-    void writeAtOnce(const std::vector<InWrite>& stores, const int* values);
+    void writeAtOnce(const std::vector<InWrite>& atOnce, const int* values);
     /// Changes the others in the table, to what becomes `given`. What is to be written at once goes to `atOnce`.
     void copyInTable(const BulkCopy& copy, const int* indices, int* given, std::vector<InWrite>& atOnce)
         TD_REQUIRES(table.mutex);

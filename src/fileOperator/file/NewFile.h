@@ -13,8 +13,8 @@ bool makeNewFile(CategoryState& state, bool defaults);
 /// Rewrites the summary lines of the open file, whose lengths are known, with the checksum of its contents.
 bool rewriteSummary(CategoryState& state);
 
-/// Looks for a line in the open file from its start on. The comment block on the way becomes the known one.
+/// Looks for the line `id` in the open file from its start on. The comment block on the way becomes the known one.
 enum class Found { Yes, EndOfFile, Failed };
-Found scanFor(CategoryState& state, const char* line);
+Found scanFor(CategoryState& state, const char* id);
 
 } // namespace td

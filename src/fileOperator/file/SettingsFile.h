@@ -41,7 +41,7 @@ public:
     bool hasLengths() const { return m_lengthsRead; }
     int contentPosition() const { return m_summary.contentPosition(); }
     /// The checksum of the open file's contents; false when it cannot be computed.
-    bool contentChecksum(unsigned int& crc) const;
+    bool contentChecksum(unsigned int& computed) const;
 
     /// Makes sure that the current copy is in its directory on the disk too: whoever put it there may have ended before
     /// that. Once for each file that was put there.
