@@ -63,7 +63,10 @@ bool BinTable::readContents() {
         }
         TD_INFO("load factory-wb data in simple mode in user state for bin -- [%d].\n", bin);
         loadedRows().holdNone();
-        forgetOtherBins(loadedRows());
+        for (int record = 0; record < layout.recordCount(); ++record) {
+            if (binOf(record) != m_bin)
+                loadedRows().forget(record);
+        }
         // A set in user state starts with what could be read of its bin.
         static_cast<void>(readBin(bin));
         return true;
@@ -128,13 +131,6 @@ bool BinTable::readSlot(int record, int* values) {
 
 // --- keeping the calibration of the bins that are not in memory ---
 
-void BinTable::forgetOtherBins(Rows& rows) const {
-    for (int record = 0; record < layout.recordCount(); ++record) {
-        if (binOf(record) != m_bin)
-            rows.forget(record);
-    }
-}
-
 bool BinTable::prepareFile(bool defaults) {
     const auto isMissing = [this](int record) {
         const TableLock lock(table.mutex);
@@ -159,8 +155,13 @@ bool BinTable::prepareFile(bool defaults) {
 void BinTable::fileMade(bool defaults) {
     TableState::fileMade(defaults);
     const TableLock lock(table.mutex);
-    if (!defaults && m_bin != ALL_BINS)
-        forgetOtherBins(table.rows);
+    if (defaults || m_bin == ALL_BINS)
+        return;
+    for (int record = 0; record < layout.recordCount(); ++record) {
+        // What was stored while the file was made may have to be written from here once more.
+        if (binOf(record) != m_bin && pending->fieldsOf(record) == 0)
+            table.rows.forget(record);
+    }
 }
 
 // --- many records at once ---

@@ -60,7 +60,6 @@ private:
     template <class Wanted>
     bool readSlots(Wanted isWanted);
     bool readSlot(int record, int* values);
-    void forgetOtherBins(Rows& rows) const;
 
     int m_bin = ALL_BINS; ///< the one that a load reads; guarded by the category's lock
 };
