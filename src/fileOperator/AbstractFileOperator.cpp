@@ -312,14 +312,7 @@ bool AbstractFileOperator::switchToNormal() {
 
 bool AbstractFileOperator::switchToManufactory() {
     const SectionStep step(m_state->lock);
-    m_state->closeFile();
-    m_state->file.mode = MANUFACTORY_LOAD;
-    const bool loaded = CopyCheck(*m_state).verify(MANUFACTORY_LOAD).isGood();
-    if (!loaded) {
-        TD_WARNING("Load summary from manufactory file [%s] failed.\n", getFileFullPath());
-        logWhere();
-    }
-    return loaded;
+    return CopyCheck(*m_state).switchToFactory().isGood();
 }
 
 bool AbstractFileOperator::refreshDataFromManufactory() {

@@ -83,15 +83,23 @@ CopyState CopyCheck::verify(const char* path) {
     return there;
 }
 
-CopyState CopyCheck::switchToCurrent(Versions versions) {
+CopyState CopyCheck::switchTo(_LOAD_FILE_MODE mode, Versions versions, const char* name) {
     m_state.closeFile();
-    m_state.file.mode = NORMAL_LOAD;
-    const CopyState state = verify(NORMAL_LOAD, versions);
+    m_state.file.mode = mode;
+    const CopyState state = verify(mode, versions);
     if (!state.isGood()) {
-        TD_WARNING("Load summary from current file [%s] failed.\n", m_state.file.path().load());
+        TD_WARNING("Load summary from %s file [%s] failed.\n", name, m_state.file.path().load());
         m_state.logWhere();
     }
     return state;
+}
+
+CopyState CopyCheck::switchToCurrent(Versions versions) {
+    return switchTo(NORMAL_LOAD, versions, "current");
+}
+
+CopyState CopyCheck::switchToFactory() {
+    return switchTo(MANUFACTORY_LOAD, Versions::OwnOnly, "manufactory");
 }
 
 CopyState CopyCheck::verifyOpen(const _LOAD_FILE_MODE* mode, Versions versions, int size) {

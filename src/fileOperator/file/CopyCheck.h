@@ -21,12 +21,14 @@ public:
     CopyState verify(_LOAD_FILE_MODE mode, Versions versions = Versions::OwnOnly);
     /// The same for any file.
     CopyState verify(const char* path);
-    /// The same for the current copy, which becomes the one in use.
+    /// The same for the current or the factory copy, which becomes the one in use.
     CopyState switchToCurrent(Versions versions = Versions::OwnOnly);
+    CopyState switchToFactory();
     /// Whether there is a file to open.
     static CopyState lookFor(const char* path);
 
 private:
+    CopyState switchTo(_LOAD_FILE_MODE mode, Versions versions, const char* name);
     CopyState openCopy(_LOAD_FILE_MODE mode);
     /// `mode`: the copy that it is, if it is one.
     CopyState verifyOpen(const _LOAD_FILE_MODE* mode, Versions versions, int size);
