@@ -104,18 +104,27 @@ bool TableOperator::checkRequest(const std::vector<int>& dims) const {
 }
 
 bool TableOperator::loadData(const std::vector<int>& dims, std::vector<_Argument_t>& args) {
-    if (!AbstractFileOperator::loadData(dims, args))
-        return false;
+    if (!state().isLoaded())
+        return AbstractFileOperator::loadData(dims, args);
     // Not timed: no line tells how long a read took, and two readings of the clock would be half of its work.
-    if (!checkRequest(dims))
+    const CategoryLayout& layout = m_table->layout;
+    if ((dims.size() != layout.dimensions.size() || !layout.accepts(dims.data())) && !checkRequest(dims))
         return false;
-    int record[MAX_FIELDS];
-    m_table->copyRecord(layoutOf().recordIndex(dims.data()), record);
-    dumpRecord(layoutOf(), dims.data(), record);
-    if (args.empty())
-        listFields(record, args);
-    else
-        getFields(record, args);
+    const int record = layout.recordIndex(dims.data());
+    if (detailLogIsOn())
+        dumpValues(dims.data());
+    if (args.empty()) {
+        int values[MAX_FIELDS];
+        m_table->copyRecord(record, values);
+        listFields(values, args);
+        return true;
+    }
+    if (m_table->copyFields(record, args))
+        return true;
+    for (const _Argument_t& argument : args) {
+        if (m_table->names.find(argument.name) == nullptr)
+            TD_WARNING("The field [%s] is invalid.\n", textOrEmpty(argument.name));
+    }
     return true;
 }
 

@@ -65,6 +65,20 @@ void TableState::copyRecord(int record, int* values) {
     std::copy_n(table.rows.at(record), layout.fieldCount(), values);
 }
 
+bool TableState::copyFields(int record, std::vector<_Argument_t>& args) {
+    bool areKnown = true;
+    const TableLock lock(table.mutex);
+    const int* const row = table.rows.at(record);
+    for (_Argument_t& argument : args) {
+        const Field* const field = names.find(argument.name);
+        if (field != nullptr)
+            argument.value = row[field->position];
+        else
+            areKnown = false;
+    }
+    return areKnown;
+}
+
 TableState::Stored TableState::store(int record, const int* values, FieldSet fields) {
     const NoCancel noCancel;
     for (;;) {

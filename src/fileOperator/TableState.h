@@ -47,6 +47,8 @@ public:
 
     /// A copy of the record, of as many values as it has fields.
     void copyRecord(int record, int* values);
+    /// Fills in the named fields. False when a name is none of a field.
+    bool copyFields(int record, std::vector<_Argument_t>& args);
     /// Stores those fields of one record, of which `values` has as many as the record: changes it, and posts its event.
     /// Unchanged: it had these values. Refused, with log lines: its other fields are not in the table and could not be
     /// read from the file. Forbidden: storing is not allowed any more.
